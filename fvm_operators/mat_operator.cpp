@@ -1,0 +1,1 @@
+#include "fvm_operators/mat_operator.h"

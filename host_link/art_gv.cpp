@@ -1,0 +1,1 @@
+#include "host_link/art_gv.h"

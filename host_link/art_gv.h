@@ -1,0 +1,4 @@
+#ifndef KVX3D_HOST_LINK_ART_GV_H
+#define KVX3D_HOST_LINK_ART_GV_H
+
+#endif

@@ -1,0 +1,1 @@
+#include "host_link/face_data.h"

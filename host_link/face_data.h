@@ -1,0 +1,4 @@
+#ifndef KVX3D_HOST_LINK_FACE_DATA_H
+#define KVX3D_HOST_LINK_FACE_DATA_H
+
+#endif

@@ -1,0 +1,1 @@
+#include "linear_algebra/solver_dense.h"

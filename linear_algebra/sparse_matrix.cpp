@@ -1,0 +1,1 @@
+#include "linear_algebra/sparse_matrix.h"

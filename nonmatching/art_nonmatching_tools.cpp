@@ -1,0 +1,1 @@
+#include "nonmatching/art_nonmatching_tools.h"

@@ -1,0 +1,1 @@
+#include "overset/hole_cutting.h"

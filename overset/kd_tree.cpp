@@ -1,0 +1,1 @@
+#include "overset/kd_tree.h"

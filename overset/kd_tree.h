@@ -1,0 +1,4 @@
+#ifndef KVX3D_OVERSET_KD_TREE_H
+#define KVX3D_OVERSET_KD_TREE_H
+
+#endif

@@ -1,0 +1,1 @@
+#include "overset/overset_grid_data.h"

@@ -1,0 +1,1 @@
+#include "overset/overset_mesh_impl.h"

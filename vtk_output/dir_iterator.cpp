@@ -1,0 +1,1 @@
+#include "vtk_output/dir_iterator.h"

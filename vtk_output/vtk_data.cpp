@@ -1,0 +1,1 @@
+#include "vtk_output/vtk_data.h"

@@ -1,0 +1,4 @@
+#ifndef KVX3D_VTK_OUTPUT_VTK_XML_H
+#define KVX3D_VTK_OUTPUT_VTK_XML_H
+
+#endif
