@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Installs the Debian packages this project builds, tests and draws with, as far as they are missing.
+#
+#   cmake/install_packages.sh            what run.sh needs
+#   cmake/install_packages.sh test       and what test.sh needs on top
+set -euo pipefail
+
+packages=(
+    g++ cmake ninja-build                               # compiler and build
+    libgmsh-dev libeigen3-dev libcli11-dev libfmt-dev   # reference host
+    libdune-istl-dev libsuperlu-dev                     # engine of KVX3DMatrixSolver
+    python3 python3-vtk9 python3-numpy python3-matplotlib  # reading results back, pictures
+)
+if [ "${1:-}" = test ]; then
+    packages+=(libgtest-dev libxml2-utils)
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$state" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null; then
+        echo "install_packages.sh: not root and no sudo; run as root: apt-get install ${missing[*]}" >&2
+        exit 1
+    fi
+    as_root=(sudo)
+fi
+echo "Installing ${missing[*]}"
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
