@@ -1,4 +1,220 @@
 #ifndef KVX3D_HOST_LINK_ART_GV_H
 #define KVX3D_HOST_LINK_ART_GV_H
 
+#include "host_link/export.h"
+#include "host_link/host_interface.h"
+
+class CMAFVMFaceData;
+class CMAFVMFaceVariable;
+
+/// The toolbox's view of the host: mesh, fields and what is derived from them, as one flat record
+/// that every part of the toolbox reads directly.
+///
+/// Calling order: getKvx3dGV() and the setters of the optional links first, then getKvx3dData().
+/// That reads the host in one pass: counts are copied, array pointers are kept, nothing of the
+/// host is duplicated. It may run again on a filled object and then replaces everything.
+///
+/// Ownership: host arrays are borrowed while kvxGv and kvxFvm are set. Face areas and ghost
+/// tables are made and released here; stencil records and face variables are placed here by the
+/// caller and released here. An object without host links owns every pointer it carries, but for
+/// FaceType_Partition. Assignment and copies share all pointers: only one of them may be destroyed
+/// while the owned arrays are set.
+///
+/// All arrays are 1-based. Lengths, areas and fields are in the host's units; an area vector is
+/// the face normal times the face area. No exception leaves the class: failures are negative
+/// return values with one line on standard output.
+class KVX3D_API CKVX_ACMT_GV {
+public:
+    /// All pointers null, all counts 0, boundary faces in use.
+    CKVX_ACMT_GV();
+    CKVX_ACMT_GV(const CKVX_ACMT_GV& other);
+    CKVX_ACMT_GV& operator=(const CKVX_ACMT_GV& other);
+    ~CKVX_ACMT_GV();
+
+    /// True when both the global variables and the mesh are linked.
+    bool isKvxGv();
+    /// True when the partition faces are linked.
+    bool isKvxPartFace();
+    /// True when the gradient operator is linked.
+    bool isKvxGradient();
+    /// True when the communication object is linked.
+    bool isKvxCommunication();
+
+    /// Links the host's two records.
+    /// @return 0, or -1 if either is null; then neither is stored
+    int getKvx3dGV(CKvx3dGV* gv, CKVX3DFiniteVolumeMesh* fvm);
+    /// Links the partition faces of a distributed run; before getKvx3dData(), or they stay unread.
+    /// @return 0, or -1 if `partFace` is null; then the link stays as it was
+    int getKvx3dPartFace(CPartitionFace_DLL* partFace);
+    /// Stores the gradient operator, which is never dereferenced.
+    /// @return 0, or -1 if `gradient` is null; then the link stays as it was
+    int getKvx3dGradientTool(COperatorGradient* gradient);
+    /// Stores the communication object, which is never dereferenced.
+    /// @return 0, or -1 if `communication` is null; then the link stays as it was
+    int getKvx3dCommunication(CCommunication* communication);
+
+    /// Reads the host: counts, positions, normals, face areas, relations, fields, in this order.
+    ///
+    /// Stops at the first step that fails; what was filled before stays.
+    /// @return 0; -1 without host links; -2 to -7 for the step that failed, in the order above
+    int getKvx3dData();
+
+    /// Prints everything linked to standard output, one value or vector a line.
+    /// @return 0
+    int debugMode();
+
+    /// Square root of a^2 + b^2 + c^2, summed from left to right.
+    static double CalNorm(const double& a, const double& b, const double& c);
+
+    CKvx3dGV* kvxGv = nullptr;                   ///< host global variables
+    CKVX3DFiniteVolumeMesh* kvxFvm = nullptr;    ///< host mesh
+    CPartitionFace_DLL* kvxPartFace = nullptr;   ///< partition faces, optional
+    COperatorGradient* kvxGradient = nullptr;    ///< optional, stored only
+    CCommunication* kvxCommunication = nullptr;  ///< optional, stored only
+
+    int NcAll = 0;    ///< cells and ghost cells
+    int Nc = 0;       ///< cells
+    int Ne = 0;       ///< inner faces
+    int NInlet = 0;   ///< inlet faces
+    int NOutlet = 0;  ///< outlet faces
+    int NWall = 0;    ///< wall faces
+    int NSymm = 0;    ///< symmetry faces
+    int NPart = 0;    ///< partition-interface faces, 0 without kvxPartFace
+    int Nn = 0;       ///< nodes
+
+    int* hostCountTableGv = nullptr;   ///< carried, not read
+    int* hostCountTableFvm = nullptr;  ///< carried, not read
+
+    int* Ce23[2] = {nullptr, nullptr};  ///< owner [0] and neighbor [1] of inner faces, 1..Ne
+    int* CInlet23 = nullptr;            ///< real cell beside each inlet face, 1..NInlet
+    int* COutlet23 = nullptr;           ///< real cell beside each outlet face, 1..NOutlet
+    int* CWall23 = nullptr;             ///< real cell beside each wall face, 1..NWall
+    int* CSymm23 = nullptr;             ///< real cell beside each symmetry face, 1..NSymm
+    int* CPart23 = nullptr;             ///< real cell beside each partition face, 1..NPart
+    int* idInlet = nullptr;             ///< ghost cell of each inlet face
+    int* idOutlet = nullptr;            ///< ghost cell of each outlet face
+    int* idWall = nullptr;              ///< ghost cell of each wall face
+    int* idSymm = nullptr;              ///< ghost cell of each symmetry face
+    int* idPart = nullptr;              ///< ghost cell of each partition face
+    int* cavityId = nullptr;            ///< cavity of each cell, 1..Nc
+    int** cellTableA = nullptr;         ///< carried, not read
+    int* pProcessId = nullptr;          ///< slot 0: number of this process
+    int** innerFaceTable = nullptr;     ///< this and the next six: carried, not read
+    int** inletFaceTable = nullptr;
+    int** outletFaceTable = nullptr;
+    int** wallFaceTable = nullptr;
+    int** symmFaceTable = nullptr;
+    int** cellTableB = nullptr;
+    int** cellTableC = nullptr;
+    int** cellNodes = nullptr;          ///< Nc rows; slot 0 the node count, then the node ids
+    int* nonmatchingFace = nullptr;     ///< non-zero on a non-matching inner face, 1..Ne
+    int* FaceType_Partition = nullptr;  ///< kind of each partition face, 1..NPart
+    /// True where a partition face is invalid for the non-matching treatment, 1..NPart.
+    bool* IfPartitionFace_InvalidForNonMatching = nullptr;
+
+    double* xc = nullptr;  ///< cell centres, 1..Nc
+    double* yc = nullptr;
+    double* zc = nullptr;
+    double* volume = nullptr;  ///< cell volumes, 1..Nc
+    double* xe = nullptr;      ///< inner-face centres, 1..Ne
+    double* ye = nullptr;
+    double* ze = nullptr;
+    double* xn = nullptr;  ///< node coordinates, 1..Nn
+    double* yn = nullptr;
+    double* zn = nullptr;
+    double* xInlet = nullptr;  ///< inlet face centres, 1..NInlet
+    double* yInlet = nullptr;
+    double* zInlet = nullptr;
+    double* xOutlet = nullptr;  ///< outlet face centres, 1..NOutlet
+    double* yOutlet = nullptr;
+    double* zOutlet = nullptr;
+    double* xWall = nullptr;  ///< wall face centres, 1..NWall
+    double* yWall = nullptr;
+    double* zWall = nullptr;
+    double* xSymm = nullptr;  ///< symmetry face centres, 1..NSymm
+    double* ySymm = nullptr;
+    double* zSymm = nullptr;
+    double* xPart = nullptr;  ///< partition face centres, 1..NPart
+    double* yPart = nullptr;
+    double* zPart = nullptr;
+
+    double* nxe = nullptr;  ///< inner-face area vectors from owner to neighbor, 1..Ne
+    double* nye = nullptr;
+    double* nze = nullptr;
+    double* nxInlet = nullptr;  ///< inlet area vectors, out of the domain, 1..NInlet
+    double* nyInlet = nullptr;
+    double* nzInlet = nullptr;
+    double* nxOutlet = nullptr;  ///< outlet area vectors, out of the domain, 1..NOutlet
+    double* nyOutlet = nullptr;
+    double* nzOutlet = nullptr;
+    double* nxWall = nullptr;  ///< wall area vectors, out of the domain, 1..NWall
+    double* nyWall = nullptr;
+    double* nzWall = nullptr;
+    double* nxSymm = nullptr;  ///< symmetry area vectors, out of the domain, 1..NSymm
+    double* nySymm = nullptr;
+    double* nzSymm = nullptr;
+    double* nxPart = nullptr;  ///< partition area vectors, 1..NPart
+    double* nyPart = nullptr;
+    double* nzPart = nullptr;
+
+    double* u = nullptr;           ///< velocity x, 1..NcAll
+    double* v = nullptr;           ///< velocity y, 1..NcAll
+    double* w = nullptr;           ///< velocity z, 1..NcAll
+    double* p = nullptr;           ///< pressure, 1..NcAll
+    double* linkedVar5 = nullptr;  ///< this and the next seven: carried, not read
+    double* linkedVar6 = nullptr;
+    double* linkedVar7 = nullptr;
+    double* linkedVar8 = nullptr;
+    double* linkedVar9 = nullptr;
+    double* linkedVar10 = nullptr;
+    double* linkedVar11 = nullptr;
+    double* linkedVar12 = nullptr;  ///< linked with partition faces only
+    double* mu = nullptr;           ///< diffusion coefficient, 1..NcAll, read at ghost cells
+    double* cp = nullptr;           ///< heat-capacity factor, 1..NcAll, read at ghost cells
+
+    /// Stencil records, arrays from the array form of new with record 0 unused, owned.
+    /// Left and right: the Ne inner faces seen from owner and neighbor; the others by their kind.
+    CMAFVMFaceData* faceDataLeft = nullptr;
+    CMAFVMFaceData* faceDataRight = nullptr;
+    CMAFVMFaceData* faceDataInlet = nullptr;
+    CMAFVMFaceData* faceDataOutlet = nullptr;
+    CMAFVMFaceData* faceDataWall = nullptr;
+    CMAFVMFaceData* faceDataSymm = nullptr;
+    CMAFVMFaceData* faceDataExtra1 = nullptr;  ///< released here, not read
+    CMAFVMFaceData* faceDataExtra2 = nullptr;  ///< released here, not read
+
+    double* areaE = nullptr;       ///< inner-face areas, 1..Ne, slot 0 holds Ne; owned
+    double* areaInlet = nullptr;   ///< inlet face areas, 1..NInlet; owned
+    double* areaOutlet = nullptr;  ///< outlet face areas, 1..NOutlet; owned
+    double* areaWall = nullptr;    ///< wall face areas, 1..NWall; owned
+    double* areaSymm = nullptr;    ///< symmetry face areas, 1..NSymm; owned
+    double* areaPart = nullptr;    ///< partition face areas, 1..NPart; owned, null if NPart is 0
+
+    CMAFVMFaceVariable* faceRho = nullptr;  ///< density at faces, placed by the caller, owned
+    CMAFVMFaceVariable* faceMu = nullptr;   ///< diffusion coefficient at faces, likewise
+    CMAFVMFaceVariable* faceK = nullptr;    ///< conductivity at faces, likewise
+    CMAFVMFaceVariable* faceCp = nullptr;   ///< heat-capacity factor at faces, likewise
+
+    /// 0 for a real cell and for any id no boundary face claims, ghosts of partition faces
+    /// included; 1, 2, 3, 4 for the ghost cell of an inlet, outlet, wall, symmetry face.
+    /// Entries 1..NcAll, owned.
+    int* ghostBCType = nullptr;
+    /// The cell itself for a real cell, the face number for the ghost cell of a boundary face,
+    /// else 0. Entries 1..NcAll, owned.
+    int* ghostBCIndex = nullptr;
+
+    /// Cleared by a caller that wants the operators to leave out their boundary faces.
+    bool useBoundaryFaces = true;
+
+private:
+    bool getMeshNumber();
+    bool getMeshPosition();
+    bool getMeshNormal();
+    bool getFaceArea();
+    bool getMeshRelation();
+    bool getPhysicalVar();
+
+    void debugDataCheck();
+};
+
 #endif
