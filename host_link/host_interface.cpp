@@ -1,3 +1,4 @@
 #include "host_link/host_interface.h"
 
-// Plain records and an abstract class: this file only proves that the header stands alone.
+// Out of line, so that the table of virtual functions has one home: the library.
+CPartitionFace_DLL::~CPartitionFace_DLL() = default;

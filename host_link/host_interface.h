@@ -148,7 +148,7 @@ public:
 /// from this class. Arrays are 1-based with NParInterFace() entries and owned by the object.
 class KVX3D_API CPartitionFace_DLL {
 public:
-    virtual ~CPartitionFace_DLL() = default;
+    virtual ~CPartitionFace_DLL();
 
     virtual int NParInterFace() = 0;  ///< number of partition-interface faces
     virtual int* ijParCV() = 0;       ///< real cell beside the face
