@@ -7,17 +7,16 @@
 #include "linear_algebra/sparse_matrix.h"
 
 #include <stdexcept>
-#include <string>
 
 /// An operator was built without its matrix or its mesh; carries the message only.
 class KVX3D_API MatrixOperatorException : public std::runtime_error {
 public:
-    explicit MatrixOperatorException(const std::string& message) : std::runtime_error(message) {}
+    using std::runtime_error::runtime_error;
 };
 
 namespace KVX_ART_FVM {
 
-using ::MatrixOperatorException;
+using ::MatrixOperatorException;  // may be caught under either name
 
 /// Adds the diffusive and convective terms of a transport equation to a sparse matrix.
 ///
