@@ -1,9 +1,91 @@
 #include "matrix_solver/matrix_solver.h"
 
-CKVXMatrixSolver::CKVXMatrixSolver(const char*) {}
-CKVXMatrixSolver::~CKVXMatrixSolver() = default;
-void CKVXMatrixSolver::SetAsDirect(int) {}
-int CKVXMatrixSolver::solveMatrix(int, int, int*, int*, double*, double*, double*, double, int,
-                                  int) {
-    return 1;
+#include <cmath>
+#include <exception>
+#include <new>
+#include <optional>
+
+#include "matrix_solver/csr_system.h"
+#include "matrix_solver/solve_chain.h"
+
+namespace {
+
+using kvx3d_solver::CallerArrays;
+using kvx3d_solver::CsrSystem;
+using kvx3d_solver::Outcome;
+using kvx3d_solver::SolveOptions;
+using kvx3d_solver::Vector;
+
+int ToStatus(Outcome outcome) {
+    switch (outcome) {
+        case Outcome::Solved:
+            return CKVXMatrixSolver::Solved;
+        case Outcome::ToleranceMissed:
+            return CKVXMatrixSolver::ToleranceMissed;
+        case Outcome::Singular:
+            break;
+    }
+    return CKVXMatrixSolver::Singular;
+}
+
+/// Carries the vector over to the system's scale and back, and writes it only if it changed: the
+/// way back need not be exact where an entry was subnormal.
+int SolveScaled(const CsrSystem& system, const SolveOptions& options, double* x) {
+    Vector scaled(x, x + system.n);
+    for (double& v : scaled) {
+        v = std::ldexp(v, -system.solutionExponent);
+    }
+    const Vector start = scaled;
+    const int status = ToStatus(SolveChain(system, options, scaled));
+    for (int i = 0; i < system.n; ++i) {
+        if (scaled[i] != start[i]) {
+            x[i] = std::ldexp(scaled[i], system.solutionExponent);
+        }
+    }
+    return status;
+}
+
+}  // namespace
+
+struct CKVXMatrixSolver::Impl {
+    bool directFirst = false;
+};
+
+// Without memory for its state the object still solves, with the iterations first.
+CKVXMatrixSolver::CKVXMatrixSolver(const char*) : impl(new (std::nothrow) Impl) {}
+
+CKVXMatrixSolver::~CKVXMatrixSolver() {
+    delete impl;
+}
+
+void CKVXMatrixSolver::SetAsDirect(int flag) {
+    if (impl) {
+        impl->directFirst = flag != 0;
+    }
+}
+
+int CKVXMatrixSolver::solveMatrix(int n, int nonZeroN, int* Ia, int* Ja, double* Aa, double* rhs,
+                                  double* x, double tolerance, int maxIterations, int) {
+    if (n == 0) {
+        return Solved;
+    }
+    // The negated comparison also turns away a tolerance that is not a number.
+    if (!x || !(tolerance >= 0.0) || maxIterations < 0) {
+        return BadInput;
+    }
+    try {
+        const std::optional<CsrSystem> system =
+            kvx3d_solver::ReadSystem({n, nonZeroN, Ia, Ja, Aa, rhs});
+        if (!system) {
+            return BadInput;
+        }
+        SolveOptions options;
+        options.tolerance = tolerance;
+        options.maxIterations = maxIterations;
+        options.directFirst = impl && impl->directFirst;
+        return SolveScaled(*system, options, x);
+    } catch (...) {
+        // Out of memory, in the main. x is written last, so it is as on entry.
+        return Singular;
+    }
 }

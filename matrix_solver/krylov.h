@@ -1,0 +1,35 @@
+#ifndef KVX3D_MATRIX_SOLVER_KRYLOV_H
+#define KVX3D_MATRIX_SOLVER_KRYLOV_H
+
+#include "matrix_solver/csr_system.h"
+#include "matrix_solver/preconditioner.h"
+
+namespace kvx3d_solver {
+
+/// Where an iteration may stop: at a residual norm, or after a number of steps.
+struct StopRule {
+    double residual;
+    int steps;
+};
+
+/// Improves x by BiCGSTAB, preconditioned from the right. On return x is the iterate with the
+/// smallest recursive residual met, the one on entry included; the caller recomputes the true one.
+///
+/// Source: H. A. van der Vorst, SIAM J. Sci. Stat. Comput. 13 (1992) 631-644,
+/// doi:10.1137/0913035.
+///
+/// @return steps taken; fewer than allowed on success, and on breakdown
+int BiCgStab(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x);
+
+/// Improves x by GMRES restarted every 40 steps, preconditioned from the right. x never gets
+/// worse but for rounding.
+///
+/// Source: Y. Saad, Iterative Methods for Sparse Linear Systems, 2nd ed., SIAM 2003, algorithms
+/// 6.11 and 9.5.
+///
+/// @return steps taken; fewer than allowed on success, and when a whole cycle brought nothing
+int Gmres(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x);
+
+}  // namespace kvx3d_solver
+
+#endif

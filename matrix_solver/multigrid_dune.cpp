@@ -1,0 +1,164 @@
+// The only unit that includes DUNE: its templates take most of the library's compile time.
+
+#include "matrix_solver/multigrid.h"
+
+// DUNE expects these from its own configure step, which also probes MPI and Fortran. The values
+// are those of Debian's SuperLU 5.
+#define HAVE_SUPERLU 1
+#define HAVE_SLU_DDEFS_H 1
+#define SUPERLU_INT_TYPE int
+
+#include <algorithm>
+#include <cstddef>
+#include <stdexcept>
+
+#include <dune/common/fmatrix.hh>
+#include <dune/common/fvector.hh>
+#include <dune/istl/bcrsmatrix.hh>
+#include <dune/istl/bvector.hh>
+#include <dune/istl/operators.hh>
+#include <dune/istl/paamg/amg.hh>
+#include <dune/istl/preconditioners.hh>
+#include <dune/istl/superlu.hh>
+
+namespace kvx3d_solver {
+namespace {
+
+using Matrix = Dune::BCRSMatrix<Dune::FieldMatrix<double, 1, 1>>;
+using BlockVector = Dune::BlockVector<Dune::FieldVector<double, 1>>;
+using Operator = Dune::MatrixAdapter<Matrix, BlockVector, BlockVector>;
+using Smoother = Dune::SeqILU<Matrix, BlockVector, BlockVector>;
+using Amg = Dune::Amg::AMG<Operator, BlockVector, Smoother>;
+using Criterion =
+    Dune::Amg::CoarsenCriterion<Dune::Amg::SymmetricCriterion<Matrix, Dune::Amg::FirstDiagonal>>;
+
+constexpr int coarsestRows = 1000;     // coarsening stops here
+constexpr int largestCoarsest = 4000;  // rows a direct solver may still get; more is a stall
+constexpr int slowestCoarsening = 4;   // rows per aggregate that the level bound counts on
+
+struct CoarseningStalled : std::runtime_error {
+    CoarseningStalled() : std::runtime_error("coarsest level too large to factorise") {}
+};
+
+}  // namespace
+}  // namespace kvx3d_solver
+
+namespace Dune::Amg {
+
+/// The direct solver of the coarsest level. The general form factorises whatever level the
+/// coarsening ended on; on a stall that is the whole system with the fill of several Galerkin
+/// products.
+template <>
+class DirectSolverSelector<kvx3d_solver::Matrix, kvx3d_solver::BlockVector> {
+public:
+    using DirectSolver = SuperLU<kvx3d_solver::Matrix>;
+    static constexpr bool isDirectSolver = true;
+
+    static std::string name() { return "SuperLU"; }
+
+    static DirectSolver* create(const kvx3d_solver::Matrix& matrix, bool verbose, bool reuse) {
+        if (matrix.N() > kvx3d_solver::largestCoarsest) {
+            throw kvx3d_solver::CoarseningStalled();
+        }
+        return new DirectSolver(matrix, verbose, reuse);
+    }
+};
+
+}  // namespace Dune::Amg
+
+namespace kvx3d_solver {
+namespace {
+
+Matrix ToDune(const CsrSystem& A) {
+    Matrix matrix;
+    const auto n = static_cast<std::size_t>(A.n);
+    matrix.setBuildMode(Matrix::random);
+    matrix.setSize(n, n, A.column.size());
+    for (int i = 0; i < A.n; ++i) {
+        matrix.setrowsize(i, static_cast<std::size_t>(A.rowStart[i + 1] - A.rowStart[i]));
+    }
+    matrix.endrowsizes();
+    for (int i = 0; i < A.n; ++i) {
+        matrix.setIndices(i, A.column.begin() + A.rowStart[i],
+                          A.column.begin() + A.rowStart[i + 1]);
+    }
+    matrix.endindices();
+    auto value = A.value.begin();
+    for (auto& row : matrix) {
+        for (auto& entry : row) {
+            entry = *value++;
+        }
+    }
+    return matrix;
+}
+
+/// Measured best on diffusion and on convection alike: the symmetric criterion, default damping.
+Criterion MakeCriterion(int rows) {
+    int levels = 2;
+    for (double left = rows; left > coarsestRows; left /= slowestCoarsening) {
+        ++levels;
+    }
+    Criterion criterion(levels, coarsestRows);
+    criterion.setDefaultValuesIsotropic(3);
+    criterion.setNoPreSmoothSteps(1);
+    criterion.setNoPostSmoothSteps(1);
+    criterion.setDebugLevel(0);
+    // Below this rate DUNE 2.9 stops coarsening and says so on standard error, whatever the debug
+    // level. The bound on the levels ends a stall instead.
+    criterion.setMinCoarsenRate(0.0);
+    return criterion;
+}
+
+class DuneMultigrid : public Preconditioner {
+public:
+    explicit DuneMultigrid(const CsrSystem& A)
+        : matrix(ToDune(A)),
+          fineOperator(matrix),
+          amg(fineOperator, MakeCriterion(A.n), SmootherArguments()),
+          defect(matrix.N()),
+          update(matrix.N()) {
+        // Sets up the level vectors. What it writes to rows without neighbours does not matter:
+        // both vectors are filled before each cycle.
+        defect = 0.0;
+        update = 0.0;
+        amg.pre(update, defect);
+    }
+
+    ~DuneMultigrid() override { amg.post(update); }
+
+    void Apply(const Vector& r, Vector& z) override {
+        std::copy(r.begin(), r.end(), defect.begin());
+        update = 0.0;
+        amg.apply(update, defect);
+        std::copy(update.begin(), update.end(), z.begin());
+    }
+
+private:
+    static Amg::SmootherArgs SmootherArguments() {
+        Amg::SmootherArgs arguments;
+        arguments.iterations = 1;
+        arguments.relaxationFactor = 1.0;
+        return arguments;
+    }
+
+    Matrix matrix;
+    Operator fineOperator;
+    Amg amg;
+    BlockVector defect, update;
+};
+
+}  // namespace
+
+bool HasMultigrid() {
+    return true;
+}
+
+std::unique_ptr<Preconditioner> MakeMultigrid(const CsrSystem& A) {
+    try {
+        return std::make_unique<DuneMultigrid>(A);
+    } catch (const CoarseningStalled&) {
+        return nullptr;
+    }
+}
+
+}  // namespace kvx3d_solver

@@ -1,0 +1,214 @@
+#include "matrix_solver/solve_chain.h"
+
+#include <algorithm>
+#include <exception>
+#include <functional>
+#include <limits>
+#include <memory>
+
+#include "matrix_solver/dense_lu.h"
+#include "matrix_solver/ilu0.h"
+#include "matrix_solver/krylov.h"
+#include "matrix_solver/multigrid.h"
+#include "matrix_solver/sparse_lu.h"
+
+namespace kvx3d_solver {
+namespace {
+
+constexpr int alwaysDense = 64;        // rows up to which dense LU beats any set-up
+constexpr int denseLimit = 2000;       // rows; 32 MB of factors
+constexpr double denseFilling = 0.25;  // of n * n, from where a matrix counts as full
+constexpr int multigridSteps = 200;    // more means that the hierarchy does not fit the problem
+constexpr int gmresSteps = 500;
+constexpr int restarts = 3;            // from the true residual, after the recursive one drifted
+constexpr double worthRestart = 0.5;   // residual reduction that earns another restart
+constexpr int refinements = 3;         // of a dense solution
+constexpr int lastResortRows = 20000;  // sparse LU nobody asked for: seconds on a 3-D mesh
+constexpr int directRows = 100000;     // sparse LU on demand: minutes and gigabytes beyond
+
+/// One pass through the methods: the best iterate, its true residual, and what is left to spend.
+class Chain {
+public:
+    Chain(const CsrSystem& system, const SolveOptions& chosen, const Vector& start)
+        : A(system),
+          options(chosen),
+          target(chosen.tolerance * system.rhsNorm),
+          stepsLeft(chosen.maxIterations),
+          best(start),
+          work(start.size()) {
+        startResidual = bestResidual = Residual(A, best, work);
+    }
+
+    bool Solved() const { return bestResidual <= target; }
+    const Vector& Best() const { return best; }
+
+    /// Zero takes the place of a start that is worse than zero, or not finite.
+    void DiscardBadStart() {
+        if (!(bestResidual <= A.rhsNorm)) {
+            std::fill(best.begin(), best.end(), 0.0);
+            bestResidual = A.rhsNorm;
+        }
+    }
+
+    bool IsDense() const {
+        const double full = static_cast<double>(A.n) * A.n;
+        return A.n <= alwaysDense ||
+               (A.n <= denseLimit && static_cast<double>(A.value.size()) > denseFilling * full);
+    }
+
+    /// Exact zero pivots first; if that fails, pivots of the size of rounding count as zero too,
+    /// which finds a solution of a consistent singular system.
+    void TryDense() {
+        const double rounding = A.n * std::numeric_limits<double>::epsilon();
+        for (const double zeroPivot : {0.0, rounding}) {
+            const DenseLu lu(A, zeroPivot);
+            Refine(lu);
+            if (Solved()) {
+                return;
+            }
+            singular = lu.ZeroPivots() > 0;
+        }
+    }
+
+    void TryMultigrid() {
+        if (stepsLeft == 0) {
+            return;
+        }
+        try {
+            std::unique_ptr<Preconditioner> M;
+            if (options.useMultigrid) {
+                M = MakeMultigrid(A);
+            }
+            if (!M && !(options.useMultigrid && HasMultigrid())) {
+                M = std::make_unique<Ilu0>(A);
+            }
+            if (M) {
+                Iterate(BiCgStab, *M, multigridSteps);
+            }
+        } catch (const std::exception&) {
+            // A hierarchy that cannot be built or applied leaves the field to the next method.
+        }
+    }
+
+    void TryGmres() {
+        if (stepsLeft > 0) {
+            Ilu0 M(A);
+            Iterate(Gmres, M, gmresSteps);
+        }
+    }
+
+    void TrySparseLu(int largestSystem) {
+        if (!options.useSparseLu || A.n > largestSystem || sparseLuTried) {
+            return;
+        }
+        sparseLuTried = true;
+        Vector x = best;
+        singular = SolveBySparseLu(A, x) == SparseLuResult::Singular;
+        Offer(x);
+    }
+
+    Outcome Judge() const {
+        if (Solved()) {
+            return Outcome::Solved;
+        }
+        const bool improved = bestResidual < startResidual && bestResidual < A.rhsNorm;
+        return singular || !improved ? Outcome::Singular : Outcome::ToleranceMissed;
+    }
+
+private:
+    /// Keeps x if its true residual is the smallest so far.
+    void Offer(const Vector& x) {
+        const double residual = Residual(A, x, work);
+        if (residual < bestResidual) {
+            bestResidual = residual;
+            best = x;
+        }
+    }
+
+    /// Solves for the whole right-hand side, then for what the residual still holds.
+    void Refine(const DenseLu& lu) {
+        Vector x(best.size()), correction(best.size());
+        lu.Solve(A.rhs, x);
+        double residual = Residual(A, x, work);
+        Offer(x);
+        for (int i = 0; i < refinements; ++i) {
+            Residual(A, x, work);
+            lu.Solve(Vector(work), correction);
+            for (std::size_t k = 0; k < x.size(); ++k) {
+                x[k] += correction[k];
+            }
+            const double reached = Residual(A, x, work);
+            if (!(reached < residual)) {
+                return;
+            }
+            residual = reached;
+            Offer(x);
+        }
+    }
+
+    using Method = int (*)(const CsrSystem&, Preconditioner&, StopRule, Vector&);
+
+    /// Runs a method from the best iterate, again while the true residual says it is not done and
+    /// the last run was worth it.
+    void Iterate(Method method, Preconditioner& M, int steps) {
+        for (int run = 0; run <= restarts && steps > 0 && stepsLeft > 0 && !Solved(); ++run) {
+            const double before = bestResidual;
+            Vector x = best;
+            const int taken = method(A, M, {target, std::min(steps, stepsLeft)}, x);
+            steps -= taken;
+            stepsLeft -= taken;
+            Offer(x);
+            if (bestResidual > worthRestart * before) {
+                return;
+            }
+        }
+    }
+
+    const CsrSystem& A;
+    const SolveOptions& options;
+    double target;  ///< norm of the residual to reach
+    int stepsLeft;
+    Vector best;
+    Vector work;
+    double startResidual = 0.0;
+    double bestResidual = 0.0;
+    bool singular = false;  ///< said by the last factorisation
+    bool sparseLuTried = false;
+};
+
+}  // namespace
+
+Outcome SolveChain(const CsrSystem& A, const SolveOptions& options, Vector& x) {
+    if (A.rhsNorm == 0.0) {
+        std::fill(x.begin(), x.end(), 0.0);
+        return Outcome::Solved;
+    }
+    Chain chain(A, options, x);
+    if (chain.Solved()) {
+        return Outcome::Solved;
+    }
+    chain.DiscardBadStart();
+    if (chain.IsDense()) {
+        chain.TryDense();
+    } else {
+        if (options.directFirst) {
+            chain.TrySparseLu(directRows);
+        }
+        if (!chain.Solved()) {
+            chain.TryMultigrid();
+        }
+        if (!chain.Solved()) {
+            chain.TryGmres();
+        }
+        if (!chain.Solved()) {
+            chain.TrySparseLu(lastResortRows);
+        }
+    }
+    const Outcome outcome = chain.Judge();
+    if (outcome != Outcome::Singular) {
+        x = chain.Best();
+    }
+    return outcome;
+}
+
+}  // namespace kvx3d_solver
