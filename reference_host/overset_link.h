@@ -13,10 +13,10 @@ namespace host {
 
 /// Which sides of an inner face are live. A donor stands on the side that is not.
 enum class FaceSide {
-    Both = 0,          ///< regular face: both cells active
+    Both = 0,           ///< regular face: both cells active
     DonorIsSecond = 1,  ///< hole boundary: the first cell is active, the second a donor
     DonorIsFirst = 2,   ///< hole boundary: the second cell is active, the first a donor
-    None = 3           ///< both cells cut
+    None = 3            ///< both cells cut
 };
 
 /// What the overset toolbox decided about a mesh, kept in the host's own tables: the facade answers
@@ -29,7 +29,7 @@ public:
     OversetLink(const Mesh& mesh, HostObjects& objects);
     ~OversetLink();
 
-    bool IsOverset() const;        ///< false on a single grid
+    bool IsOverset() const;  ///< false on a single grid
     bool IsActive(int cell) const { return active[cell]; }
     FaceSide Side(int face) const { return side[face]; }
     /// The pair of an inner face with the donor in place of the cut cell; on other faces the
@@ -44,10 +44,10 @@ public:
 
 private:
     std::unique_ptr<CKVXOversetMesh> toolbox;
-    std::vector<char> active;         // by cell
-    std::vector<FaceSide> side;       // by inner face
-    std::vector<int> first, second;   // by inner face
-    std::vector<int> wallDonor;       // by wall face
+    std::vector<char> active;        // by cell
+    std::vector<FaceSide> side;      // by inner face
+    std::vector<int> first, second;  // by inner face
+    std::vector<int> wallDonor;      // by wall face
 };
 
 }  // namespace host

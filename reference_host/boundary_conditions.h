@@ -1,0 +1,44 @@
+#ifndef KVX3D_REFERENCE_HOST_BOUNDARY_CONDITIONS_H
+#define KVX3D_REFERENCE_HOST_BOUNDARY_CONDITIONS_H
+
+#include <array>
+#include <functional>
+#include <vector>
+
+#include "reference_host/overset_link.h"
+
+namespace host {
+
+/// What a boundary face says about its ghost unknown, the value at the face centre.
+struct GhostCondition {
+    enum class Kind {
+        Value,         ///< phi_g = value
+        ZeroGradient,  ///< phi_g = phi_C
+        Mirror         ///< phi_g = (phi_C + phi_Q) / 2, Q the mirrored cell centre (overset faces)
+    };
+    Kind kind = Kind::ZeroGradient;
+    double value = 0.0;
+};
+
+/// The condition of every boundary face of a mesh, for one equation.
+///
+/// The scheme fixes three of them: symmetry faces have zero gradient, overset faces mirror, and the
+/// ghosts of cut cells are set to 0. The rest is the case's choice.
+class BoundaryConditions {
+public:
+    using Choice = std::function<GhostCondition(Boundary kind, int face)>;
+
+    /// Asks `choose` for each inlet, outlet and physical wall face beside an active cell.
+    BoundaryConditions(const Mesh& mesh, const OversetLink& link, const Choice& choose);
+
+    const GhostCondition& At(Boundary kind, int face) const {
+        return conditions[static_cast<int>(kind)][face];
+    }
+
+private:
+    std::array<std::vector<GhostCondition>, 4> conditions;  // by Boundary, then by face
+};
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,41 @@
+#ifndef KVX3D_REFERENCE_HOST_GRADIENT_H
+#define KVX3D_REFERENCE_HOST_GRADIENT_H
+
+#include <vector>
+
+#include "reference_host/cell_faces.h"
+#include "reference_host/host_objects.h"
+#include "reference_host/overset_link.h"
+#include "reference_host/stencil.h"
+
+namespace host {
+
+/// Which ghosts take part in a cell's gradient.
+enum class GradientSet {
+    Velocity,  ///< inlet, outlet, wall and overset ghosts: every scalar with values there
+    Pressure   ///< outlet and overset ghosts only: one-sided at inlets and physical walls
+};
+
+/// Least-squares gradients of the active cells, exact for linear fields.
+///
+/// grad C = M^-1 sum w d (phi - phi_C), M = sum w d d^T, w = 1 / |d|^2, over the faces of C.
+/// Regular faces give the neighbour, hole-boundary faces the donor at its own centre, boundary
+/// faces their ghost at the face centre. A symmetry face enters M alone (zero difference to the
+/// mirrored point), which also keeps M regular on one-cell-thick meshes.
+///
+/// Source: T. J. Barth, A 3-D upwind Euler solver for unstructured meshes, AIAA 91-1548.
+class CellGradients {
+public:
+    CellGradients(const Mesh& mesh, const HostObjects& objects, const OversetLink& link,
+                  const CellFaces& cellFaces, GradientSet set);
+
+    /// Empty for a cut cell.
+    const GradientStencil& operator[](int cell) const { return gradients[cell]; }
+
+private:
+    std::vector<GradientStencil> gradients;  // by cell
+};
+
+}  // namespace host
+
+#endif

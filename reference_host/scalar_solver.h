@@ -1,0 +1,92 @@
+#ifndef KVX3D_REFERENCE_HOST_SCALAR_SOLVER_H
+#define KVX3D_REFERENCE_HOST_SCALAR_SOLVER_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fvm_operators/mat_operator.h"
+#include "reference_host/boundary_conditions.h"
+#include "reference_host/equation.h"
+#include "reference_host/manufactured.h"
+#include "reference_host/stencil_builder.h"
+#include "reference_host/stencil_records.h"
+
+namespace host {
+
+/// What stands for the transport term; each is one operator of the toolbox.
+enum class Scheme {
+    Laplace,         ///< no convection; diffusion by the operator with unit coefficient
+    Diffusion,       ///< no convection
+    UpwindCells,     ///< first order, cell entries
+    UpwindStencils,  ///< first order, from the records
+    Central,
+    LinearUpwind,
+    Quick,
+    Hybrid
+};
+
+/// Name on the command line and in tables: "diffusion", "lud", ...
+const char* Name(Scheme scheme);
+/// The scheme of that name, if there is one.
+std::optional<Scheme> SchemeNamed(const std::string& name);
+/// All names, comma-separated, for messages.
+std::string SchemeNames();
+/// False for the two pure diffusion schemes.
+bool Convects(Scheme scheme);
+
+/// The flux of a constant velocity through every live face: zero on symmetry faces, between cut
+/// cells and on the donor's side of a hole-boundary face.
+void FillConstantFlux(const StencilBuilder& builder, const Vec3& velocity,
+                      CMAFVMFaceVariableAll& flux);
+
+/// Convection and diffusion of a scalar phi, div(U phi) - div(mu grad phi) = source, on a single
+/// grid or an overset pair, with everything implicit.
+class ScalarSolver {
+public:
+    /// Builds stencils and pattern. Borrows its arguments; `objects.mu` is rewritten at each
+    /// Assemble().
+    ScalarSolver(const Mesh& mesh, HostObjects& objects, const OversetLink& link, Scheme scheme);
+
+    /// Sums the operators into the matrix and closes the ghost rows.
+    ///
+    /// @param mu        diffusion coefficient, constant
+    /// @param velocity  constant; ignored by the pure diffusion schemes
+    /// @param storage   added to the diagonal of each active cell times its volume: 1 / time step
+    void Assemble(const BoundaryConditions& conditions, double mu, const Vec3& velocity,
+                  double storage = 0.0);
+
+    /// Solves with a source integrated over each cell, entries 1..Nc.
+    ///
+    /// @param[in,out] phi  first guess and solution, entries 1..NcAll; 0 in cut cells
+    SolveReport Solve(const BoundaryConditions& conditions, const std::vector<double>& source,
+                      std::vector<double>& phi, double reduction = 1e-10);
+
+    const StencilBuilder builder;
+    StencilRecords records;
+    Equation equation;
+
+private:
+    void SetGhostMu(const BoundaryConditions& conditions, double mu);
+    void AddConvection(const Vec3& velocity);
+    void AddDiffusion(double mu);
+
+    HostObjects& objects;
+    const Scheme scheme;
+};
+
+/// One manufactured solution: `exact` with Dirichlet values on inlet, outlet and physical walls.
+struct ManufacturedRun {
+    SolveReport solve;
+    std::vector<double> phi;     ///< entries 1..NcAll
+    int fallbackCount = 0;       ///< donor interpolations that were not quadratic
+    int storedEntriesGrown = 0;  ///< matrix entries that the declared pattern had missed
+};
+
+ManufacturedRun SolveManufactured(const Mesh& mesh, HostObjects& objects, const OversetLink& link,
+                                  Scheme scheme, const AnalyticField& exact, double mu,
+                                  const Vec3& velocity);
+
+}  // namespace host
+
+#endif
