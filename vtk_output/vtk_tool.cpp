@@ -1,1 +1,339 @@
 #include "vtk_output/vtk_tool.h"
+
+#include <cstdio>
+#include <iostream>
+#include <locale>
+
+#include "vtk_output/dir_iterator.h"
+#include "vtk_output/number_text.h"
+#include "vtk_output/platform.h"
+#include "vtk_output/vtk_xml.h"
+
+namespace {
+
+constexpr int mergeWaitMilliseconds = 100;  // for other processes to close their record files
+
+/// project_P: the data directory of this process, from the root.
+std::string DataDirName(const VTK_Settings& settings) {
+    return settings.project + '_' + numberText(settings.processId);
+}
+
+/// project.vtkcollection_P: the record file of this process, from the root.
+std::string RecordFileName(const VTK_Settings& settings) {
+    return settings.project + ".vtkcollection_" + numberText(settings.processId);
+}
+
+bool Contains(const std::string& name, const std::string& text) {
+    return name.find(text) != std::string::npos;
+}
+
+/// The entry at hand; one without a name if it cannot be read.
+VTK_DirEntry ReadEntry(const VTK_DirIterator& dir) {
+    VTK_DirEntry entry = {};
+    dir.Read(&entry);
+    return entry;
+}
+
+/// Both output streams of C and C++: a host may print through either.
+void PrintError() {
+    std::cout << "Error" << std::endl;
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+// --- VTK_CollectionWriter ---
+
+VTK_CollectionWriter::VTK_CollectionWriter(VTK_Settings* toolSettings) : settings(toolSettings) {}
+
+bool VTK_CollectionWriter::openRecordFile() {
+    if (recordFile.is_open()) {
+        recordFile.close();
+    }
+    recordFile.open(settings->rootDir + settings->separator + RecordFileName(*settings));
+    return recordFile.is_open();
+}
+
+bool VTK_CollectionWriter::writeStep() {
+    int number = 0;
+    for (VTK_Block* block : blocks) {
+        ++number;
+        const std::string fileName = settings->project + "_Itr" + numberText(settings->iteration) +
+                                     "_T" + numberText(settings->time) + "_P" +
+                                     numberText(settings->processId) + "_B" + numberText(number) +
+                                     fileExtension(block->blockType);
+        const std::string fullPath = settings->stepDir + settings->separator + fileName;
+        const std::string relativePath = DataDirName(*settings) + settings->separator + fileName;
+        // A block of another type has no writer yet keeps its place in the series: its record goes
+        // out, with a name without extension.
+        if (block->blockType == 0 && !writeVTUFile(fullPath, block)) {
+            std::cout << "File: " << fullPath << " Open Error" << std::endl;
+            return false;
+        }
+        if (!writeRecord(number, relativePath)) {
+            std::cout << " Collect File Write Error! " << std::endl;
+            return false;
+        }
+    }
+    return true;
+}
+
+bool VTK_CollectionWriter::writeRecord(int block, const std::string& relativePath) {
+    recordFile << numberText(settings->iteration) << '\t' << numberText(settings->time) << '\t'
+               << numberText(settings->processId) << '\t' << numberText(block) << '\t'
+               << relativePath << std::endl;
+    return true;
+}
+
+// --- VTK_PvdWriter ---
+
+VTK_PvdWriter::VTK_PvdWriter(VTK_Settings* toolSettings) : settings(toolSettings) {}
+
+bool VTK_PvdWriter::openPvd() {
+    if (pvdFile.is_open()) {
+        pvdFile.close();
+    }
+    pvdFile.open(settings->rootDir + settings->separator + settings->project + ".pvd");
+    if (!pvdFile.is_open()) {
+        std::cout << "PVD File Open Error" << std::endl;
+        return false;
+    }
+    pvdFile << "<?xml version = \"1.0\"?>" << std::endl;
+    pvdFile << "<VTKFile type = \"Collection\" version = \"0.1\" byte_order = \"LittleEndian\">"
+            << std::endl;
+    pvdFile << "<Collection>" << std::endl;
+    return true;
+}
+
+bool VTK_PvdWriter::mergeCollections() {
+    for (const std::string& name : findCollectionFiles()) {
+        if (!mergeCollectionFile(name)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::vector<std::string> VTK_PvdWriter::findCollectionFiles() {
+    std::vector<std::string> names;
+    VTK_DirIterator dir;
+    dir.Open(settings->rootDir.c_str());
+    while (dir.hasNext) {
+        const VTK_DirEntry entry = ReadEntry(dir);
+        if (Contains(entry.name, ".vtkcollection")) {
+            names.push_back(entry.name);
+        }
+        dir.Next();
+    }
+    dir.Close();
+    return names;
+}
+
+bool VTK_PvdWriter::mergeCollectionFile(const std::string& name) {
+    const std::string path = settings->rootDir + settings->separator + name;
+    std::cout << path << std::endl;
+
+    std::ifstream records(path);
+    records.imbue(std::locale::classic());
+    int iteration;  // read and dropped: a series is ordered by time
+    double time;
+    int process;
+    int block;
+    std::string file;
+    while (records >> iteration >> time >> process >> block >> file) {
+        pvdFile << "<DataSet timestep=\"" << numberText(time) << "\" group=\"" << numberText(block)
+                << "\" part=\"" << numberText(process) << "\" file=\"" << file << "\"/>"
+                << std::endl;
+    }
+    records.close();
+    return vtk_platform::Remove(path.c_str()) == 0;
+}
+
+bool VTK_PvdWriter::closePvd() {
+    if (!pvdFile.is_open()) {
+        return false;
+    }
+    pvdFile << "</Collection>" << std::endl;
+    pvdFile << "</VTKFile>" << std::endl;
+    pvdFile.close();
+    return true;
+}
+
+// --- CKVX_ART_VTK_Tool ---
+
+CKVX_ART_VTK_Tool::CKVX_ART_VTK_Tool() {
+    settings = new VTK_Settings;
+    settings->separator = vtk_platform::separator;
+    collectionWriter = new VTK_CollectionWriter(settings);
+    pvdWriter = new VTK_PvdWriter(settings);
+}
+
+CKVX_ART_VTK_Tool::~CKVX_ART_VTK_Tool() {
+    delete pvdWriter;
+    pvdWriter = nullptr;
+    delete collectionWriter;
+    collectionWriter = nullptr;
+    delete settings;
+    settings = nullptr;
+}
+
+bool CKVX_ART_VTK_Tool::Initialize(char* rootDir, char* project, int processId) {
+    settings->rootDir = rootDir;
+    settings->project = project;
+    settings->processId = processId;
+    // Appended to and never reset: the blocks and records of a tool belong to one directory, and
+    // a second call ends in a doubled path that cannot be made rather than in a mixed series.
+    settings->stepDir += settings->rootDir + settings->separator + DataDirName(*settings);
+    if (!OpenDir(settings->stepDir)) {
+        return false;
+    }
+    return collectionWriter->openRecordFile();
+}
+
+int CKVX_ART_VTK_Tool::newBlockData(VTK_Block* block) {
+    collectionWriter->blocks.push_back(block);
+    return static_cast<int>(collectionWriter->blocks.size());
+}
+
+bool CKVX_ART_VTK_Tool::OutputRun(double time, int iteration) {
+    settings->time = time;
+    settings->iteration = iteration;
+    return collectionWriter->writeStep();
+}
+
+bool CKVX_ART_VTK_Tool::PostRun_Single_SMP(int processRank) {
+    collectionWriter->recordFile.close();
+    if (processRank != 0) {
+        return true;
+    }
+    vtk_platform::SleepMilliseconds(mergeWaitMilliseconds);
+    pvdWriter->openPvd();
+    pvdWriter->mergeCollections();
+    pvdWriter->closePvd();
+    return true;
+}
+
+bool CKVX_ART_VTK_Tool::PostRun_DMP(int processRank, char* targetDir) {
+    const std::string target = targetDir;
+    collectionWriter->recordFile.close();
+    if (!MPI_MoveCollectionFile(target)) {
+        PrintError();
+    }
+    if (processRank == 0) {
+        vtk_platform::SleepMilliseconds(mergeWaitMilliseconds);
+        settings->rootDir = target;
+        pvdWriter->openPvd();
+        pvdWriter->mergeCollections();
+        pvdWriter->closePvd();
+    }
+    // After the merge: the series stands even if the step files take long or do not get through.
+    if (!MPI_MoveDataFolder(target)) {
+        PrintError();
+    }
+    return true;
+}
+
+bool CKVX_ART_VTK_Tool::test() {
+    VTK_DirIterator dir;
+    dir.Open(".\\");
+    while (dir.hasNext) {
+        const VTK_DirEntry entry = ReadEntry(dir);
+        if (Contains(entry.name, "ACMT")) {
+            for (const char* character = entry.name; *character != '\0'; ++character) {
+                std::printf("%c", *character);
+            }
+            std::printf(entry.isDir ? "/\n" : "\n");
+        }
+        dir.Next();
+    }
+    dir.Close();
+    return true;
+}
+
+/// True if the path is there afterwards, as whatever it is. Makes its last level only.
+bool CKVX_ART_VTK_Tool::OpenDir(std::string path) {
+    if (vtk_platform::Access(path.c_str()) == 0) {
+        return true;
+    }
+    return vtk_platform::MakeDir(path.c_str()) == 0;
+}
+
+/// True if the path exists, as a directory or as a file.
+bool CKVX_ART_VTK_Tool::CheckDir(std::string path) {
+    return vtk_platform::Access(path.c_str()) == 0;
+}
+
+/// True if the path is gone afterwards or never was there. The directory must be empty.
+bool CKVX_ART_VTK_Tool::DeleteDir(std::string path) {
+    if (vtk_platform::Access(path.c_str()) != 0) {
+        return true;
+    }
+    return vtk_platform::RemoveDir(path.c_str()) == 0;
+}
+
+/// Moves a file by copy and delete, across file systems too. False if either does not open; a
+/// source that cannot be deleted is told, and counts as moved.
+bool CKVX_ART_VTK_Tool::FileCopyAndRemoveSource(std::string source, std::string target) {
+    // Both are opened before either is tested: the target is truncated in any case.
+    std::ifstream in(source, std::ios::binary);
+    std::ofstream out(target, std::ios::binary);
+    if (!in.is_open() || !out.is_open() || vtk_platform::IsDirectory(source.c_str())) {
+        std::cout << ">> Error: Open File Error!" << std::endl;
+        return false;
+    }
+
+    // The last byte goes out twice, so a moved file is one byte longer than its source and an empty
+    // one becomes one byte. Step and record files end in a line end, and their readers skip a
+    // second one; a caller that compares sizes across a move counts one more.
+    std::vector<char> buffer(1 << 16);
+    char last = '\n';
+    do {
+        in.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+        if (in.gcount() > 0) {
+            out.write(buffer.data(), in.gcount());
+            last = buffer[static_cast<std::size_t>(in.gcount()) - 1];
+        }
+    } while (in);
+    out.put(last);
+    in.close();
+    out.close();
+    if (vtk_platform::Remove(source.c_str()) != 0) {
+        std::cout << ">> Error: Delete File Error!" << std::endl;
+    }
+    return true;
+}
+
+/// Moves this process's record file. True always: a record file that stays behind shows in what
+/// the move itself prints.
+bool CKVX_ART_VTK_Tool::MPI_MoveCollectionFile(std::string targetDir) {
+    const std::string name = settings->separator + RecordFileName(*settings);
+    FileCopyAndRemoveSource(settings->rootDir + name, targetDir + name);
+    return true;
+}
+
+/// Moves the files of this process's data directory, then removes it. False at the first that does
+/// not move; files moved until then stay moved.
+bool CKVX_ART_VTK_Tool::MPI_MoveDataFolder(std::string targetDir) {
+    const std::string targetStepDir = targetDir + settings->separator + DataDirName(*settings);
+    if (!OpenDir(targetStepDir)) {
+        return false;
+    }
+    VTK_DirIterator dir;
+    dir.Open(settings->stepDir.c_str());
+    while (dir.hasNext) {
+        const std::string name = ReadEntry(dir).name;
+        if (name != "." && name != "..") {
+            // A directory in here fails as a file that cannot be opened, which ends the move.
+            if (!FileCopyAndRemoveSource(settings->stepDir + settings->separator + name,
+                                         targetStepDir + settings->separator + name)) {
+                // The enumeration is left open as well: a post-run ends the tool's useful life,
+                // and the process, which is about to end, takes the handle with it.
+                return false;
+            }
+        }
+        dir.Next();
+    }
+    dir.Close();
+    DeleteDir(settings->stepDir);
+    return true;
+}

@@ -46,12 +46,6 @@ public:
     int level;                                 ///< tabs before the tags and the data lines
 };
 
-/// The text of a number in files and file names: that of a default-formatted stream in the classic
-/// locale (six significant digits for a double). The host's global locale plays no part, since a
-/// decimal comma or a grouped integer would be read as another number.
-std::string numberText(int value);
-std::string numberText(double value);
-
 /// Writes one block as a VTK XML UnstructuredGrid file in ASCII, truncating what was there. Every
 /// line is flushed as it ends.
 ///
