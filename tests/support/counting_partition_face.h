@@ -1,0 +1,72 @@
+#ifndef KVX3D_TESTS_SUPPORT_COUNTING_PARTITION_FACE_H
+#define KVX3D_TESTS_SUPPORT_COUNTING_PARTITION_FACE_H
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "host_link/host_interface.h"
+
+/// The accessors of CPartitionFace_DLL, in their order there.
+enum class PartAccessor : std::size_t {
+    NParInterFace,
+    ijParCV,
+    ijPar,
+    ijParSx,
+    ijParSy,
+    ijParSz,
+    ijParxc,
+    ijParyc,
+    ijParzc,
+    FaceType_Partition,
+    IfPartitionFace_InvalidForNonMatching
+};
+
+/// Partition faces that count how often each accessor is called, and that can fail on demand.
+///
+/// The vectors are 1-based (slot 0 is not data) and may be filled by a test; Resize() makes them.
+class CountingPartitionFace : public CPartitionFace_DLL {
+public:
+    static constexpr std::size_t nAccessors = 11;
+
+    /// Makes all arrays for n faces: ids 0, vectors and centres 0, flags false.
+    void Resize(int n);
+
+    /// Calls of one accessor so far.
+    int Calls(PartAccessor accessor) const { return calls[static_cast<std::size_t>(accessor)]; }
+    /// Calls of all accessors but NParInterFace() so far.
+    int CallsOfOthers() const;
+    void ResetCalls() { calls.fill(0); }
+
+    int NParInterFace() override;
+    int* ijParCV() override;
+    int* ijPar() override;
+    double* ijParSx() override;
+    double* ijParSy() override;
+    double* ijParSz() override;
+    double* ijParxc() override;
+    double* ijParyc() override;
+    double* ijParzc() override;
+    int* FaceType_Partition() override;
+    bool* IfPartitionFace_InvalidForNonMatching() override;
+
+    int count = 0;                    ///< what NParInterFace() answers
+    std::vector<int> cell;            ///< ijParCV
+    std::vector<int> ghost;           ///< ijPar
+    std::vector<double> area[3];      ///< ijParSx, ijParSy, ijParSz
+    std::vector<double> centre[3];    ///< ijParxc, ijParyc, ijParzc
+    std::vector<int> kind;            ///< FaceType_Partition
+    std::unique_ptr<bool[]> invalid;  ///< IfPartitionFace_InvalidForNonMatching
+
+    std::optional<PartAccessor> failing;  ///< this accessor throws an int ...
+    int failingAfter = 0;                 ///< ... once it has answered so many calls
+
+private:
+    void Count(PartAccessor accessor);
+
+    std::array<int, nAccessors> calls{};
+};
+
+#endif
