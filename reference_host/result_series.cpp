@@ -85,6 +85,9 @@ ResultSeries::ResultSeries(const Mesh& mesh, HostObjects& objects, OversetLink& 
       pvdPath((fs::path(directory) /
                fmt::format("{}.pvd", link_.IsOverset() ? oversetProject : singleGridProject))
                   .string()) {
+    // A .pvd of an earlier run would hide that this run could not write its own.
+    std::error_code ignored;
+    fs::remove(pvdPath, ignored);
     if (link.IsOverset()) {
         link.Toolbox()->InitializeVTKTool();
     } else {

@@ -1,0 +1,25 @@
+#ifndef KVX3D_REFERENCE_HOST_COMMAND_LINE_H
+#define KVX3D_REFERENCE_HOST_COMMAND_LINE_H
+
+#include "reference_host/case_heat.h"
+#include "reference_host/case_mms.h"
+
+namespace host {
+
+enum class Task { ShowHelp, Heat, Mms };
+
+/// What the command line asked for. Only the chosen task's case is filled.
+struct Command {
+    Task task = Task::ShowHelp;
+    std::string help;  ///< text of --help
+    HeatCase heat;
+    MmsCase mms;
+};
+
+/// Reads the command line; the only place that knows it.
+/// @throws std::runtime_error  one line naming the option and what it takes
+Command ReadCommand(int argc, const char* const* argv);
+
+}  // namespace host
+
+#endif
