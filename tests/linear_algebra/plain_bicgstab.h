@@ -13,6 +13,22 @@ class PlainBiCGSTAB : public CKVX_ART_MatSolver_BiCGSTAB {
 public:
     using CKVX_ART_MatSolver_BiCGSTAB::CKVX_ART_MatSolver_BiCGSTAB;
 
+    /// The places where a solve ends.
+    enum Exit {
+        kSolvedAtStart,
+        kNoIterations,
+        kRhoVanished,
+        kBetaVanished,
+        kSigmaVanished,
+        kAlphaVanished,
+        kTtVanished,
+        kOmegaVanished,
+        kConverged,
+        kTimesExhausted,
+        kExits
+    };
+    Exit lastExit = kExits;
+
     bool PlainMatSolve(const double* b, double* x) {
         if (!compressed) {
             CompressIndex();
@@ -27,14 +43,14 @@ public:
         const double norm = std::sqrt(sum);
         if (eps > std::abs(norm)) {
             Rnorm = norm;
-            return true;
+            return Leave(kSolvedAtStart);
         }
         double rho = 1.0;
         double omega = 1.0;
         double alpha = 0.0;
         PlainDILU(D);
         if (times < 1) {
-            return true;
+            return Leave(kNoIterations);
         }
         for (int iter = 1;; ++iter) {
             double rhoOld = rho;
@@ -43,7 +59,7 @@ public:
                 rho += r[i] * rHat[i];
             }
             if (eps > std::abs(rho)) {
-                return true;
+                return Leave(kRhoVanished);
             }
             if (iter == 1) {
                 for (int i = 1; i <= rowsN; ++i) {
@@ -53,7 +69,7 @@ public:
                 rhoOld = rhoOld + eps;
                 const double beta = (rho / rhoOld) * (alpha / (omega + eps));
                 if (eps > std::abs(beta)) {
-                    return true;
+                    return Leave(kBetaVanished);
                 }
                 for (int i = 1; i <= rowsN; ++i) {
                     p[i] = (p[i] - omega * v[i]) * beta + r[i];
@@ -66,12 +82,12 @@ public:
                 sigma += v[i] * rHat[i];
             }
             if (eps > std::abs(sigma)) {
-                return true;
+                return Leave(kSigmaVanished);
             }
             sigma = sigma + eps;
             alpha = rho / sigma;
             if (eps > std::abs(alpha)) {
-                return true;
+                return Leave(kAlphaVanished);
             }
             for (int i = 1; i <= rowsN; ++i) {
                 x[i] = x[i] + alpha * pHat[i];
@@ -86,12 +102,12 @@ public:
                 tt += t[i] * t[i];
             }
             if (eps > std::abs(tt)) {
-                return true;
+                return Leave(kTtVanished);
             }
             tt = tt + eps;
             omega = ts / tt;
             if (eps > std::abs(omega)) {
-                return true;
+                return Leave(kOmegaVanished);
             }
             double rr = 0.0;
             for (int i = 1; i <= rowsN; ++i) {
@@ -104,8 +120,11 @@ public:
                 Rnorm = rnorm;
             }
             iterTimes = iter;
-            if (Rnorm * tolerance >= rnorm || iter >= times) {
-                return true;
+            if (Rnorm * tolerance >= rnorm) {
+                return Leave(kConverged);
+            }
+            if (iter >= times) {
+                return Leave(kTimesExhausted);
             }
         }
     }
@@ -159,6 +178,11 @@ public:
             sum += vector[Ja[k]] * Aa[k];
         }
         return sum;
+    }
+
+    bool Leave(Exit exit) {
+        lastExit = exit;
+        return true;
     }
 
     static constexpr double eps = 1e-30;

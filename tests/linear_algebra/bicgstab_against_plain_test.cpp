@@ -1,0 +1,346 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <numeric>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/linear_algebra/plain_bicgstab.h"
+
+// The solver must end where the plain transcription ends, with the same bits in x, in every work
+// vector and in both figures, whatever order the rows are stored in and wherever it breaks down.
+
+namespace {
+
+struct Entry {
+    int row;
+    int col;
+    double value;
+};
+
+/// One system, in the order its entries are to be stored.
+struct System {
+    std::string name;
+    int n = 0;
+    std::vector<Entry> entries;
+    bool declared = false;  // true: AddIndex first, so rows come out sorted
+    std::vector<double> b;
+    std::vector<double> x;
+    int times = 30;
+    double tolerance = 1.1e-08;
+};
+
+/// Equal bits, or both not-a-number: which operand's payload survives is the compiler's choice.
+bool Same(double a, double b) {
+    return (std::isnan(a) && std::isnan(b)) || std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+void Assemble(const System& system, CKVX_ART_SparseMatrix& A) {
+    if (system.declared) {
+        for (const Entry& e : system.entries) {
+            A.AddIndex(e.row, e.col);
+        }
+    }
+    for (const Entry& e : system.entries) {
+        A.AddElementValue(e.row, e.col, e.value);
+    }
+}
+
+void ExpectSame(const double* ours, const double* plain, int n, const char* what) {
+    for (int i = 0; i <= n; ++i) {
+        ASSERT_TRUE(Same(ours[i], plain[i]))
+            << what << '[' << i << "]: " << ours[i] << " for " << plain[i];
+    }
+}
+
+void ExpectSameState(const CKVX_ART_MatSolver_BiCGSTAB& A, const CKVX_ART_MatSolver_BiCGSTAB& B) {
+    const int n = A.rowsN;
+    ExpectSame(A.r, B.r, n, "r");
+    ExpectSame(A.rHat, B.rHat, n, "rHat");
+    ExpectSame(A.D, B.D, n, "D");
+    ExpectSame(A.p, B.p, n, "p");
+    ExpectSame(A.pHat, B.pHat, n, "pHat");
+    ExpectSame(A.v, B.v, n, "v");
+    ExpectSame(A.y, B.y, n, "y");
+    ExpectSame(A.s, B.s, n, "s");
+    ExpectSame(A.sHat, B.sHat, n, "sHat");
+    ExpectSame(A.t, B.t, n, "t");
+    EXPECT_TRUE(Same(A.Rnorm, B.Rnorm)) << A.Rnorm << " for " << B.Rnorm;
+    EXPECT_EQ(A.iterTimes, B.iterTimes);
+    EXPECT_TRUE(std::equal(A.Ia, A.Ia + n + 2, B.Ia));
+    EXPECT_TRUE(std::equal(A.Ja, A.Ja + A.Ia[n + 1], B.Ja));
+    ExpectSame(A.Aa, B.Aa, A.Ia[n + 1] - 1, "Aa");
+}
+
+/// Solves twice, the second time from where the first ended, and compares everything.
+/// @return where the first solve ended
+PlainBiCGSTAB::Exit Compare(const System& system) {
+    SCOPED_TRACE(system.name);
+    CKVX_ART_MatSolver_BiCGSTAB ours(system.n);
+    PlainBiCGSTAB plain(system.n);
+    for (CKVX_ART_MatSolver_BiCGSTAB* A :
+         {&ours, static_cast<CKVX_ART_MatSolver_BiCGSTAB*>(&plain)}) {
+        Assemble(system, *A);
+        A->SetTimes(system.times);
+        A->SetTolerance(system.tolerance);
+    }
+    std::vector<double> x = system.x;
+    std::vector<double> xPlain = system.x;
+
+    EXPECT_TRUE(ours.MatSolve(system.b.data(), x.data()));
+    plain.PlainMatSolve(system.b.data(), xPlain.data());
+    const PlainBiCGSTAB::Exit exit = plain.lastExit;
+    ExpectSameState(ours, plain);
+    ExpectSame(x.data(), xPlain.data(), system.n, "x");
+
+    ours.MatSolve(system.b.data(), x.data());
+    plain.PlainMatSolve(system.b.data(), xPlain.data());
+    ExpectSameState(ours, plain);
+    ExpectSame(x.data(), xPlain.data(), system.n, "x");
+    return exit;
+}
+
+class Generator {
+public:
+    explicit Generator(unsigned seed) : random(seed) {}
+
+    int Int(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
+    double Real() { return std::uniform_real_distribution<double>(-1.0, 1.0)(random); }
+    /// A small integer: sums of these are exact, so that ties and breakdowns happen.
+    double Tie() { return Int(-2, 2); }
+
+    void Shuffle(std::vector<Entry>& entries) {
+        std::shuffle(entries.begin(), entries.end(), random);
+    }
+
+    /// A right-hand side and a start.
+    void Vectors(System& system, bool ties) {
+        system.b.assign(system.n + 1, 0.0);
+        system.x.assign(system.n + 1, 0.0);
+        const bool zeroStart = Int(0, 1) == 0;
+        for (int i = 1; i <= system.n; ++i) {
+            system.b[i] = ties ? Tie() : Real();
+            system.x[i] = zeroStart ? 0.0 : ties ? Tie() : Real();
+        }
+    }
+
+    /// About `perRow` entries a row at any place, the diagonal among them.
+    System Sparse(int n, double perRow, double diagonal, bool ties) {
+        System system;
+        system.n = n;
+        std::set<std::pair<int, int>> taken;
+        for (int i = 1; i <= n; ++i) {
+            taken.insert({i, i});
+            system.entries.push_back({i, i, ties ? Tie() + diagonal : Real() + diagonal});
+        }
+        for (int k = 0; k < n * perRow; ++k) {
+            const int i = Int(1, n);
+            const int j = Int(1, n);
+            if (taken.insert({i, j}).second) {
+                system.entries.push_back({i, j, ties ? Tie() : Real()});
+            }
+        }
+        Vectors(system, ties);
+        return system;
+    }
+
+    /// The 7-point stencil on a box, convection and all.
+    System Box(int nx, int ny, int nz, double diagonal) {
+        System system;
+        system.n = nx * ny * nz;
+        system.declared = true;
+        const auto id = [&](int i, int j, int k) { return 1 + i + nx * (j + ny * k); };
+        for (int k = 0; k < nz; ++k) {
+            for (int j = 0; j < ny; ++j) {
+                for (int i = 0; i < nx; ++i) {
+                    const int row = id(i, j, k);
+                    system.entries.push_back({row, row, diagonal});
+                    const auto add = [&](bool inside, int col) {
+                        if (inside) {
+                            system.entries.push_back({row, col, -1.0 + 0.4 * Real()});
+                        }
+                    };
+                    add(i > 0, row - 1);
+                    add(i < nx - 1, row + 1);
+                    add(j > 0, row - nx);
+                    add(j < ny - 1, row + nx);
+                    add(k > 0, row - nx * ny);
+                    add(k < nz - 1, row + nx * ny);
+                }
+            }
+        }
+        Vectors(system, false);
+        return system;
+    }
+
+private:
+    std::mt19937 random;
+};
+
+class BiCGSTABAgainstPlain : public testing::TestWithParam<int> {};
+
+TEST_P(BiCGSTABAgainstPlain, RandomRowsSortedAndShuffled) {
+    Generator generate(100 + GetParam());
+
+    for (int trial = 0; trial < 60; ++trial) {
+        System system = generate.Sparse(GetParam(), generate.Int(0, 12), 4.0, false);
+        system.name = "random, trial " + std::to_string(trial);
+        system.declared = trial % 2 == 0;
+        system.times = generate.Int(0, 40);
+        generate.Shuffle(system.entries);
+        Compare(system);
+    }
+}
+
+TEST_P(BiCGSTABAgainstPlain, NotDominantRowsThatDiverge) {
+    Generator generate(200 + GetParam());
+
+    for (int trial = 0; trial < 60; ++trial) {
+        System system = generate.Sparse(GetParam(), generate.Int(1, 6), 0.0, false);
+        system.name = "not dominant, trial " + std::to_string(trial);
+        system.declared = trial % 2 == 0;
+        generate.Shuffle(system.entries);
+        Compare(system);
+    }
+}
+
+TEST_P(BiCGSTABAgainstPlain, TiesBreakDownAtTheSamePlace) {
+    Generator generate(300 + GetParam());
+
+    for (int trial = 0; trial < 200; ++trial) {
+        System system = generate.Sparse(GetParam(), generate.Int(0, 3), generate.Int(-1, 3), true);
+        system.name = "ties, trial " + std::to_string(trial);
+        system.declared = trial % 3 == 0;
+        system.tolerance = trial % 5 == 0 ? -1.0 : 1.1e-08;
+        generate.Shuffle(system.entries);
+        Compare(system);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Rows, BiCGSTABAgainstPlain,
+                         testing::Values(1, 2, 3, 4, 5, 8, 17, 40, 150));
+
+struct BoxSize {
+    int nx, ny, nz;
+};
+
+class BiCGSTABAgainstPlainOnBoxes : public testing::TestWithParam<BoxSize> {};
+
+TEST_P(BiCGSTABAgainstPlainOnBoxes, StencilRowsDeclaredAndInserted) {
+    const auto [nx, ny, nz] = GetParam();
+    Generator generate(400 + nx);
+    System system = generate.Box(nx, ny, nz, 6.1);
+    system.name = "declared";
+
+    Compare(system);
+
+    // Walked face by face, an undeclared matrix grows in no order a sweep could rely on.
+    if (system.n <= 1500) {
+        system.name = "inserted";
+        system.declared = false;
+        generate.Shuffle(system.entries);
+        Compare(system);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Sizes, BiCGSTABAgainstPlainOnBoxes,
+                         testing::Values(BoxSize{1, 1, 1}, BoxSize{50, 1, 1}, BoxSize{1, 50, 1},
+                                         BoxSize{7, 9, 1}, BoxSize{5, 4, 3}, BoxSize{12, 10, 11},
+                                         BoxSize{40, 30, 20}),
+                         [](const auto& box) {
+                             return std::to_string(box.param.nx) + "x" +
+                                    std::to_string(box.param.ny) + "x" +
+                                    std::to_string(box.param.nz);
+                         });
+
+TEST(BiCGSTABAgainstPlainOddities, EveryExitIsReached) {
+    Generator generate(1);
+    std::set<PlainBiCGSTAB::Exit> reached;
+    constexpr double scales[] = {1.0, 1e-16, 1e-30, 1e16, 1e100};
+
+    for (int trial = 0; trial < 4000; ++trial) {
+        System system =
+            generate.Sparse(generate.Int(1, 6), generate.Int(0, 3), generate.Int(-1, 2), true);
+        system.name = "trial " + std::to_string(trial);
+        system.times = trial % 50 == 0 ? 0 : 20;
+        const double matrixScale = scales[generate.Int(0, 4)];
+        const double vectorScale = scales[generate.Int(0, 4)];
+        for (Entry& e : system.entries) {
+            e.value *= matrixScale;
+        }
+        for (int i = 1; i <= system.n; ++i) {
+            system.b[i] *= vectorScale;
+        }
+        reached.insert(Compare(system));
+    }
+
+    EXPECT_EQ(reached.size(), static_cast<std::size_t>(PlainBiCGSTAB::kExits));
+}
+
+TEST(BiCGSTABAgainstPlainOddities, NotANumberAndInfinity) {
+    Generator generate(2);
+
+    for (double odd : {std::numeric_limits<double>::quiet_NaN(),
+                       std::numeric_limits<double>::infinity(), -0.0, 1e-310}) {
+        for (int place = 0; place < 20; ++place) {
+            System system = generate.Sparse(12, 4.0, 3.0, false);
+            system.name = std::to_string(odd) + " at " + std::to_string(place);
+            system.times = 5;
+            if (place < 10) {
+                system.b[1 + place] = odd;
+            } else {
+                system.entries[place].value = odd;
+            }
+            Compare(system);
+        }
+    }
+}
+
+TEST(BiCGSTABAgainstPlainOddities, AnEmptyRowThatPassesByItsNeighbour) {
+    System system;
+    system.name = "row 2 empty";
+    system.n = 4;
+    system.entries = {{1, 1, 3.0}, {1, 2, 1.0}, {3, 2, 4.0}, {3, 3, 5.0},
+                      {3, 4, 1.0}, {4, 1, 2.0}, {4, 4, 6.0}};
+    system.b = {0.0, 1.0, 2.0, 3.0, 4.0};
+    system.x.assign(5, 0.0);
+    CKVX_ART_MatSolver_BiCGSTAB ours(4);
+    PlainBiCGSTAB plain(4);
+    Assemble(system, ours);
+    Assemble(system, plain);
+    std::vector<double> x = system.x;
+    std::vector<double> xPlain = system.x;
+
+    ours.MatSolve(system.b.data(), x.data());
+    plain.PlainMatSolve(system.b.data(), xPlain.data());
+
+    ExpectSameState(ours, plain);
+    ExpectSame(x.data(), xPlain.data(), 4, "x");
+}
+
+TEST(BiCGSTABAgainstPlainOddities, ThePreconditionerAloneOnAnyOrderOfRows) {
+    Generator generate(3);
+
+    for (int trial = 0; trial < 200; ++trial) {
+        System system = generate.Sparse(generate.Int(1, 30), generate.Int(0, 8), 2.0, false);
+        generate.Shuffle(system.entries);
+        std::stable_partition(system.entries.begin(), system.entries.end(),
+                              [](const Entry& e) { return e.row == e.col; });
+        CKVX_ART_MatSolver_BiCGSTAB ours(system.n);
+        PlainBiCGSTAB plain(system.n);
+        Assemble(system, ours);
+        Assemble(system, plain);
+
+        ours.DILU(ours.D);
+        plain.PlainDILU(plain.D);
+        ours.SolveDILU(ours.D, system.b.data(), ours.sHat);
+        plain.PlainSolveDILU(plain.D, system.b.data(), plain.sHat);
+
+        ExpectSameState(ours, plain);
+    }
+}
+
+}  // namespace

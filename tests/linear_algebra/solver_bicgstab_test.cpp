@@ -1,0 +1,486 @@
+#include "linear_algebra/solver_bicgstab.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <new>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using Solver = CKVX_ART_MatSolver_BiCGSTAB;
+using Vector = std::vector<double>;  // 1-based, entry 0 unused
+
+/// Fills a square matrix from rows of values; zeros are not stored unless on the diagonal.
+void Fill(CKVX_ART_SparseMatrix& A, const std::vector<Vector>& rows) {
+    for (std::size_t i = 1; i <= rows.size(); ++i) {
+        for (std::size_t j = 1; j <= rows.size(); ++j) {
+            const double value = rows[i - 1][j - 1];
+            if (value != 0.0 || i == j) {
+                A.AddElementValue(static_cast<int>(i), static_cast<int>(j), value);
+            }
+        }
+    }
+}
+
+/// Couples each row with its neighbours at distance 1 and 7, as on a plate 7 cells wide: DILU is
+/// not exact on it, so a solve takes several iterations.
+void FillPlate(CKVX_ART_SparseMatrix& A, double lower, double diagonal, double upper) {
+    const int n = A.GetRowsN();
+    for (int i = 1; i <= n; ++i) {
+        A.AddElementValue(i, i, diagonal);
+        for (int distance : {1, 7}) {
+            if (i > distance) {
+                A.AddElementValue(i, i - distance, lower);
+            }
+            if (i + distance <= n) {
+                A.AddElementValue(i, i + distance, upper);
+            }
+        }
+    }
+}
+
+// The object
+
+TEST(BiCGSTABObject, MembersFollowTheBaseInTheirOrder) {
+    Solver A(1);
+    const void* members[] = {&A.tolerance, &A.times, &A.r, &A.rHat, &A.D, &A.p,     &A.pHat,
+                             &A.v,         &A.y,     &A.s, &A.sHat, &A.t, &A.Rnorm, &A.iterTimes};
+
+    EXPECT_LT(static_cast<const void*>(&A.indexSets), members[0]);
+    for (int i = 0; i < 13; ++i) {
+        EXPECT_LT(members[i], members[i + 1]);
+    }
+    EXPECT_EQ(sizeof(A), sizeof(CKVX_ART_SparseMatrix) + 14 * sizeof(double));
+    EXPECT_TRUE(std::has_virtual_destructor_v<Solver>);
+}
+
+TEST(BiCGSTABObject, HasItsDefaults) {
+    Solver A(2);
+
+    EXPECT_EQ(A.GetTolerance(), 1.1e-08);
+    EXPECT_EQ(A.GetTimes(), 100000);
+    EXPECT_EQ(A.GetRnorm(), 0.0);
+    EXPECT_EQ(A.GetIterTimes(), 0.0);
+    EXPECT_TRUE((std::is_same_v<decltype(A.GetIterTimes()), double>));
+}
+
+TEST(BiCGSTABObject, VectorsAreZeroWithTheRowCountInSlotZeroButForPHat) {
+    Solver A(3, 5);
+
+    for (const double* vector : {A.r, A.rHat, A.D, A.p, A.v, A.y, A.s, A.sHat, A.t}) {
+        EXPECT_EQ(Vector(vector, vector + 4), (Vector{3.0, 0.0, 0.0, 0.0}));
+    }
+    EXPECT_EQ(Vector(A.pHat, A.pHat + 4), (Vector{0.0, 0.0, 0.0, 0.0}));
+}
+
+TEST(BiCGSTABObject, SetUpAgainTakesNewVectorsAndDropsTheOld) {
+    Solver A(2);
+    std::vector<std::unique_ptr<double[]>> dropped;
+    for (double* vector : {A.r, A.rHat, A.D, A.p, A.pHat, A.v, A.y, A.s, A.sHat, A.t}) {
+        dropped.emplace_back(vector);
+    }
+    A.SetTimes(3);
+    A.r[1] = 7.0;
+
+    A.DefaultConstructorProcedure();
+
+    EXPECT_NE(A.r, dropped[0].get());
+    EXPECT_EQ(dropped[0][1], 7.0);
+    EXPECT_EQ(A.r[1], 0.0);
+    EXPECT_EQ(A.GetTimes(), 100000);
+}
+
+TEST(BiCGSTABObject, CopySharesEveryVector) {
+    alignas(Solver) unsigned char memory[sizeof(Solver)];
+    Solver A(2);
+
+    auto* copy = new (memory) Solver(A);  // never destroyed: A releases the blocks
+
+    EXPECT_EQ(copy->r, A.r);
+    EXPECT_EQ(copy->t, A.t);
+    EXPECT_EQ(copy->Ia, A.Ia);
+}
+
+TEST(BiCGSTABObject, SettersAreRead) {
+    Solver A(1);
+
+    A.SetTolerance(0.5);
+    A.SetTimes(9);
+
+    EXPECT_EQ(A.tolerance, 0.5);
+    EXPECT_EQ(A.GetTolerance(), 0.5);
+    EXPECT_EQ(A.times, 9);
+    EXPECT_EQ(A.GetTimes(), 9);
+}
+
+// The factorisation
+
+TEST(DILU, ModifiesTheDiagonalByStoredPairsOnly) {
+    Solver A(3);
+    Fill(A, {{2, 1, 0}, {4, 3, 5}, {0, 6, 7}});
+    Vector D(4);
+    Vector x(4);
+    Vector b(4);
+    A.SetTimes(0);
+    A.MatSolve(b.data(), x.data());  // moves the diagonal to the front
+
+    A.DILU(D.data());
+
+    EXPECT_EQ(D[1], 1.0 / 2.0);
+    EXPECT_EQ(D[2], 1.0 / (3.0 - 4.0 * 0.5 * 1.0));
+    EXPECT_EQ(D[3], 1.0 / (7.0 - 6.0 * 1.0 * 5.0));
+}
+
+TEST(DILU, AnEntryWithoutItsTransposeChangesNothing) {
+    Solver A(2);
+    Fill(A, {{2, 1}, {0, 4}});
+    Vector D(3);
+
+    A.DILU(D.data());
+
+    EXPECT_EQ(D[1], 0.5);
+    EXPECT_EQ(D[2], 0.25);
+}
+
+TEST(DILU, AZeroDiagonalInvertsToTheInverseOfTheGuard) {
+    Solver A(1);
+    A.AddElementValue(1, 1, 0.0);
+    Vector D(2);
+
+    A.DILU(D.data());
+
+    EXPECT_EQ(D[1], 1.0 / 1e-30);
+}
+
+TEST(DILU, ColumnsBeyondTheRowsAreLeftOut) {
+    Solver A(2, 4);
+    for (auto [row, col, value] : {std::tuple{1, 1, 2.0},
+                                   {1, 2, 1.0},
+                                   {1, 3, 50.0},
+                                   {2, 2, 3.0},
+                                   {2, 1, 4.0},
+                                   {2, 4, 60.0}}) {
+        A.AddElementValue(row, col, value);
+    }
+    Vector D(3);
+    Vector rhs{0.0, 1.0, 2.0};
+    Vector result(3);
+
+    A.DILU(D.data());
+    A.SolveDILU(D.data(), rhs.data(), result.data());
+
+    EXPECT_EQ(D[2], 1.0 / (3.0 - 4.0 * 0.5 * 1.0));
+    EXPECT_EQ(result[2], (2.0 - 0.5 * 4.0) * 1.0);
+    EXPECT_EQ(result[1], 0.5 - result[2] * 0.5);
+}
+
+TEST(DILU, SweepsByHand) {
+    Solver A(3);
+    for (auto [row, col, value] : {std::tuple{1, 1, 2.0},
+                                   {1, 2, 1.0},
+                                   {2, 2, 3.0},
+                                   {2, 1, 4.0},
+                                   {2, 3, 5.0},
+                                   {3, 3, 7.0},
+                                   {3, 2, 6.0}}) {
+        A.AddElementValue(row, col, value);  // inserted with the diagonal first
+    }
+    Vector D{0.0, 0.5, 1.0, 0.25};
+    Vector rhs{0.0, 1.0, 4.0, 16.0};
+    Vector result(4);
+
+    A.SolveDILU(D.data(), rhs.data(), result.data());
+
+    EXPECT_EQ(Vector(A.y + 1, A.y + 4), (Vector{0.5, 2.0, 1.0}));
+    EXPECT_EQ(result, (Vector{0.0, 2.0, -3.0, 1.0}));
+}
+
+TEST(DILU, ResultMayBeTheRightHandSide) {
+    Solver A(3);
+    FillPlate(A, -1.0, 4.0, -2.0);
+    Vector x(4);
+    A.SetTimes(0);
+    A.MatSolve(x.data(), x.data());
+    Vector D(4);
+    A.DILU(D.data());
+    Vector rhs{0.0, 1.0, 2.0, 3.0};
+    Vector result(4);
+    A.SolveDILU(D.data(), rhs.data(), result.data());
+
+    A.SolveDILU(D.data(), rhs.data(), rhs.data());
+
+    EXPECT_EQ(rhs, result);
+}
+
+TEST(DILU, SweepsAddInStorageOrder) {
+    Solver A(4);
+    for (int i = 1; i <= 4; ++i) {
+        A.AddElementValue(i, i, 1.0);
+    }
+    for (auto [col, value] : {std::pair{2, 1.0}, {1, 1e16}, {3, -1e16}}) {
+        A.AddElementValue(4, col, value);
+    }
+    for (auto [col, value] : {std::pair{3, 1.0}, {4, 1e16}, {2, -1e16}}) {
+        A.AddElementValue(1, col, value);
+    }
+    Vector D{0.0, 1.0, 1.0, 1.0, 1.0};
+    Vector rhs{0.0, 1.0, 1.0, 1.0, 1.0};
+    Vector result(5);
+
+    A.SolveDILU(D.data(), rhs.data(), result.data());
+
+    EXPECT_EQ(A.y[4], 1.0);  // in ascending order the lone 1 would survive and leave 0
+    EXPECT_EQ(result[1], 1.0);
+}
+
+// The ends of a solve
+
+TEST(BiCGSTABSolve, AStartThatSolvesReturnsBeforeTheFactorisation) {
+    Solver A(2);
+    Fill(A, {{2, 1}, {1, 3}});
+    Vector x{0.0, 1.0, 2.0};
+    Vector b{0.0, 4.0, 7.0};
+    A.Rnorm = 5.0;
+    A.iterTimes = 8;
+
+    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));
+
+    EXPECT_EQ(A.GetRnorm(), 0.0);
+    EXPECT_EQ(A.GetIterTimes(), 8.0);
+    EXPECT_EQ(A.D[1], 0.0);
+    EXPECT_EQ(x, (Vector{0.0, 1.0, 2.0}));
+}
+
+TEST(BiCGSTABSolve, ANormBelowTheGuardIsStoredAsItIs) {
+    Solver A(1);
+    A.AddElementValue(1, 1, 1.0);
+    Vector x(2);
+    Vector b{0.0, 9e-31};
+
+    A.MatSolve(b.data(), x.data());
+
+    EXPECT_EQ(A.GetRnorm(), std::sqrt(9e-31 * 9e-31));
+    EXPECT_EQ(x[1], 0.0);
+}
+
+TEST(BiCGSTABSolve, NoTimesFormsResidualsAndFactorisationAlone) {
+    Solver A(2);
+    Fill(A, {{2, 1}, {1, 3}});
+    Vector x{0.0, 1.0, 1.0};
+    Vector b{0.0, 4.0, 7.0};
+    A.iterTimes = 8;
+    A.Rnorm = 5.0;
+    A.SetTimes(0);
+
+    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));
+
+    EXPECT_EQ(Vector(A.r + 1, A.r + 3), (Vector{1.0, 3.0}));
+    EXPECT_EQ(Vector(A.rHat + 1, A.rHat + 3), (Vector{1.0, 3.0}));
+    EXPECT_EQ(A.D[1], 0.5);
+    EXPECT_EQ(A.D[2], 1.0 / 2.5);
+    EXPECT_EQ(A.p[1], 0.0);
+    EXPECT_EQ(x, (Vector{0.0, 1.0, 1.0}));
+    EXPECT_EQ(A.GetIterTimes(), 8.0);
+    EXPECT_EQ(A.GetRnorm(), 5.0);
+}
+
+TEST(BiCGSTABSolve, OneTimeIsOneIterationAndItsNorm) {
+    Solver A(30);
+    FillPlate(A, -1.0, 5.0, -0.9);
+    Vector x(31);
+    Vector b(31, 1.0);
+    A.SetTimes(1);
+    A.SetTolerance(0.0);
+
+    A.MatSolve(b.data(), x.data());
+
+    double sum = 0.0;
+    for (int i = 1; i <= 30; ++i) {
+        sum += A.r[i] * A.r[i];
+    }
+    EXPECT_EQ(A.GetIterTimes(), 1.0);
+    EXPECT_GT(A.GetRnorm(), 0.0);
+    EXPECT_EQ(A.GetRnorm(), std::sqrt(sum));
+}
+
+TEST(BiCGSTABSolve, StopsRelativeToTheNormAfterTheFirstIteration) {
+    Solver A(60);
+    FillPlate(A, -1.0, 4.0, -0.9);
+    Vector b(61, 1.0);
+    Vector x(61);
+    A.SetTolerance(1.0);
+
+    A.MatSolve(b.data(), x.data());
+
+    EXPECT_EQ(A.GetIterTimes(), 1.0);  // the first norm is not above itself, whatever |b| is
+}
+
+TEST(BiCGSTABSolve, RnormIsNotTheFinalNorm) {
+    Solver A(60);
+    FillPlate(A, -1.0, 4.0, -0.9);
+    Vector b(61, 1.0);
+    Vector x(61);
+
+    A.MatSolve(b.data(), x.data());
+
+    double sum = 0.0;
+    for (int i = 1; i <= 60; ++i) {
+        sum += A.r[i] * A.r[i];
+    }
+    EXPECT_GT(A.GetIterTimes(), 1.0);
+    EXPECT_LE(std::sqrt(sum), A.GetRnorm() * A.GetTolerance());
+}
+
+TEST(BiCGSTABSolve, AVanishingSKeepsTheAlphaStepAndTheOldFigures) {
+    Solver A(1);
+    A.AddElementValue(1, 1, 2.0);
+    Vector x(2);
+    Vector b{0.0, 4.0};
+    A.iterTimes = 8;
+    A.Rnorm = 5.0;
+
+    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));  // exact after the alpha step: tt is 0
+
+    EXPECT_EQ(x[1], 2.0);
+    EXPECT_EQ(A.s[1], 0.0);
+    EXPECT_EQ(A.GetIterTimes(), 8.0);
+    EXPECT_EQ(A.GetRnorm(), 5.0);
+}
+
+TEST(BiCGSTABSolve, AVanishingRhoReturnsAfterTheFactorisation) {
+    Solver A(1);
+    A.AddElementValue(1, 1, 2.0);
+    Vector x(2);
+    Vector b{0.0, 1e-20};
+
+    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));  // norm 1e-20 passes, its square does not
+
+    EXPECT_EQ(A.D[1], 0.5);
+    EXPECT_EQ(A.p[1], 0.0);
+    EXPECT_EQ(x[1], 0.0);
+}
+
+TEST(BiCGSTABSolve, AVanishingSigmaReturnsBeforeXIsTouched) {
+    Solver A(2);
+    A.AddIndex(1, 1);
+    A.AddIndex(2, 2);
+    Vector x{0.0, 1.0, 2.0};
+    Vector b{0.0, 4.0, 7.0};
+
+    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));  // declared, not filled: compressed to all zeros
+
+    EXPECT_TRUE(A.compressed);
+    EXPECT_EQ(A.D[1], 1.0 / 1e-30);
+    EXPECT_EQ(A.pHat[2], 7.0 * (1.0 / 1e-30));
+    EXPECT_EQ(A.v[1], 0.0);
+    EXPECT_EQ(x, (Vector{0.0, 1.0, 2.0}));
+    EXPECT_EQ(A.GetIterTimes(), 0.0);
+}
+
+TEST(BiCGSTABSolve, AZeroRowWithItsDiagonalStoredDoesNotFail) {
+    Solver A(2);
+    Fill(A, {{2, 0}, {0, 0}});
+    Vector x(3);
+    Vector b{0.0, 4.0, 0.0};
+
+    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));
+
+    EXPECT_EQ(A.D[2], 1.0 / 1e-30);
+    EXPECT_EQ(x, (Vector{0.0, 2.0, 0.0}));
+}
+
+TEST(BiCGSTABSolve, AMissingDiagonalThrowsBeforeXIsTouched) {
+    Solver A(2);
+    A.AddElementValue(1, 1, 1.0);
+    A.AddElementValue(2, 1, 1.0);
+    Vector x{0.0, 1.0, 2.0};
+    Vector b{0.0, 4.0, 7.0};
+    std::string message;
+
+    try {
+        A.MatSolve(b.data(), x.data());
+    } catch (const LinearSolverException& e) {
+        message = e.what();
+    }
+
+    EXPECT_EQ(message, ">> <ART> LinearSolverError: The matrix diagonal must have value.");
+    EXPECT_EQ(x, (Vector{0.0, 1.0, 2.0}));
+    EXPECT_EQ(A.r[1], 0.0);
+}
+
+TEST(BiCGSTABSolve, NoRowsAreSolved) {
+    Solver A(0);
+    Vector x(1);
+    A.Rnorm = 5.0;
+
+    EXPECT_TRUE(A.MatSolve(x.data(), x.data()));
+
+    EXPECT_EQ(A.GetRnorm(), 0.0);
+}
+
+TEST(BiCGSTABSolve, ASecondSolveFactorisesAgainAndTakesItsOwnNorm) {
+    Solver A(30);
+    FillPlate(A, -1.0, 5.0, -1.5);
+    Vector b(31, 1.0);
+    Vector x(31);
+    A.MatSolve(b.data(), x.data());
+    const double firstNorm = A.GetRnorm();
+
+    for (int i = 1; i <= 30; ++i) {
+        A.SetDiagonalValue(i, 8.0);
+    }
+    x.assign(31, 0.0);
+    A.MatSolve(b.data(), x.data());
+
+    Solver fresh(30);
+    FillPlate(fresh, -1.0, 8.0, -1.5);
+    Vector y(31);
+    fresh.MatSolve(b.data(), y.data());
+    EXPECT_EQ(A.D[1], 0.125);
+    EXPECT_NE(A.GetRnorm(), firstNorm);
+    EXPECT_EQ(A.GetRnorm(), fresh.GetRnorm());
+    EXPECT_EQ(x, y);
+}
+
+TEST(BiCGSTABSolve, NotANumberRunsUntilTheTimesAreExhausted) {
+    Solver A(3);
+    FillPlate(A, -1.0, 3.0, -1.0);
+    Vector b{0.0, 1.0, std::numeric_limits<double>::quiet_NaN(), 1.0};
+    Vector x(4);
+    A.SetTimes(7);
+
+    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));
+
+    EXPECT_EQ(A.GetIterTimes(), 7.0);
+    EXPECT_TRUE(std::isnan(A.GetRnorm()));
+    EXPECT_TRUE(std::isnan(x[1]));
+}
+
+TEST(BiCGSTABSolve, SolvesWhatItIsGiven) {
+    constexpr int n = 400;
+    Solver A(n);
+    FillPlate(A, -1.2, 5.0, -1.0);
+    Vector exact(n + 1);
+    Vector b(n + 1);
+    Vector x(n + 1);
+    for (int i = 1; i <= n; ++i) {
+        exact[i] = std::sin(0.1 * i);
+    }
+    for (int i = 1; i <= n; ++i) {
+        b[i] = A.DotProduct(i, exact.data());
+    }
+
+    A.MatSolve(b.data(), x.data());
+
+    for (int i = 1; i <= n; ++i) {
+        // The stop is at 1.1e-8 of the first norm, which is below 1; the rows are dominant by 0.6.
+        ASSERT_NEAR(x[i], exact[i], 1e-6) << i;
+    }
+}
+
+}  // namespace
