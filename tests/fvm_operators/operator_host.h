@@ -7,7 +7,11 @@
 #include "host_link/face_data.h"
 #include "linear_algebra/sparse_matrix.h"
 
+#include <gtest/gtest.h>
+
 #include <array>
+#include <ostream>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -203,6 +207,15 @@ struct NamedOperator {
     const char* name;
     bool (*run)(KVX_ART_FVM::CKVX_ART_MatOperator&, double, CMAFVMFaceVariableAll*);
 };
+
+inline std::ostream& operator<<(std::ostream& out, const NamedOperator& named) {
+    return out << named.name;
+}
+
+/// Names a test case after its operator.
+inline std::string NameOf(const testing::TestParamInfo<NamedOperator>& info) {
+    return info.param.name;
+}
 
 inline const std::vector<NamedOperator>& AllOperators() {
     using Operator = KVX_ART_FVM::CKVX_ART_MatOperator;

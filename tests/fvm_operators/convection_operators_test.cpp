@@ -1,0 +1,589 @@
+#include "fvm_operators/mat_operator.h"
+
+#include "tests/fvm_operators/operator_host.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr double tolerance = 1e-8;
+const double justAbove = std::nextafter(tolerance, 1.0);
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinite = std::numeric_limits<double>::infinity();
+
+// One column a stencil, so that an entry tells which stencil put it there. The second side's
+// record uses coefficients of its own.
+constexpr int viaFace = 11;
+constexpr int viaLeft = 12;
+constexpr int viaRight = 13;
+constexpr int viaFarLeft = 14;
+constexpr int viaFarRight = 15;
+constexpr int viaNormal = 16;
+
+/// Cells 1 and 2 with one inner face between them and, where a test asks for it by the counts, a
+/// boundary face of each kind beside cell 1. Cells 3 to 20 only lend their columns.
+class OneFace : public testing::Test {
+protected:
+    OneFace() : host(20, {{1, 2}}, {{{1}, {1}, {1}, {1}}}), A(2, host.gv.NcAll) {
+        MarkStencils(host.Left(1), 1.0);
+        MarkStencils(host.Right(1), 2.0);
+        for (Kind kind : allKinds) {
+            SetStencil(host.Record(kind, 1), Pair::Left, {{viaLeft, 1.0}});
+            SetStencil(host.Record(kind, 1), Pair::FarLeft, {{viaFarLeft, 1.0}});
+        }
+    }
+
+    static void MarkStencils(CMAFVMFaceData& record, double coefficient) {
+        SetStencil(record, Pair::Face, {{viaFace, coefficient}});
+        SetStencil(record, Pair::Left, {{viaLeft, coefficient}});
+        SetStencil(record, Pair::Right, {{viaRight, coefficient}});
+        SetStencil(record, Pair::FarLeft, {{viaFarLeft, coefficient}});
+        SetStencil(record, Pair::FarRight, {{viaFarRight, coefficient}});
+        SetStencil(record, Pair::Normal, {{viaNormal, coefficient}});
+    }
+
+    void InnerFaceOnly() { host.gv.useBoundaryFaces = false; }
+
+    /// Leaves the wall face alone, with flux F.
+    void WallFaceOnly(double F) {
+        host.gv.Ne = host.gv.NInlet = host.gv.NOutlet = host.gv.NSymm = 0;
+        host.Flux(Wall, 1) = F;
+    }
+
+    KVX_ART_FVM::CKVX_ART_MatOperator Operator() { return host.Operator(A); }
+
+    int WallGhost() const { return host.Ghost(Wall, 1); }
+
+    OperatorHost host;
+    CKVX_ART_SparseMatrix A;
+};
+
+using CentralConvection = OneFace;
+using CellUpwind = OneFace;
+using StencilUpwind = OneFace;
+using LinearUpwind = OneFace;
+using Quick = OneFace;
+using Hybrid = OneFace;
+using Combined = OneFace;
+
+TEST_F(CentralConvection, TakesTheFaceStencilWhateverTheFlux) {
+    InnerFaceOnly();
+    host.flux.left[1] = -4.0;
+    host.flux.right[1] = 8.0;
+
+    Operator().ConvectionOperatorCD(0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaFace, -2.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{viaFace, -8.0}}));
+}
+
+TEST_F(CentralConvection, BoundaryOutflowStillRefersToTheGhostCell) {
+    WallFaceOnly(4.0);
+
+    Operator().ConvectionOperatorCD(0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{WallGhost(), 2.0}}));
+}
+
+TEST_F(CentralConvection, SwitchedOffUpwindRefersToTheGhostCellToo) {
+    WallFaceOnly(4.0);
+
+    Operator().ConvectionOperator(false, 0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{WallGhost(), 2.0}}));
+}
+
+TEST_F(CentralConvection, BoundaryRecordsNeedNotExist) {
+    WallFaceOnly(4.0);
+    CMAFVMFaceData* const records = host.gv.faceDataWall;
+    host.gv.faceDataWall = nullptr;
+
+    EXPECT_TRUE(Operator().ConvectionOperatorCD(1.0, &host.flux));
+
+    host.gv.faceDataWall = records;
+}
+
+TEST_F(CentralConvection, BoundaryKindsRunInletOutletWallSymmetry) {
+    host.gv.Ne = 0;
+
+    Operator().ConvectionOperatorCD(1.0, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{host.Ghost(Inlet, 1), 0.0},
+                                  {host.Ghost(Outlet, 1), 0.0},
+                                  {host.Ghost(Wall, 1), 0.0},
+                                  {host.Ghost(Symm, 1), 0.0}}));
+}
+
+TEST_F(CellUpwind, PositiveFluxTakesTheFirstCellOnBothRows) {
+    InnerFaceOnly();
+    host.flux.left[1] = 4.0;
+    host.flux.right[1] = 6.0;
+
+    Operator().ConvectionOperator(true, 0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{1, 2.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{1, -3.0}}));
+}
+
+TEST_F(CellUpwind, NegativeFluxTakesTheSecondCellOnBothRows) {
+    InnerFaceOnly();
+    host.flux.left[1] = -4.0;
+    host.flux.right[1] = -6.0;
+
+    Operator().ConvectionOperator(true, 0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{2, -2.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{2, 3.0}}));
+}
+
+TEST_F(CellUpwind, BoundaryOutflowTakesTheInteriorCell) {
+    WallFaceOnly(4.0);
+
+    Operator().ConvectionOperator(true, 0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{1, 2.0}}));
+}
+
+TEST_F(CellUpwind, BoundaryInflowTakesTheGhostCell) {
+    WallFaceOnly(-4.0);
+
+    Operator().ConvectionOperator(true, 0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{WallGhost(), -2.0}}));
+}
+
+TEST_F(CellUpwind, ReadsNoRecordWhereTheFluxIsClearOfZero) {
+    CMAFVMFaceData* const left = host.gv.faceDataLeft;
+    CMAFVMFaceData* const right = host.gv.faceDataRight;
+    InnerFaceOnly();
+    host.SetFlux(1, 1.0);
+    host.gv.faceDataLeft = host.gv.faceDataRight = nullptr;
+
+    EXPECT_TRUE(Operator().ConvectionOperator(true, 1.0, &host.flux));
+
+    host.gv.faceDataLeft = left;
+    host.gv.faceDataRight = right;
+}
+
+/// The schemes that look at the flux and share the tolerance rules.
+class EveryUpwind : public OneFace, public testing::WithParamInterface<NamedOperator> {
+protected:
+    void Run(double weight) {
+        auto op = Operator();
+        ASSERT_TRUE(GetParam().run(op, weight, &host.flux));
+    }
+};
+
+TEST_P(EveryUpwind, FluxWithinTheToleranceTakesTheFaceStencil) {
+    InnerFaceOnly();
+    for (double F : {tolerance, -tolerance, 0.5e-8, 0.0, -0.0}) {
+        A.Reset();
+        host.SetFlux(1, F);
+
+        Run(3.0);
+
+        EXPECT_EQ(RowOf(A, 1), (Terms{{viaFace, 3.0 * F}})) << F;
+        EXPECT_EQ(RowOf(A, 2), (Terms{{viaFace, -(3.0 * F * 2.0)}})) << F;
+    }
+}
+
+TEST_P(EveryUpwind, UndefinedFluxCountsAsNearZero) {
+    InnerFaceOnly();
+    host.SetFlux(1, notANumber);
+
+    Run(1.0);
+
+    ASSERT_EQ(EntriesOf(A), 2);
+    EXPECT_EQ(A.Ja[1], viaFace);
+    EXPECT_TRUE(std::isnan(A.Aa[1]));
+    EXPECT_EQ(A.Ja[2], viaFace);
+}
+
+TEST_P(EveryUpwind, FluxJustAboveTheToleranceLeavesTheFaceStencil) {
+    InnerFaceOnly();
+    for (double F : {justAbove, -justAbove}) {
+        A.Reset();
+        host.SetFlux(1, F);
+
+        Run(1.0);
+
+        EXPECT_EQ(ValueAt(A, 1, viaFace), 0.0);
+        EXPECT_EQ(ValueAt(A, 2, viaFace), 0.0);
+        EXPECT_GE(EntriesOf(A), 2);
+    }
+}
+
+TEST_P(EveryUpwind, TheTestIsOnTheFluxBeforeItsWeight) {
+    InnerFaceOnly();
+    host.SetFlux(1, 0.5e-8);
+
+    Run(1e12);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaFace, 1e12 * 0.5e-8}}));
+}
+
+TEST_P(EveryUpwind, UnsharedSidesBranchOnTheirOwnFlux) {
+    InnerFaceOnly();
+    host.flux.left[1] = 0.0;
+    host.flux.right[1] = 4.0;
+
+    Run(1.0);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaFace, 0.0}}));
+    EXPECT_EQ(ValueAt(A, 2, viaFace), 0.0);
+    EXPECT_GE(RowOf(A, 2).size(), 1u);
+}
+
+TEST_P(EveryUpwind, ASharedFluxServesBothSides) {
+    InnerFaceOnly();
+    host.flux.left[1] = 0.5e-8;
+    host.flux.right[1] = 4.0;
+    host.flux.LinkInner();
+
+    Run(1.0);
+
+    EXPECT_EQ(RowOf(A, 1).front().first, viaFace);
+    EXPECT_EQ(RowOf(A, 2).front().first, viaFace);
+}
+
+TEST_P(EveryUpwind, SmallOutflowAndUndefinedBoundaryFluxCountAsIncoming) {
+    for (double F : {tolerance, 0.5e-8, -tolerance, -4.0, notANumber}) {
+        A.Reset();
+        WallFaceOnly(F);
+
+        Run(1.0);
+
+        ASSERT_EQ(EntriesOf(A), 1) << F;
+        EXPECT_EQ(A.Ja[1], WallGhost()) << F;
+    }
+}
+
+TEST_P(EveryUpwind, OutflowJustAboveTheToleranceLeavesTheGhostCell) {
+    WallFaceOnly(justAbove);
+
+    Run(1.0);
+
+    EXPECT_GE(EntriesOf(A), 1);
+    EXPECT_EQ(ValueAt(A, 1, WallGhost()), 0.0);
+}
+
+TEST_P(EveryUpwind, AZeroBoundaryFluxCreatesTheGhostEntry) {
+    WallFaceOnly(0.0);
+
+    Run(1.0);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{WallGhost(), 0.0}}));
+}
+
+TEST_P(EveryUpwind, InflowReadsNoBoundaryStencil) {
+    WallFaceOnly(-4.0);
+    CMAFVMFaceData* const records = host.gv.faceDataWall;
+    host.gv.faceDataWall = nullptr;
+
+    Run(0.5);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{WallGhost(), -2.0}}));
+    host.gv.faceDataWall = records;
+}
+
+TEST_P(EveryUpwind, EachBoundaryKindReadsItsOwnFlux) {
+    host.gv.Ne = 0;
+    for (Kind kind : allKinds) {
+        host.Flux(kind, 1) = -1.0 - kind;
+    }
+
+    Run(1.0);
+
+    for (Kind kind : allKinds) {
+        EXPECT_EQ(ValueAt(A, 1, host.Ghost(kind, 1)), -1.0 - kind);
+    }
+}
+
+std::vector<NamedOperator> Upwinds() {
+    std::vector<NamedOperator> upwinds;
+    for (const NamedOperator& named : AllOperators()) {
+        for (const char* name : {"CellUpwind", "FU", "LUD", "QUICK", "Hybrid"}) {
+            if (std::string(named.name) == name) {
+                upwinds.push_back(named);
+            }
+        }
+    }
+    return upwinds;
+}
+
+INSTANTIATE_TEST_SUITE_P(Convection, EveryUpwind, testing::ValuesIn(Upwinds()), NameOf);
+
+TEST_F(StencilUpwind, PositiveFluxTakesLeftFromEachSidesRecord) {
+    InnerFaceOnly();
+    host.SetFlux(1, 4.0);
+
+    Operator().ConvectionOperatorFU(0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 2.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{viaLeft, -4.0}}));
+}
+
+TEST_F(StencilUpwind, NegativeFluxTakesRightFromEachSidesRecord) {
+    InnerFaceOnly();
+    host.SetFlux(1, -4.0);
+
+    Operator().ConvectionOperatorFU(0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaRight, -2.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{viaRight, 4.0}}));
+}
+
+TEST_F(StencilUpwind, BoundaryOutflowTakesTheLeftStencilOfTheBoundaryRecord) {
+    WallFaceOnly(4.0);
+
+    Operator().ConvectionOperatorFU(0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 2.0}}));
+}
+
+TEST_F(StencilUpwind, ADonorInTheCellPairReceivesTheSecondSide) {
+    CKVX_ART_SparseMatrix wide(20, host.gv.NcAll);
+    InnerFaceOnly();
+    host.SetFlux(1, 4.0);
+    host.gv.Ce23[1][1] = 17;
+
+    host.Operator(wide).ConvectionOperatorFU(1.0, &host.flux);
+
+    EXPECT_TRUE(RowOf(wide, 2).empty());
+    EXPECT_EQ(RowOf(wide, 17), (Terms{{viaLeft, -8.0}}));
+}
+
+TEST_F(LinearUpwind, PositiveFluxTakesLeftThenFarLeft) {
+    InnerFaceOnly();
+    host.SetFlux(1, 4.0);
+
+    Operator().ConvectionOperatorLUD(1.0, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 6.0}, {viaFarLeft, -2.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{viaLeft, -12.0}, {viaFarLeft, 4.0}}));
+}
+
+TEST_F(LinearUpwind, NegativeFluxTakesRightThenFarRight) {
+    InnerFaceOnly();
+    host.SetFlux(1, -4.0);
+
+    Operator().ConvectionOperatorLUD(1.0, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaRight, -6.0}, {viaFarRight, 2.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{viaRight, 12.0}, {viaFarRight, -4.0}}));
+}
+
+TEST_F(LinearUpwind, BoundaryOutflowTakesLeftThenFarLeft) {
+    WallFaceOnly(4.0);
+
+    Operator().ConvectionOperatorLUD(1.0, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 6.0}, {viaFarLeft, -2.0}}));
+}
+
+TEST_F(LinearUpwind, NothingMakesUpForAnEmptyFarStencil) {
+    InnerFaceOnly();
+    host.SetFlux(1, 4.0);
+    host.Left(1).idFarLeft[0] = 0;
+
+    Operator().ConvectionOperatorLUD(1.0, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 6.0}}));
+}
+
+TEST_F(LinearUpwind, TheConstantIsAppliedToTheWeightBeforeTheFlux) {
+    const double weight = 0.1;
+    const double F = 0.7;
+    ASSERT_NE((weight * 1.5) * F, (weight * F) * 1.5) << "the numbers tell the two orders apart";
+    InnerFaceOnly();
+    host.SetFlux(1, F);
+
+    Operator().ConvectionOperatorLUD(weight, &host.flux);
+
+    EXPECT_EQ(ValueAt(A, 1, viaLeft), (weight * 1.5) * F);
+}
+
+TEST_F(Quick, PositiveFluxTakesLeftFarLeftRight) {
+    InnerFaceOnly();
+    host.SetFlux(1, 8.0);
+
+    Operator().ConvectionOperatorQUICK(1.0, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 6.0}, {viaFarLeft, -1.0}, {viaRight, 3.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{viaLeft, -12.0}, {viaFarLeft, 2.0}, {viaRight, -6.0}}));
+}
+
+TEST_F(Quick, NegativeFluxTakesRightFarRightLeft) {
+    InnerFaceOnly();
+    host.SetFlux(1, -8.0);
+
+    Operator().ConvectionOperatorQUICK(1.0, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaRight, -6.0}, {viaFarRight, 1.0}, {viaLeft, -3.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{viaRight, 12.0}, {viaFarRight, -2.0}, {viaLeft, 6.0}}));
+}
+
+TEST_F(Quick, BoundaryOutflowStepsDownToTheLinearUpwind) {
+    WallFaceOnly(4.0);
+
+    Operator().ConvectionOperatorQUICK(1.0, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 6.0}, {viaFarLeft, -2.0}}));
+}
+
+TEST_F(Quick, TheFarStencilOfTheOtherFluxIsNeverRead) {
+    InnerFaceOnly();
+    int* const left = host.Left(1).idFarRight;
+    int* const right = host.Right(1).idFarRight;
+    host.SetFlux(1, 8.0);
+    host.Left(1).idFarRight = host.Right(1).idFarRight = nullptr;
+
+    EXPECT_TRUE(Operator().ConvectionOperatorQUICK(1.0, &host.flux));
+
+    host.Left(1).idFarRight = left;
+    host.Right(1).idFarRight = right;
+}
+
+TEST_F(Hybrid, TheFarEntryExistsAndHoldsZero) {
+    InnerFaceOnly();
+    host.SetFlux(1, 4.0);
+
+    Operator().ConvectionOperatorHybrid(0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 2.0}, {viaFarLeft, 0.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{viaLeft, -4.0}, {viaFarLeft, 0.0}}));
+}
+
+TEST_F(Hybrid, NegativeFluxCreatesTheFarRightEntry) {
+    InnerFaceOnly();
+    host.SetFlux(1, -4.0);
+
+    Operator().ConvectionOperatorHybrid(0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaRight, -2.0}, {viaFarRight, 0.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{viaRight, 4.0}, {viaFarRight, 0.0}}));
+}
+
+TEST_F(Hybrid, AnInsertedFarEntryKeepsTheSignOfItsZero) {
+    InnerFaceOnly();
+    host.SetFlux(1, 4.0);
+
+    Operator().ConvectionOperatorHybrid(1.0, &host.flux);
+
+    EXPECT_FALSE(std::signbit(RowOf(A, 1)[1].second));
+    EXPECT_TRUE(std::signbit(RowOf(A, 2)[1].second));
+}
+
+TEST_F(Hybrid, AnInfiniteFluxTimesTheZeroWeightIsNotANumber) {
+    InnerFaceOnly();
+    host.SetFlux(1, infinite);
+
+    Operator().ConvectionOperatorHybrid(1.0, &host.flux);
+
+    EXPECT_EQ(ValueAt(A, 1, viaLeft), infinite);
+    EXPECT_TRUE(std::isnan(ValueAt(A, 1, viaFarLeft)));
+}
+
+TEST_F(Hybrid, AFarColumnOutsideThrowsAlthoughItsValueIsZero) {
+    InnerFaceOnly();
+    host.SetFlux(1, 4.0);
+    host.Left(1).idFarLeft[1] = host.gv.NcAll + 1;
+
+    EXPECT_THROW(Operator().ConvectionOperatorHybrid(1.0, &host.flux), InvalidDimensionsException);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 4.0}}));
+    EXPECT_TRUE(RowOf(A, 2).empty());
+}
+
+TEST_F(Hybrid, BoundaryOutflowChangesTheDiagonalAlone) {
+    WallFaceOnly(4.0);
+    CMAFVMFaceData* const records = host.gv.faceDataWall;
+    host.gv.faceDataWall = nullptr;  // no boundary record is read
+
+    Operator().ConvectionOperatorHybrid(0.5, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{1, 2.0}}));
+    host.gv.faceDataWall = records;
+}
+
+TEST_F(Combined, PositiveFluxTakesTheFirstCellAndDiffusionIsSubtracted) {
+    host.flux.left[1] = 4.0;
+    host.flux.right[1] = 6.0;
+    host.gv.faceMu->left[1] = 3.0;
+    host.gv.faceMu->right[1] = 5.0;
+
+    Operator().ConvectionFU_Diffusion_Operator(&host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{1, 4.0}, {viaNormal, -3.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{1, -6.0}, {viaNormal, 10.0}}));
+}
+
+TEST_F(Combined, NegativeFluxTakesTheSecondCell) {
+    host.flux.left[1] = -4.0;
+    host.flux.right[1] = -6.0;
+    host.gv.faceMu->left[1] = 3.0;
+    host.gv.faceMu->right[1] = 5.0;
+
+    Operator().ConvectionFU_Diffusion_Operator(&host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{2, -4.0}, {viaNormal, -3.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{2, 6.0}, {viaNormal, 10.0}}));
+}
+
+TEST_F(Combined, AFluxOfExactlyTheToleranceIsPositiveHereOnly) {
+    InnerFaceOnly();
+    CKVX_ART_SparseMatrix B(2, host.gv.NcAll);
+    host.SetFlux(1, tolerance);
+
+    Operator().ConvectionFU_Diffusion_Operator(&host.flux);
+    host.Operator(B).ConvectionOperatorFU(1.0, &host.flux);
+
+    EXPECT_EQ(ValueAt(A, 1, 1), tolerance);
+    EXPECT_EQ(ValueAt(A, 2, 1), -tolerance);
+    EXPECT_EQ(RowOf(B, 1), (Terms{{viaFace, tolerance}}));
+}
+
+TEST_F(Combined, AFluxWithinTheToleranceLeavesTheDiffusionAlone) {
+    for (double F : {std::nextafter(tolerance, 0.0), 0.0, -tolerance, notANumber}) {
+        A.Reset();
+        host.SetFlux(1, F);
+        host.gv.faceMu->left[1] = host.gv.faceMu->right[1] = 1.0;
+
+        Operator().ConvectionFU_Diffusion_Operator(&host.flux);
+
+        EXPECT_EQ(RowOf(A, 1), (Terms{{viaNormal, -1.0}})) << F;
+        EXPECT_EQ(RowOf(A, 2), (Terms{{viaNormal, 2.0}})) << F;
+    }
+}
+
+TEST_F(Combined, NonmatchingFaceGivesTheSecondRowNeitherTerm) {
+    host.SetFlux(1, 4.0);
+    host.gv.faceMu->left[1] = host.gv.faceMu->right[1] = 1.0;
+    host.gv.nonmatchingFace[1] = 2;
+
+    Operator().ConvectionFU_Diffusion_Operator(&host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{1, 4.0}, {viaNormal, -1.0}}));
+    EXPECT_TRUE(RowOf(A, 2).empty());
+}
+
+TEST_F(Combined, BoundaryRowsStayUntouchedWhateverTheSwitchSays) {
+    host.gv.Ne = 0;
+    for (bool useBoundaryFaces : {true, false}) {
+        host.gv.useBoundaryFaces = useBoundaryFaces;
+        for (Kind kind : allKinds) {
+            host.Flux(kind, 1) = 4.0;
+        }
+
+        EXPECT_TRUE(Operator().ConvectionFU_Diffusion_Operator(&host.flux));
+
+        EXPECT_EQ(EntriesOf(A), 0);
+    }
+}
+
+}  // namespace
