@@ -165,7 +165,8 @@ int BiCgStab(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x) {
             return step;
         }
         keepIfBetter(norm);
-        if (norm <= stop.residual) {
+        const bool tooSlow = step == stop.trialSteps && bestNorm > stop.trialResidual;
+        if (norm <= stop.residual || tooSlow) {
             return step;
         }
     }

@@ -6,10 +6,13 @@
 
 namespace kvx3d_solver {
 
-/// Where an iteration may stop: at a residual norm, or after a number of steps.
+/// Where an iteration may stop: at a residual norm, after a number of steps, or when it is slow:
+/// after `trialSteps`, unless the residual is down to `trialResidual` by then.
 struct StopRule {
     double residual;
     int steps;
+    int trialSteps = 0;  ///< 0: no trial
+    double trialResidual = 0.0;
 };
 
 /// Improves x by BiCGSTAB, preconditioned from the right. On return x is the iterate with the
@@ -21,8 +24,8 @@ struct StopRule {
 /// @return steps taken; fewer than allowed on success, and on breakdown
 int BiCgStab(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x);
 
-/// Improves x by GMRES restarted every 40 steps, preconditioned from the right. x never gets
-/// worse but for rounding.
+/// Improves x by GMRES restarted every 40 steps, preconditioned from the right. Knows no trial.
+/// x never gets worse.
 ///
 /// Source: Y. Saad, Iterative Methods for Sparse Linear Systems, 2nd ed., SIAM 2003, algorithms
 /// 6.11 and 9.5.

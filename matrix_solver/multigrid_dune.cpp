@@ -32,9 +32,10 @@ using Amg = Dune::Amg::AMG<Operator, BlockVector, Smoother>;
 using Criterion =
     Dune::Amg::CoarsenCriterion<Dune::Amg::SymmetricCriterion<Matrix, Dune::Amg::FirstDiagonal>>;
 
-constexpr int coarsestRows = 1000;     // coarsening stops here
-constexpr int largestCoarsest = 4000;  // rows a direct solver may still get; more is a stall
-constexpr int slowestCoarsening = 4;   // rows per aggregate that the level bound counts on
+constexpr int coarsestRows = 1000;      // coarsening stops here
+constexpr int largestCoarsest = 4000;   // rows a direct solver may still get; more is a stall
+constexpr double coarsestShift = 1e-9;  // of the diagonal: far below any grid's smallest mode
+constexpr int slowestCoarsening = 4;    // rows per aggregate that the level bound counts on
 
 struct CoarseningStalled : std::runtime_error {
     CoarseningStalled() : std::runtime_error("coarsest level too large to factorise") {}
@@ -60,7 +61,13 @@ public:
         if (matrix.N() > kvx3d_solver::largestCoarsest) {
             throw kvx3d_solver::CoarseningStalled();
         }
-        return new DirectSolver(matrix, verbose, reuse);
+        // Closed boundaries everywhere leave the constant undetermined. Without the shift the
+        // coarsest level would answer with a constant of 1e8 and more.
+        kvx3d_solver::Matrix shifted = matrix;
+        for (auto row = shifted.begin(); row != shifted.end(); ++row) {
+            (*row)[row.index()] *= 1.0 + kvx3d_solver::coarsestShift;
+        }
+        return new DirectSolver(shifted, verbose, reuse);
     }
 };
 
@@ -90,6 +97,18 @@ Matrix ToDune(const CsrSystem& A) {
         }
     }
     return matrix;
+}
+
+/// False for a diagonal matrix: DUNE 2.9 would find no aggregate and say so on standard error.
+bool CouplesAnyRows(const CsrSystem& A) {
+    for (int i = 0; i < A.n; ++i) {
+        for (int k = A.rowStart[i]; k < A.rowStart[i + 1]; ++k) {
+            if (A.column[k] != i && A.value[k] != 0.0) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 /// Measured best on diffusion and on convection alike: the symmetric criterion, default damping.
@@ -154,6 +173,9 @@ bool HasMultigrid() {
 }
 
 std::unique_ptr<Preconditioner> MakeMultigrid(const CsrSystem& A) {
+    if (!CouplesAnyRows(A)) {
+        return nullptr;
+    }
     try {
         return std::make_unique<DuneMultigrid>(A);
     } catch (const CoarseningStalled&) {

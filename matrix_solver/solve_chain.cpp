@@ -1,8 +1,9 @@
 #include "matrix_solver/solve_chain.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <exception>
-#include <functional>
 #include <limits>
 #include <memory>
 
@@ -18,7 +19,10 @@ namespace {
 constexpr int alwaysDense = 64;        // rows up to which dense LU beats any set-up
 constexpr int denseLimit = 2000;       // rows; 32 MB of factors
 constexpr double denseFilling = 0.25;  // of n * n, from where a matrix counts as full
-constexpr int multigridSteps = 200;    // more means that the hierarchy does not fit the problem
+constexpr int trialSteps = 10;
+constexpr double trialProgress = 0.5;  // of the way to the tolerance, in orders of magnitude
+constexpr int quickSteps = 40;          // cost about as much as setting up a hierarchy
+constexpr int bicgstabSteps = 200;      // more means that the hierarchy does not fit the problem
 constexpr int gmresSteps = 500;
 constexpr int restarts = 3;            // from the true residual, after the recursive one drifted
 constexpr double worthRestart = 0.5;   // residual reduction that earns another restart
@@ -70,32 +74,32 @@ public:
         }
     }
 
+    /// ILU(0)-BiCGSTAB. Where multigrid could follow, only as long as it promises to end before
+    /// a hierarchy would be set up: convection and time steps do, a large Poisson problem does not.
+    void TryIlu() {
+        if (options.useMultigrid && HasMultigrid()) {
+            const double trialResidual =
+                std::pow(bestResidual, 1.0 - trialProgress) * std::pow(target, trialProgress);
+            Iterate(BiCgStab, Ilu(), {target, quickSteps, trialSteps, trialResidual});
+        } else {
+            Iterate(BiCgStab, Ilu(), {target, bicgstabSteps});
+        }
+    }
+
     void TryMultigrid() {
-        if (stepsLeft == 0) {
+        if (!options.useMultigrid || stepsLeft == 0) {
             return;
         }
         try {
-            std::unique_ptr<Preconditioner> M;
-            if (options.useMultigrid) {
-                M = MakeMultigrid(A);
-            }
-            if (!M && !(options.useMultigrid && HasMultigrid())) {
-                M = std::make_unique<Ilu0>(A);
-            }
-            if (M) {
-                Iterate(BiCgStab, *M, multigridSteps);
+            if (const auto multigrid = MakeMultigrid(A)) {
+                Iterate(BiCgStab, *multigrid, {target, bicgstabSteps});
             }
         } catch (const std::exception&) {
             // A hierarchy that cannot be built or applied leaves the field to the next method.
         }
     }
 
-    void TryGmres() {
-        if (stepsLeft > 0) {
-            Ilu0 M(A);
-            Iterate(Gmres, M, gmresSteps);
-        }
-    }
+    void TryGmres() { Iterate(Gmres, Ilu(), {target, gmresSteps}); }
 
     void TrySparseLu(int largestSystem) {
         if (!options.useSparseLu || A.n > largestSystem || sparseLuTried) {
@@ -148,17 +152,26 @@ private:
 
     using Method = int (*)(const CsrSystem&, Preconditioner&, StopRule, Vector&);
 
+    Preconditioner& Ilu() {
+        if (!ilu) {
+            ilu = std::make_unique<Ilu0>(A);
+        }
+        return *ilu;
+    }
+
     /// Runs a method from the best iterate, again while the true residual says it is not done and
     /// the last run was worth it.
-    void Iterate(Method method, Preconditioner& M, int steps) {
-        for (int run = 0; run <= restarts && steps > 0 && stepsLeft > 0 && !Solved(); ++run) {
+    void Iterate(Method method, Preconditioner& M, StopRule stop) {
+        for (int run = 0; run <= restarts && stop.steps > 0 && stepsLeft > 0 && !Solved(); ++run) {
             const double before = bestResidual;
             Vector x = best;
-            const int taken = method(A, M, {target, std::min(steps, stepsLeft)}, x);
-            steps -= taken;
+            stop.steps = std::min(stop.steps, stepsLeft);
+            const int taken = method(A, M, stop, x);
+            const bool tooSlow = taken == stop.trialSteps;
+            stop.steps -= taken;
             stepsLeft -= taken;
             Offer(x);
-            if (bestResidual > worthRestart * before) {
+            if (tooSlow || bestResidual > worthRestart * before) {
                 return;
             }
         }
@@ -170,6 +183,7 @@ private:
     int stepsLeft;
     Vector best;
     Vector work;
+    std::unique_ptr<Preconditioner> ilu;  ///< made when first asked for
     double startResidual = 0.0;
     double bestResidual = 0.0;
     bool singular = false;  ///< said by the last factorisation
@@ -193,6 +207,9 @@ Outcome SolveChain(const CsrSystem& A, const SolveOptions& options, Vector& x) {
     } else {
         if (options.directFirst) {
             chain.TrySparseLu(directRows);
+        }
+        if (!chain.Solved()) {
+            chain.TryIlu();
         }
         if (!chain.Solved()) {
             chain.TryMultigrid();

@@ -17,8 +17,9 @@ struct SolveOptions {
 enum class Outcome { Solved, ToleranceMissed, Singular };
 
 /// Solves A x = b by the first method that meets the tolerance: dense LU alone for a small or full
-/// system; else multigrid-BiCGSTAB, ILU(0)-GMRES, sparse LU in this order. A method starts from
-/// the best iterate so far. Without multigrid, ILU(0)-BiCGSTAB stands in its place.
+/// system; else BiCGSTAB with ILU(0), given up early if slow, then with multigrid, ILU(0)-GMRES,
+/// sparse LU in this order. A method starts from the best iterate so far. Where there is no
+/// multigrid, the first of them is not given up early.
 ///
 /// @param[in]     A  a system with n >= 1
 /// @param[in,out] x  start vector, then the best iterate; unchanged if it meets the tolerance
