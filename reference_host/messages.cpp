@@ -28,6 +28,12 @@ std::string FaceName(Boundary kind, int oversetGroup) {
     return names[static_cast<int>(kind)];
 }
 
+std::string WallFaceAt(const Mesh& mesh, int wallFace) {
+    const BoundaryFace& face = mesh.Faces(Boundary::Wall)[wallFace];
+    return fmt::format("{} face, wall face {} {}", FaceName(Boundary::Wall, face.oversetGroup),
+                       wallFace, At(face.centre));
+}
+
 void Refuse(const std::vector<std::string>& faults) {
     std::string text;
     for (const std::string& fault : faults) {

@@ -20,6 +20,9 @@ std::string CavityName(int cavity);
 /// Name of the physical group of a boundary face: "wall", "overset1", ...
 std::string FaceName(Boundary kind, int oversetGroup);
 
+/// "overset1 face, wall face 17 at (x, y, z)".
+std::string WallFaceAt(const Mesh& mesh, int wallFace);
+
 /// Throws std::runtime_error with the lines, one under the other; does nothing without any.
 void Refuse(const std::vector<std::string>& faults);
 
