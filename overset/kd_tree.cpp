@@ -1,1 +1,165 @@
 #include "overset/kd_tree.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <iostream>
+#include <memory>
+#include <new>
+#include <vector>
+
+#include "overset/kd_tree_store.h"
+
+namespace {
+
+/// The line for a tree object without a tree.
+int MissingTree() {
+    std::cout << "Must Build Tree First" << std::endl;
+    return -1;
+}
+
+/// A result list that releases its entries.
+struct ResultList {
+    ~ResultList() { ClearResults(&head); }
+    KDtreeResultNode head = {nullptr, -1.0, nullptr};
+};
+
+/// Replaces an answer by one with room for `count` ids.
+void RenewAnswer(int*& result, int count) {
+    delete[] result;
+    result = nullptr;  // the next line may throw
+    result = new int[static_cast<std::size_t>(count) + 1];
+    result[0] = count;
+}
+
+/// Replaces an answer by the ids of a result set.
+void FillAnswer(const KDtreeResultSet& set, int*& result) {
+    RenewAnswer(result, set.size);
+    int i = 0;
+    for (const KDtreeResultNode* entry = set.list->next; entry; entry = entry->next) {
+        result[++i] = *entry->node->data;
+    }
+}
+
+/// Lists the points within `radius` of the query, the last visited first. Memory that cannot be
+/// had ends it with false.
+bool CollectWithin(const KDtreeCore& core, const double* query, double radius,
+                   KDtreeResultSet& set) try {
+    const double radiusSq = radius * radius;
+    std::vector<KDtreeNode*> open;  // far sides still to visit, in place of a recursion
+    KDtreeNode* node = core.root;
+    while (node || !open.empty()) {
+        if (!node) {
+            node = open.back();
+            open.pop_back();
+        }
+        if (DistanceSq(query, node->pos) <= radiusSq) {
+            if (!InsertResult(set.list, node, -1.0)) {
+                return false;
+            }
+            ++set.size;
+        }
+        const double d = query[node->dir] - node->pos[node->dir];
+        KDtreeNode* far = d <= 0.0 ? node->right : node->left;
+        // Strict: a point behind a plane exactly `radius` away is left out, even one that touches
+        // the sphere, while the point test above takes the sphere in.
+        if (far && std::fabs(d) < radius) {
+            open.push_back(far);
+        }
+        node = d <= 0.0 ? node->left : node->right;
+    }
+    return true;
+} catch (const std::bad_alloc&) {
+    return false;
+}
+
+/// An array of ints that nobody has set.
+int* NewIds(int n) {
+    return new int[static_cast<std::size_t>(std::max(n, 0))];
+}
+
+/// Room for n points, or null.
+std::unique_ptr<KDtreePoint[]> NewPoints(int n) {
+    return std::unique_ptr<KDtreePoint[]>(
+        new (std::nothrow) KDtreePoint[static_cast<std::size_t>(std::max(n, 0))]);
+}
+
+}  // namespace
+
+KVX_ART_KDtree::KVX_ART_KDtree() : tree(NewKDtree()), pointCount(0), ids(nullptr) {
+    if (!tree) {
+        throw std::bad_alloc();
+    }
+}
+
+KVX_ART_KDtree::~KVX_ART_KDtree() {
+    FreeKDtree(tree);
+    delete[] ids;
+}
+
+bool KVX_ART_KDtree::BuildTree(double* x, double* y, double* z, int n) {
+    pointCount = n;
+    // Nodes of an earlier build still point into the earlier ids, so those are given up, not
+    // released.
+    ids = NewIds(n);
+    const std::unique_ptr<KDtreePoint[]> points = NewPoints(n);
+    if (!points) {
+        return false;
+    }
+    for (int i = 0; i < n; ++i) {
+        ids[i] = i + 1;
+        points[i] = {{x[i], y[i], z[i]}, &ids[i]};
+    }
+    return InsertPoints(*tree, points.get(), n);
+}
+
+bool KVX_ART_KDtree::BuildTree(const double& x, const double& y, const double& z, int* id) {
+    return InsertPoint(*tree, {{x, y, z}, id});
+}
+
+bool KVX_ART_KDtree::BuildTreeByBlockId(double* x, double* y, double* z, int* blockIds, int blockId,
+                                        int n) {
+    pointCount = n;
+    ids = NewIds(n);
+    const std::unique_ptr<KDtreePoint[]> points = NewPoints(n);
+    if (!points) {
+        return false;
+    }
+    int nInBlock = 0;
+    for (int i = 0; i < n; ++i) {
+        if (blockIds[i] == blockId) {
+            ids[i] = i + 1;
+            points[nInBlock++] = {{x[i], y[i], z[i]}, &ids[i]};
+        }
+    }
+    return InsertPoints(*tree, points.get(), nInBlock);
+}
+
+int KVX_ART_KDtree::SearchNearestPoints(const double& x, const double& y, const double& z,
+                                        int*& result) {
+    if (!tree) {
+        return MissingTree();
+    }
+    const double query[3] = {x, y, z};
+    const KDtreeNode* nearest = NearestNode(*tree, query);
+    RenewAnswer(result, nearest ? 1 : 0);
+    if (nearest) {
+        result[1] = *nearest->data;
+    }
+    return result[0];
+}
+
+int KVX_ART_KDtree::SearchByRadius(const double& x, const double& y, const double& z,
+                                   const double& radius, int*& result) {
+    if (!tree) {
+        return MissingTree();
+    }
+    const double query[3] = {x, y, z};
+    ResultList list;
+    KDtreeResultSet set = {tree, &list.head, &list.head, 0};
+    if (!CollectWithin(*tree, query, radius, set)) {
+        return -1;
+    }
+    FillAnswer(set, result);
+    return set.size;
+}

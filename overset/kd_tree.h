@@ -19,8 +19,8 @@ struct KDtreeRect {
     double* max;  ///< upper corner, owned
 };
 
-/// The tree proper. Made by the constructor of KVX_ART_KDtree, which keeps the memory of the nodes
-/// in front of no one else: a core made elsewhere must not be put into a KVX_ART_KDtree.
+/// The tree proper. Only the constructor of KVX_ART_KDtree makes one: the memory of its nodes is
+/// kept beside it, so a core made elsewhere must not be put into a tree object.
 struct KDtreeCore {
     int dim;                   ///< 3
     KDtreeNode* root;          ///< null while the tree is empty

@@ -1,0 +1,71 @@
+#ifndef KVX3D_OVERSET_KD_TREE_STORE_H
+#define KVX3D_OVERSET_KD_TREE_STORE_H
+
+#include "overset/kd_tree.h"
+
+/// Memory, growth and search of KDtreeCore; internal to the overset folder.
+///
+/// Nodes lie in chunks, each beside its coordinates, so that a visit costs one cache line. No
+/// function here throws: memory that cannot be had is answered by false or null.
+
+/// A point on its way into a tree.
+struct KDtreePoint {
+    double xyz[3];
+    int* id;  ///< not owned
+};
+
+/// An empty tree, or null.
+KDtreeCore* NewKDtree();
+
+/// Calls the tree's `destructor` for each node, children before parents, and releases all.
+void FreeKDtree(KDtreeCore* core);
+
+/// Inserts one point.
+bool InsertPoint(KDtreeCore& core, const KDtreePoint& point);
+
+/// Inserts n points. The tree is node for node that of n calls of InsertPoint(); into an empty
+/// tree it is built from the top down, in memory read from front to end.
+/// @param points  in order of arrival; the order is lost
+bool InsertPoints(KDtreeCore& core, KDtreePoint* points, int n);
+
+/// True where the tree sends the point to the right of `node`: equal coordinates go right.
+inline bool GoesRight(const KDtreeNode& node, const double* xyz) {
+    return node.pos[node.dir] <= xyz[node.dir];
+}
+
+/// True where a query descends into the left child first. A query on the splitting plane does,
+/// although points on the plane are on the right.
+inline bool LeftIsNear(const KDtreeNode& node, const double* query) {
+    return query[node.dir] - node.pos[node.dir] <= 0.0;
+}
+
+/// Squared distance, summed x, y, z.
+inline double DistanceSq(const double* a, const double* b) {
+    const double dx = a[0] - b[0];
+    const double dy = a[1] - b[1];
+    const double dz = a[2] - b[2];
+    return dx * dx + dy * dy + dz * dz;
+}
+
+/// The node nearest to `query`, ties as told at KVX_ART_KDtree::SearchNearestPoints(); null on an
+/// empty tree.
+/// @throws std::bad_alloc  a degenerate tree needs a longer list of open branches than memory has
+const KDtreeNode* NearestNode(const KDtreeCore& core, const double* query);
+
+/// True if a nearest search meets the point `a` of the tree before the point `b`, both at the same
+/// distance from the query and neither of them the root.
+bool IsMetBefore(const KDtreeCore& core, const double* query, const KDtreePoint& a,
+                 const KDtreePoint& b);
+
+/// Adds an entry to a result list.
+///
+/// With distSq >= 0 entries are kept by ascending distance, the new one before the first that is
+/// not nearer; with a negative distSq it goes to the front.
+/// @param head  the list's head entry
+/// @return false if the memory for the entry cannot be had
+bool InsertResult(KDtreeResultNode* head, KDtreeNode* node, double distSq);
+
+/// Releases the entries behind the head entry.
+void ClearResults(KDtreeResultNode* head);
+
+#endif
