@@ -1,0 +1,487 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <limits>
+#include <locale>
+
+#include "tests/support/output_capture.h"
+#include "tests/vtk_output/output_support.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string pvdHead =
+    "<?xml version = \"1.0\"?>\n"
+    "<VTKFile type = \"Collection\" version = \"0.1\" byte_order = \"LittleEndian\">\n"
+    "<Collection>\n";
+const std::string pvdEnd = "</Collection>\n</VTKFile>\n";
+
+/// A run directory, a block and an initialised tool; messages are captured.
+class Collection : public testing::Test {
+protected:
+    explicit Collection(int processId = 0) {
+        initialized = tool.Initialize(Chars(dir.Text()), Chars("Run"), processId);
+    }
+
+    std::string In(const std::string& name) { return dir.Text() + "/" + name; }
+
+    OutputCapture capture;
+    TempDirectory dir;
+    Tetrahedron one;
+    CKVX_ART_VTK_Tool tool;
+    bool initialized;
+};
+
+class CollectionOfProcess5 : public Collection {
+protected:
+    CollectionOfProcess5() : Collection(5) {}
+};
+
+TEST_F(CollectionOfProcess5, InitializeNamesTheRunAndOpensTheRecordFile) {
+    EXPECT_TRUE(initialized);
+    EXPECT_EQ(tool.settings->rootDir, dir.Text());
+    EXPECT_EQ(tool.settings->project, "Run");
+    EXPECT_EQ(tool.settings->processId, 5);
+    EXPECT_EQ(tool.settings->stepDir, In("Run_5"));
+    EXPECT_TRUE(tool.collectionWriter->recordFile.is_open());
+    EXPECT_EQ(Names(dir.Path()), (std::vector<std::string>{"Run.vtkcollection_5", "Run_5"}));
+    EXPECT_TRUE(fs::is_directory(In("Run_5")));
+}
+
+TEST_F(Collection, ASecondInitializeDoublesThePath) {
+    EXPECT_FALSE(tool.Initialize(Chars(dir.Text()), Chars("Run"), 0));
+
+    EXPECT_EQ(tool.settings->stepDir, In("Run_0") + In("Run_0"));
+}
+
+TEST_F(Collection, InitializeTruncatesTheRecordsOfAFormerRun) {
+    tool.newBlockData(&one.block);
+    tool.OutputRun(0.5, 20);
+
+    CKVX_ART_VTK_Tool next;
+    EXPECT_TRUE(next.Initialize(Chars(dir.Text()), Chars("Run"), 0));
+
+    EXPECT_EQ(ReadFile(In("Run.vtkcollection_0")), "");
+    EXPECT_EQ(Names(In("Run_0")).size(), 1u);
+}
+
+TEST_F(Collection, AFileNamedAsTheDataDirectoryPassesAsIt) {
+    WriteFile(In("Other_0"), "x");
+    CKVX_ART_VTK_Tool other;
+
+    EXPECT_TRUE(other.Initialize(Chars(dir.Text()), Chars("Other"), 0));
+}
+
+TEST_F(Collection, NamesStepFilesByIterationTimeProcessAndBlock) {
+    tool.newBlockData(&one.block);
+
+    EXPECT_TRUE(tool.OutputRun(0.5, 20));
+
+    EXPECT_EQ(tool.settings->time, 0.5);
+    EXPECT_EQ(tool.settings->iteration, 20);
+    EXPECT_EQ(Names(In("Run_0")), std::vector<std::string>{"Run_Itr20_T0.5_P0_B1.vtu"});
+    EXPECT_EQ(capture.Out(), "");
+}
+
+TEST_F(Collection, PrintsTimesInSixDigits) {
+    tool.newBlockData(&one.block);
+
+    tool.OutputRun(1.0 / 3, 1);
+    tool.OutputRun(1e-7, -2);
+    tool.OutputRun(12345678.0, 3);
+
+    EXPECT_EQ(Names(In("Run_0")), (std::vector<std::string>{"Run_Itr-2_T1e-07_P0_B1.vtu",
+                                                            "Run_Itr1_T0.333333_P0_B1.vtu",
+                                                            "Run_Itr3_T1.23457e+07_P0_B1.vtu"}));
+}
+
+TEST_F(Collection, TimesThatAgreeToSixDigitsShareAFileAndMakeTwoRecords) {
+    one.block.addCellsData(&one.cellData);
+    tool.newBlockData(&one.block);
+
+    tool.OutputRun(0.1234567, 1);
+    one.cellValue[0] = 43;
+    tool.OutputRun(0.1234568, 1);
+
+    EXPECT_EQ(Names(In("Run_0")).size(), 1u);
+    EXPECT_NE(ReadFile(In("Run_0/Run_Itr1_T0.123457_P0_B1.vtu")).find("\t43\n"), std::string::npos);
+    const std::string record = "1\t0.123457\t0\t1\tRun_0/Run_Itr1_T0.123457_P0_B1.vtu\n";
+    EXPECT_EQ(ReadFile(In("Run.vtkcollection_0")), record + record);
+}
+
+TEST_F(CollectionOfProcess5, RecordsAreFlushedLineByLine) {
+    tool.newBlockData(&one.block);
+    tool.newBlockData(&one.block);
+
+    tool.OutputRun(0.5, 20);
+
+    EXPECT_EQ(ReadFile(In("Run.vtkcollection_5")),
+              "20\t0.5\t5\t1\tRun_5/Run_Itr20_T0.5_P5_B1.vtu\n"
+              "20\t0.5\t5\t2\tRun_5/Run_Itr20_T0.5_P5_B2.vtu\n");
+}
+
+TEST_F(Collection, ABlockOfAnotherTypeHasARecordWithoutExtensionAndNoFile) {
+    one.block.blockType = 2;
+    tool.newBlockData(&one.block);
+
+    EXPECT_TRUE(tool.OutputRun(0, 1));
+
+    EXPECT_TRUE(Names(In("Run_0")).empty());
+    EXPECT_EQ(ReadFile(In("Run.vtkcollection_0")), "1\t0\t0\t1\tRun_0/Run_Itr1_T0_P0_B1\n");
+}
+
+TEST_F(Collection, AStepFileThatDoesNotOpenEndsTheStep) {
+    tool.newBlockData(&one.block);
+    tool.newBlockData(&one.block);
+    tool.newBlockData(&one.block);
+    const std::string blocked = In("Run_0/Run_Itr1_T0_P0_B2.vtu");
+    fs::create_directory(blocked);
+
+    EXPECT_FALSE(tool.OutputRun(0, 1));
+
+    EXPECT_EQ(capture.FlushedOut(),
+              "Opne File: " + blocked + " With Error\nFile: " + blocked + " Open Error\n");
+    EXPECT_EQ(ReadFile(In("Run.vtkcollection_0")), "1\t0\t0\t1\tRun_0/Run_Itr1_T0_P0_B1.vtu\n");
+    EXPECT_FALSE(fs::exists(In("Run_0/Run_Itr1_T0_P0_B3.vtu")));
+}
+
+TEST_F(Collection, AnyBlockOfAStepMayFail) {
+    for (int block = 1; block <= 3; ++block) {
+        tool.newBlockData(&one.block);
+    }
+    for (int failing = 1; failing <= 4; ++failing) {
+        SCOPED_TRACE(failing);
+        const std::string prefix = "Run_Itr" + std::to_string(failing) + "_T0_P0_B";
+        fs::create_directory(In("Run_0/" + prefix + std::to_string(failing) + ".vtu"));
+        tool.collectionWriter->openRecordFile();
+
+        EXPECT_EQ(tool.OutputRun(0, failing), failing == 4);
+
+        const std::string records = ReadFile(In("Run.vtkcollection_0"));
+        EXPECT_EQ(std::count(records.begin(), records.end(), '\n'), failing - 1);
+    }
+}
+
+class CollectionWithoutDirectory : public testing::Test {
+protected:
+    TempDirectory dir;
+    Tetrahedron one;
+    CKVX_ART_VTK_Tool tool;
+};
+
+TEST_F(CollectionWithoutDirectory, InitializeFailsWithoutAMessage) {
+    OutputCapture capture;
+
+    EXPECT_FALSE(tool.Initialize(Chars(dir.Text() + "/missing"), Chars("Run"), 0));
+
+    EXPECT_FALSE(tool.collectionWriter->recordFile.is_open());
+    EXPECT_EQ(capture.Out(), "");
+    EXPECT_TRUE(Names(dir.Path()).empty());
+}
+
+TEST_F(CollectionWithoutDirectory, EachStepPrintsTheTwoOpenErrors) {
+    OutputCapture capture;
+    const std::string root = dir.Text() + "/missing";
+    tool.Initialize(Chars(root), Chars("Run"), 3);
+    tool.newBlockData(&one.block);
+
+    EXPECT_FALSE(tool.OutputRun(0.25, 1));
+
+    const std::string file = root + "/Run_3/Run_Itr1_T0.25_P3_B1.vtu";
+    EXPECT_EQ(capture.Out(), "Opne File: " + file + " With Error\nFile: " + file + " Open Error\n");
+}
+
+TEST_F(CollectionWithoutDirectory, ARecordFileThatDoesNotOpenLosesTheRecordsOnly) {
+    OutputCapture capture;
+    fs::create_directory(dir.Path() / "Run.vtkcollection_0");
+    tool.newBlockData(&one.block);
+
+    EXPECT_FALSE(tool.Initialize(Chars(dir.Text()), Chars("Run"), 0));
+    EXPECT_TRUE(tool.OutputRun(0, 1));
+
+    EXPECT_EQ(Names(dir.Path() / "Run_0").size(), 1u);
+    EXPECT_EQ(capture.Out(), "");
+}
+
+// --- post-run on a single machine ---
+
+TEST_F(CollectionOfProcess5, PostRunWritesTheSeriesAndDeletesTheRecords) {
+    tool.newBlockData(&one.block);
+    tool.newBlockData(&one.block);
+    tool.OutputRun(0.5, 20);
+    tool.OutputRun(1, 40);
+
+    EXPECT_TRUE(tool.PostRun_Single_SMP(0));
+
+    EXPECT_EQ(ReadFile(In("Run.pvd")), pvdHead +
+                                           "<DataSet timestep=\"0.5\" group=\"1\" part=\"5\" "
+                                           "file=\"Run_5/Run_Itr20_T0.5_P5_B1.vtu\"/>\n"
+                                           "<DataSet timestep=\"0.5\" group=\"2\" part=\"5\" "
+                                           "file=\"Run_5/Run_Itr20_T0.5_P5_B2.vtu\"/>\n"
+                                           "<DataSet timestep=\"1\" group=\"1\" part=\"5\" "
+                                           "file=\"Run_5/Run_Itr40_T1_P5_B1.vtu\"/>\n"
+                                           "<DataSet timestep=\"1\" group=\"2\" part=\"5\" "
+                                           "file=\"Run_5/Run_Itr40_T1_P5_B2.vtu\"/>\n" +
+                                           pvdEnd);
+    EXPECT_EQ(Names(dir.Path()), (std::vector<std::string>{"Run.pvd", "Run_5"}));
+    EXPECT_EQ(capture.FlushedOut(), In("Run.vtkcollection_5") + "\n");
+    EXPECT_FALSE(tool.pvdWriter->pvdFile.is_open());
+    EXPECT_FALSE(tool.collectionWriter->recordFile.is_open());
+}
+
+TEST_F(Collection, ARunWithoutBlocksHasAnEmptySeries) {
+    EXPECT_TRUE(tool.OutputRun(0, 1));
+    EXPECT_EQ(ReadFile(In("Run.vtkcollection_0")), "");
+
+    tool.PostRun_Single_SMP(0);
+
+    EXPECT_EQ(ReadFile(In("Run.pvd")), pvdHead + pvdEnd);
+}
+
+TEST_F(Collection, OtherRanksLeaveTheirRecordsForRankZero) {
+    tool.newBlockData(&one.block);
+    tool.OutputRun(0, 1);
+
+    EXPECT_TRUE(tool.PostRun_Single_SMP(1));
+
+    EXPECT_EQ(Names(dir.Path()), (std::vector<std::string>{"Run.vtkcollection_0", "Run_0"}));
+    EXPECT_FALSE(tool.collectionWriter->recordFile.is_open());
+    EXPECT_EQ(capture.Out(), "");
+}
+
+TEST_F(Collection, RankZeroWaitsBeforeTheMerge) {
+    const auto start = std::chrono::steady_clock::now();
+
+    tool.PostRun_Single_SMP(0);
+
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
+}
+
+TEST_F(Collection, StepsBehindThePostRunLoseTheirRecords) {
+    tool.newBlockData(&one.block);
+    tool.PostRun_Single_SMP(0);
+
+    EXPECT_TRUE(tool.OutputRun(2, 2));
+
+    EXPECT_EQ(Names(In("Run_0")).size(), 1u);
+    EXPECT_EQ(Names(dir.Path()), (std::vector<std::string>{"Run.pvd", "Run_0"}));
+}
+
+TEST_F(Collection, ATwinToolInTheSameRootIsMergedToo) {
+    WriteFile(In("Other.vtkcollection_7"), "3\t0.75\t7\t2\tOther_7/x.vtu\n");
+
+    tool.PostRun_Single_SMP(0);
+
+    EXPECT_EQ(ReadFile(In("Run.pvd")),
+              pvdHead +
+                  "<DataSet timestep=\"0.75\" group=\"2\" part=\"7\" file=\"Other_7/x.vtu\"/>\n" +
+                  pvdEnd);
+    EXPECT_FALSE(fs::exists(In("Other.vtkcollection_7")));
+}
+
+TEST_F(Collection, PvdThatDoesNotOpenStillCostsTheRecords) {
+    tool.newBlockData(&one.block);
+    tool.OutputRun(0, 1);
+    fs::create_directory(In("Run.pvd"));
+
+    EXPECT_TRUE(tool.PostRun_Single_SMP(0));
+
+    EXPECT_EQ(capture.FlushedOut(), "PVD File Open Error\n" + In("Run.vtkcollection_0") + "\n");
+    EXPECT_FALSE(fs::exists(In("Run.vtkcollection_0")));
+}
+
+TEST_F(Collection, ClosingAPvdThatIsNotOpenFails) {
+    EXPECT_FALSE(tool.pvdWriter->closePvd());
+
+    EXPECT_TRUE(tool.pvdWriter->openPvd());
+    EXPECT_TRUE(tool.pvdWriter->openPvd());
+    EXPECT_TRUE(tool.pvdWriter->closePvd());
+    EXPECT_FALSE(tool.pvdWriter->closePvd());
+    EXPECT_EQ(ReadFile(In("Run.pvd")), pvdHead + pvdEnd);
+}
+
+TEST_F(Collection, DestructionLeavesRecordsAndWritesNoSeries) {
+    {
+        CKVX_ART_VTK_Tool aborted;
+        aborted.Initialize(Chars(dir.Text()), Chars("Aborted"), 0);
+        aborted.newBlockData(&one.block);
+        aborted.OutputRun(0, 1);
+    }
+
+    EXPECT_EQ(ReadFile(In("Aborted.vtkcollection_0")),
+              "1\t0\t0\t1\tAborted_0/Aborted_Itr1_T0_P0_B1.vtu\n");
+    EXPECT_FALSE(fs::exists(In("Aborted.pvd")));
+}
+
+// --- the merge ---
+
+class Merge : public Collection {
+protected:
+    Merge() {
+        tool.collectionWriter->recordFile.close();
+        fs::remove(In("Run.vtkcollection_0"));
+    }
+
+    /// The `.pvd` lines that a record file with these bytes brings.
+    std::string Merged(const std::string& records) {
+        WriteFile(In("x.vtkcollection"), records);
+        tool.pvdWriter->openPvd();
+        EXPECT_TRUE(tool.pvdWriter->mergeCollectionFile("x.vtkcollection"));
+        tool.pvdWriter->closePvd();
+        const std::string text = ReadFile(In("Run.pvd"));
+        return text.substr(pvdHead.size(), text.size() - pvdHead.size() - pvdEnd.size());
+    }
+};
+
+std::string DataSet(const std::string& time, int group, int part, const std::string& file) {
+    return "<DataSet timestep=\"" + time + "\" group=\"" + std::to_string(group) + "\" part=\"" +
+           std::to_string(part) + "\" file=\"" + file + "\"/>\n";
+}
+
+TEST_F(Merge, TakesNamesThatHoldTheWholeText) {
+    for (const char* name :
+         {".vtkcollection", ".vtkcollectio", "vtkcollection_12", "a.vtkcollection",
+          "a.vtkcollection_0", "b.vtkcollection.bak", "c.VTKCollection_0"}) {
+        WriteFile(In(name), "");
+    }
+    fs::create_directory(In("dir.vtkcollection_1"));
+
+    std::vector<std::string> names = tool.pvdWriter->findCollectionFiles();
+
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names,
+              (std::vector<std::string>{".vtkcollection", "a.vtkcollection", "a.vtkcollection_0",
+                                        "b.vtkcollection.bak", "dir.vtkcollection_1"}));
+}
+
+TEST_F(Merge, AMissingRootHoldsNoNames) {
+    tool.settings->rootDir = In("missing");
+
+    EXPECT_TRUE(tool.pvdWriter->findCollectionFiles().empty());
+    EXPECT_TRUE(tool.pvdWriter->mergeCollections());
+}
+
+TEST_F(Merge, GoesInTheSystemsOrder) {
+    for (int process = 0; process < 12; ++process) {
+        WriteFile(In("Run.vtkcollection_" + std::to_string(process)),
+                  "1 0 " + std::to_string(process) + " 1 f\n");
+    }
+    std::string expected;
+    for (const std::string& name : tool.pvdWriter->findCollectionFiles()) {
+        expected += DataSet("0", 1, std::stoi(name.substr(name.find('_') + 1)), "f");
+    }
+
+    tool.pvdWriter->openPvd();
+    EXPECT_TRUE(tool.pvdWriter->mergeCollections());
+    tool.pvdWriter->closePvd();
+
+    EXPECT_EQ(ReadFile(In("Run.pvd")), pvdHead + expected + pvdEnd);
+}
+
+TEST_F(Merge, ReadsAnyWhitespaceAndDropsTheIteration) {
+    EXPECT_EQ(Merged("1 0.5\n2   3\ta/b.vtu 7\t1e3\t0\t1\tc"),
+              DataSet("0.5", 3, 2, "a/b.vtu") + DataSet("1000", 1, 0, "c"));
+}
+
+TEST_F(Merge, EndsAtTheFirstWordThatDoesNotParse) {
+    const std::string good = "1\t0.5\t0\t1\ta\n";
+
+    EXPECT_EQ(Merged(good + "x\t0.5\t0\t1\tb\n" + good), DataSet("0.5", 1, 0, "a"));
+    EXPECT_EQ(Merged(good + "2\tnan\t0\t1\tb\n"), DataSet("0.5", 1, 0, "a"));
+    EXPECT_EQ(Merged(good + "2\t1\t0\t1"), DataSet("0.5", 1, 0, "a"));
+    EXPECT_EQ(Merged(good + "99999999999\t1\t0\t1\tb"), DataSet("0.5", 1, 0, "a"));
+    EXPECT_EQ(Merged(""), "");
+}
+
+TEST_F(Merge, ABlankInTheProjectNameEndsTheFileAtIt) {
+    const std::string record = "1\t0.5\t0\t1\tMy Run_0/My Run_Itr1_T0.5_P0_B1.vtu\n";
+
+    EXPECT_EQ(Merged(record + record), DataSet("0.5", 1, 0, "My"));
+}
+
+TEST_F(Merge, SkipsASecondLineEndLeftByAMove) {
+    EXPECT_EQ(Merged("1\t0.5\t0\t1\ta\n\n"), DataSet("0.5", 1, 0, "a"));
+}
+
+TEST_F(Merge, ReadsWithADecimalPointWhateverTheLocale) {
+    class Comma : public std::numpunct<char> {
+        char do_decimal_point() const override { return ','; }
+        char do_thousands_sep() const override { return '.'; }
+        std::string do_grouping() const override { return "\1"; }
+    };
+    const std::locale before = std::locale::global(std::locale(std::locale(), new Comma));
+    const std::string lines = Merged("12345\t0.5\t1234\t1\ta\n");
+    std::locale::global(before);
+
+    EXPECT_EQ(lines, DataSet("0.5", 1, 1234, "a"));
+}
+
+TEST_F(Merge, PrintsThePathAndFailsOnAFileThatIsNotThere) {
+    EXPECT_FALSE(tool.pvdWriter->mergeCollectionFile("gone.vtkcollection_1"));
+
+    EXPECT_EQ(capture.FlushedOut(), In("gone.vtkcollection_1") + "\n");
+}
+
+TEST_F(Merge, StopsAtTheFirstFileThatCannotBeDeleted) {
+    // A directory with something in it opens, reads as nothing and stays.
+    fs::create_directory(In("full.vtkcollection_0"));
+    WriteFile(In("full.vtkcollection_0/file"), "x");
+    for (int process = 1; process <= 5; ++process) {
+        WriteFile(In("Run.vtkcollection_" + std::to_string(process)), "1 0 0 1 f\n");
+    }
+    const std::vector<std::string> names = tool.pvdWriter->findCollectionFiles();
+    const auto full = std::find(names.begin(), names.end(), "full.vtkcollection_0");
+
+    EXPECT_FALSE(tool.pvdWriter->mergeCollections());
+
+    for (auto name = names.begin(); name != names.end(); ++name) {
+        EXPECT_EQ(fs::exists(In(*name)), name >= full) << *name;
+    }
+}
+
+// --- the listing of the current directory ---
+
+/// Makes a directory the current one while it lives.
+class CurrentDirectory {
+public:
+    explicit CurrentDirectory(const fs::path& directory) : before(fs::current_path()) {
+        fs::current_path(directory);
+    }
+    ~CurrentDirectory() { fs::current_path(before); }
+
+private:
+    fs::path before;
+};
+
+TEST(Listing, NamesEntriesWithTheText) {
+    TempDirectory dir;
+    WriteFile(dir.Path() / "myACMTfile", "");
+    WriteFile(dir.Path() / "acmt", "");
+    WriteFile(dir.Path() / "ACM", "");
+    const CurrentDirectory current(dir.Path());
+    CKVX_ART_VTK_Tool tool;
+
+    testing::internal::CaptureStdout();
+    const bool listed = tool.test();
+    const std::string out = testing::internal::GetCapturedStdout();
+
+    EXPECT_TRUE(listed);
+    EXPECT_EQ(out, "myACMTfile\n");
+    EXPECT_EQ(tool.settings->rootDir, "");
+}
+
+TEST(Listing, MarksDirectories) {
+    TempDirectory dir;
+    fs::create_directory(dir.Path() / "ACMT");
+    const CurrentDirectory current(dir.Path());
+    CKVX_ART_VTK_Tool tool;
+
+    testing::internal::CaptureStdout();
+    tool.test();
+
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "ACMT/\n");
+}
+
+}  // namespace
