@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "reference_host/cell_size.h"
 #include "reference_host/fault_count.h"
 #include "reference_host/messages.h"
 
@@ -136,6 +137,7 @@ std::vector<std::string> FaultsAfterCutting(const Mesh& mesh, const Donors& dono
     CheckCut(mesh, donors, lines);
 
     DonorCheck check(mesh, donors);
+    const std::vector<double> edge = EdgeLengths(mesh);
     FaultCount manyTries;
     FaultCount smallFaces;
     for (int face = 1; face <= mesh.InnerFaceCount(); ++face) {
@@ -147,12 +149,15 @@ std::vector<std::string> FaultsAfterCutting(const Mesh& mesh, const Donors& dono
             return fmt::format("hole-boundary face {} {}", face, At(inner.centre));
         };
         check.Check(donors.inner[face], where);
-        if (donors.inner[face] > 0 && donors.tries[face] > rule::maxDonorTries) {
+        const int cell = ActiveCell(mesh, donors, face);
+        const double distance = (inner.centre - mesh.cellCentre[cell]).norm();
+        const double reach = (0.9 + 0.1 * donors.tries[face]) * distance;
+        if (donors.inner[face] > 0 && donors.tries[face] > rule::maxDonorTries &&
+            reach > rule::maxDonorReach * edge[cell]) {
             manyTries.Add([&] {
                 return fmt::format("{} took {} searches for a donor", where(), donors.tries[face]);
             });
         }
-        const int cell = ActiveCell(mesh, donors, face);
         if (IsTooSmallForDonors(inner.area, inner.centre, mesh.cellCentre[cell])) {
             smallFaces.Add(where);
         }

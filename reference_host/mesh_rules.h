@@ -27,7 +27,10 @@ constexpr double maxLayerOfPoints = 2.0;  ///< the same for cells that end in a 
 constexpr double maxBend = 45.0;          ///< degrees between neighboring overset faces
 constexpr double maxBulge = 0.15;         ///< an overset face in front of its neighbor's plane
 constexpr double minDonorTest = 1e-6;     ///< |S| |P - C| where donors are searched, no length
-constexpr int maxDonorTries = 5;          ///< searches for a donor on the hole boundary
+constexpr int maxDonorTries = 5;          ///< searches for a donor on the hole boundary; more are
+                                          ///< sound where all stay within
+constexpr double maxDonorReach = 0.75;    ///< this many edges of the active cell from the face: a
+                                          ///< prism's centre is near its face, its steps are short
 constexpr int maxTreeDepth = 10000;       ///< searches in a tree recurse that deep
 
 constexpr char scaleRemedy[] =
