@@ -14,9 +14,9 @@
 /// dense solver.
 ///
 /// Small and full systems go through an LU factorisation with partial pivoting, all others through
-/// BiCGSTAB with algebraic multigrid, then GMRES with ILU(0), then a sparse LU where its fill is
-/// bearable. Every answer is judged by the residual recomputed from the arrays given, never by
-/// what a method reports of itself.
+/// BiCGSTAB with ILU(0) while that is quick, then with algebraic multigrid, then GMRES with ILU(0),
+/// then a sparse LU where its work is bearable. Every answer is judged by the residual recomputed
+/// from the arrays given, never by what a method reports of itself.
 ///
 /// Nothing is printed, no exception leaves the class, no thread is started and MPI is not needed.
 /// Objects share nothing: two threads may use two objects, one object runs one solve at a time.
@@ -37,7 +37,7 @@ public:
     CKVXMatrixSolver& operator=(const CKVXMatrixSolver&) = delete;
 
     /// Non-zero: later solves try the sparse LU before any iteration. 0 (the state after
-    /// construction): iterations first. Systems beyond the LU's size limit iterate either way.
+    /// construction): iterations first. Systems whose LU would take minutes iterate either way.
     void SetAsDirect(int flag);
 
     /// Solves A x = rhs.

@@ -10,6 +10,7 @@
 #include "matrix_solver/dense_lu.h"
 #include "matrix_solver/ilu0.h"
 #include "matrix_solver/krylov.h"
+#include "matrix_solver/lu_work.h"
 #include "matrix_solver/multigrid.h"
 #include "matrix_solver/sparse_lu.h"
 
@@ -21,14 +22,15 @@ constexpr int denseLimit = 2000;       // rows; 32 MB of factors
 constexpr double denseFilling = 0.25;  // of n * n, from where a matrix counts as full
 constexpr int trialSteps = 10;
 constexpr double trialProgress = 0.5;  // of the way to the tolerance, in orders of magnitude
-constexpr int quickSteps = 40;          // cost about as much as setting up a hierarchy
-constexpr int bicgstabSteps = 200;      // more means that the hierarchy does not fit the problem
+constexpr int quickSteps = 40;         // cost about as much as setting up a hierarchy
+constexpr int bicgstabSteps = 200;     // more means that the hierarchy does not fit the problem
+constexpr int aloneSteps = 1000;       // of ILU(0)-BiCGSTAB in a build without multigrid
 constexpr int gmresSteps = 500;
-constexpr int restarts = 3;            // from the true residual, after the recursive one drifted
-constexpr double worthRestart = 0.5;   // residual reduction that earns another restart
-constexpr int refinements = 3;         // of a dense solution
-constexpr int lastResortRows = 20000;  // sparse LU nobody asked for: seconds on a 3-D mesh
-constexpr int directRows = 100000;     // sparse LU on demand: minutes and gigabytes beyond
+constexpr int restarts = 3;              // from the true residual, after the recursive one drifted
+constexpr double worthRestart = 0.5;     // residual reduction that earns another restart
+constexpr int refinements = 3;           // of a dense solution
+constexpr double lastResortWork = 2e10;  // sparse LU nobody asked for: seconds
+constexpr double directWork = 1e12;      // sparse LU on demand: minutes beyond
 
 /// One pass through the methods: the best iterate, its true residual, and what is left to spend.
 class Chain {
@@ -82,7 +84,7 @@ public:
                 std::pow(bestResidual, 1.0 - trialProgress) * std::pow(target, trialProgress);
             Iterate(BiCgStab, Ilu(), {target, quickSteps, trialSteps, trialResidual});
         } else {
-            Iterate(BiCgStab, Ilu(), {target, bicgstabSteps});
+            Iterate(BiCgStab, Ilu(), {target, aloneSteps});
         }
     }
 
@@ -101,8 +103,9 @@ public:
 
     void TryGmres() { Iterate(Gmres, Ilu(), {target, gmresSteps}); }
 
-    void TrySparseLu(int largestSystem) {
-        if (!options.useSparseLu || A.n > largestSystem || sparseLuTried) {
+    void TrySparseLu(double mostWork) {
+        if (!options.useSparseLu || sparseLuTried || !HasSparseLu() ||
+            EstimateLuWork(A) > mostWork) {
             return;
         }
         sparseLuTried = true;
@@ -206,7 +209,7 @@ Outcome SolveChain(const CsrSystem& A, const SolveOptions& options, Vector& x) {
         chain.TryDense();
     } else {
         if (options.directFirst) {
-            chain.TrySparseLu(directRows);
+            chain.TrySparseLu(directWork);
         }
         if (!chain.Solved()) {
             chain.TryIlu();
@@ -218,7 +221,7 @@ Outcome SolveChain(const CsrSystem& A, const SolveOptions& options, Vector& x) {
             chain.TryGmres();
         }
         if (!chain.Solved()) {
-            chain.TrySparseLu(lastResortRows);
+            chain.TrySparseLu(lastResortWork);
         }
     }
     const Outcome outcome = chain.Judge();

@@ -1,0 +1,305 @@
+/// The parts behind the class, each on data small enough to redo by hand or against a scan.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "matrix_solver/csr_system.h"
+#include "matrix_solver/dense_lu.h"
+#include "matrix_solver/ilu0.h"
+#include "matrix_solver/krylov.h"
+#include "matrix_solver/lu_work.h"
+#include "matrix_solver/multigrid.h"
+#include "matrix_solver/sparse_lu.h"
+#include "tests/matrix_solver/problems.h"
+
+namespace {
+
+using kvx3d_solver::CsrSystem;
+using kvx3d_solver::Vector;
+
+CsrSystem Read(const Problem& p) {
+    return kvx3d_solver::ReadSystem(
+               {p.n, p.NonZeros(), p.Ia.data(), p.Ja.data(), p.Aa.data(), p.rhs.data()})
+        .value();
+}
+
+/// The system's solution in its own scale.
+Vector Scaled(const Problem& p, const CsrSystem& system) {
+    Vector x = p.exact;
+    for (double& v : x) {
+        v = std::ldexp(v, -system.solutionExponent);
+    }
+    return x;
+}
+
+TEST(CsrSystem, SortsRowsAndTurnsNegativeDiagonals) {
+    Problem p;
+    p.AddRow(1.0, {{3, 0.5}, {2, 0.25}});
+    p.AddRow(-1.5, {{1, 0.5}});
+    p.AddRow(1.0, {});
+    p.rhs = {1.0, 1.0, 1.5};
+
+    const CsrSystem system = Read(p);
+
+    EXPECT_EQ(system.rowStart, (std::vector<int>{0, 3, 5, 6}));
+    EXPECT_EQ(system.column, (std::vector<int>{0, 1, 2, 0, 1, 2}));
+    EXPECT_EQ(system.value, (Vector{1.0, 0.25, 0.5, -0.5, 1.5, 1.0}));
+    EXPECT_EQ(system.diagonal, (std::vector<int>{0, 4, 5}));
+    EXPECT_EQ(system.rhs, (Vector{1.0, -1.0, 1.5}));
+    EXPECT_EQ(system.solutionExponent, 0);
+}
+
+TEST(CsrSystem, ScalesByPowersOfTwo) {
+    Problem p;
+    p.AddRow(12.0, {});
+    p.rhs = {3.0};
+
+    const CsrSystem system = Read(p);
+
+    EXPECT_EQ(system.value, (Vector{1.5}));
+    EXPECT_EQ(system.rhs, (Vector{1.5}));
+    EXPECT_EQ(system.solutionExponent, 1 - 3);  // x = 1 here, 0.25 for the caller
+}
+
+TEST(CsrSystem, ResidualOfAValueThatIsNotFiniteIsInfinite) {
+    const CsrSystem system = Read(Diffusion(2, 1.0, 1.0, 1.0));
+    Vector x(8, 0.0), r(8);
+    x[4] = std::nan("");
+
+    EXPECT_EQ(kvx3d_solver::Residual(system, x, r), HUGE_VAL);
+}
+
+TEST(DenseLu, ExchangesRowsForTheLargerPivot) {
+    Problem p;
+    p.AddRow(0.0, {{2, 1.0}});
+    p.AddRow(1.0, {{1, 1.0}});
+    p.rhs = {1.0, 1.5};
+    const CsrSystem system = Read(p);
+    Vector x(2);
+
+    const kvx3d_solver::DenseLu lu(system, 0.0);
+    lu.Solve(system.rhs, x);
+
+    EXPECT_EQ(lu.ZeroPivots(), 0);
+    EXPECT_EQ(x, (Vector{0.5, 1.0}));
+}
+
+TEST(DenseLu, CountsZeroPivotsAndGivesTheirUnknownsZero) {
+    Problem p;
+    p.AddRow(1.0, {{2, 1.0}});
+    p.AddRow(1.0, {{1, 1.0}});
+    p.rhs = {1.0, 1.0};
+    const CsrSystem system = Read(p);
+    Vector x(2);
+
+    const kvx3d_solver::DenseLu lu(system, 0.0);
+    lu.Solve(system.rhs, x);
+
+    EXPECT_EQ(lu.ZeroPivots(), 1);
+    EXPECT_EQ(x, (Vector{1.0, 0.0}));
+}
+
+class DenseLuPanels : public testing::TestWithParam<int> {};
+
+TEST_P(DenseLuPanels, MeetAcrossTheirBorders) {
+    const Problem p = Dense(GetParam(), 0.01, /*seed=*/31);
+    const CsrSystem system = Read(p);
+    const Vector exact = Scaled(p, system);
+    Vector x(exact.size());
+
+    kvx3d_solver::DenseLu(system, 0.0).Solve(system.rhs, x);
+
+    for (int i = 0; i < p.n; ++i) {
+        ASSERT_NEAR(x[i], exact[i], 1e-9 * std::fabs(exact[0]) + 1e-9) << i;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, DenseLuPanels, testing::Values(1, 31, 32, 33, 64, 97, 150));
+
+TEST(Ilu0, IsExactOnATridiagonalMatrix) {
+    Problem p;
+    for (int i = 1; i <= 20; ++i) {
+        std::vector<Problem::Neighbour> neighbours;
+        if (i > 1) {
+            neighbours.push_back({i - 1, -0.5});
+        }
+        if (i < 20) {
+            neighbours.push_back({i + 1, -0.75});
+        }
+        p.AddRow(1.5, neighbours);
+    }
+    p.ChooseSolution(/*seed=*/32);
+    const CsrSystem system = Read(p);
+    const Vector exact = Scaled(p, system);
+    Vector x(exact.size());
+
+    kvx3d_solver::Ilu0(system).Apply(system.rhs, x);
+
+    for (int i = 0; i < p.n; ++i) {
+        EXPECT_NEAR(x[i], exact[i], 1e-13) << i;
+    }
+}
+
+TEST(Ilu0, SurvivesAPivotThatVanishes) {
+    Problem p;
+    p.AddRow(1.0, {{2, 1.0}});
+    p.AddRow(1.0, {{1, 1.0}});
+    p.rhs = {1.0, 1.0};
+    const CsrSystem system = Read(p);
+    Vector z(2);
+
+    kvx3d_solver::Ilu0(system).Apply(system.rhs, z);
+
+    EXPECT_TRUE(std::isfinite(z[0]) && std::isfinite(z[1]));
+}
+
+/// M = 1, which makes the steps those of the textbook.
+struct Identity : kvx3d_solver::Preconditioner {
+    void Apply(const Vector& r, Vector& z) override { z = r; }
+};
+
+TEST(Krylov, BothMethodsEndTwoUnknownsInTwoSteps) {
+    Problem p;
+    p.AddRow(1.5, {{2, 0.5}});
+    p.AddRow(1.25, {{1, -0.5}});
+    p.rhs = {1.0, 1.0};
+    const CsrSystem system = Read(p);
+    Identity M;
+    for (const auto method : {kvx3d_solver::BiCgStab, kvx3d_solver::Gmres}) {
+        Vector x(2, 0.0), r(2);
+
+        const int steps = method(system, M, {1e-13, 10}, x);
+
+        EXPECT_EQ(steps, 2);
+        EXPECT_LE(kvx3d_solver::Residual(system, x, r), 1e-13);
+    }
+}
+
+TEST(Krylov, StepsAreBounded) {
+    const CsrSystem system = Read(Diffusion(8, 1.0, 1.0, 1.0));
+    Identity M;
+    for (const auto method : {kvx3d_solver::BiCgStab, kvx3d_solver::Gmres}) {
+        Vector x(512, 0.0), r(512);
+
+        EXPECT_EQ(method(system, M, {0.0, 5}, x), 5);
+        EXPECT_LT(kvx3d_solver::Residual(system, x, r), system.rhsNorm);
+    }
+}
+
+TEST(Krylov, GmresGoesOnAcrossRestarts) {
+    const CsrSystem system = Read(Diffusion(20, 1.0, 1.0, 50.0));
+    Identity M;
+    Vector x(8000, 0.0), r(8000);
+    const double target = 1e-9 * system.rhsNorm;
+
+    const int steps = kvx3d_solver::Gmres(system, M, {target, 500}, x);
+
+    EXPECT_GT(steps, 40);  // one cycle does not do, or the test says nothing
+    EXPECT_LE(kvx3d_solver::Residual(system, x, r), target * 1.0001);
+}
+
+TEST(Krylov, BiCgStabGivesUpATrialThatIsSlow) {
+    const CsrSystem system = Read(Diffusion(12, 1.0, 1.0, 1.0));
+    Identity M;
+    Vector x(1728, 0.0);
+
+    EXPECT_EQ(kvx3d_solver::BiCgStab(system, M, {1e-9, 100, 4, 1e-6}, x), 4);
+}
+
+TEST(Krylov, ABreakdownLeavesTheStart) {
+    // The shadow residual is orthogonal to A r at once.
+    Problem p;
+    p.AddRow(0.0, {{2, 1.0}});
+    p.AddRow(0.0, {{1, -1.0}});
+    p.rhs = {1.0, 0.0};
+    const CsrSystem system = Read(p);
+    Identity M;
+    Vector x(2, 0.0);
+
+    const int steps = kvx3d_solver::BiCgStab(system, M, {1e-9, 100}, x);
+
+    EXPECT_EQ(steps, 1);
+    EXPECT_EQ(x, (Vector{0.0, 0.0}));
+}
+
+TEST(LuWork, CountsALineAsAChainOfSingleRows) {
+    Problem p;
+    for (int i = 1; i <= 10; ++i) {
+        std::vector<Problem::Neighbour> neighbours;
+        if (i > 1) {
+            neighbours.push_back({i - 1, -1.0});
+        }
+        if (i < 10) {
+            neighbours.push_back({i + 1, -1.0});
+        }
+        p.AddRow(2.0, neighbours);
+    }
+    p.ChooseSolution(/*seed=*/33);
+
+    EXPECT_EQ(kvx3d_solver::EstimateLuWork(Read(p)), 9 * 2.0 * 4.0 + 2.0);
+}
+
+TEST(LuWork, TellsARandomGraphFromAMesh) {
+    const double mesh = kvx3d_solver::EstimateLuWork(Read(Diffusion(12, 1.0, 1.0, 1.0)));
+    const double random = kvx3d_solver::EstimateLuWork(Read(RandomSparse(1728, 6, /*seed=*/34)));
+
+    EXPECT_GT(random, 10.0 * mesh);
+}
+
+TEST(SparseLu, SaysSingularAndLeavesX) {
+    if (!kvx3d_solver::HasSparseLu()) {
+        GTEST_SKIP() << "this build has no sparse LU";
+    }
+    Problem p;
+    p.AddRow(1.0, {{2, 1.0}});
+    p.AddRow(1.0, {{1, 1.0}});
+    p.rhs = {1.0, 1.5};
+    Vector x{7.5, 7.5};
+
+    const auto result = kvx3d_solver::SolveBySparseLu(Read(p), x);
+
+    EXPECT_EQ(result, kvx3d_solver::SparseLuResult::Singular);
+    EXPECT_EQ(x, (Vector{7.5, 7.5}));
+}
+
+/// Largest |x - 1|.
+double DistanceFromOne(const Vector& x) {
+    double largest = 0.0;
+    for (const double v : x) {
+        largest = std::max(largest, std::fabs(v - 1.0));
+    }
+    return largest;
+}
+
+TEST(Multigrid, OneCycleReachesTheSmoothPartThatIlu0DoesNot) {
+    if (!kvx3d_solver::HasMultigrid()) {
+        GTEST_SKIP() << "this build has no multigrid";
+    }
+    CsrSystem system = Read(Diffusion(24, 1.0, 1.0, 1.0));
+    const Vector one(system.rhs.size(), 1.0);
+    kvx3d_solver::Multiply(system, one, system.rhs);
+    Vector byMultigrid(one), byIlu(one);
+    const auto multigrid = kvx3d_solver::MakeMultigrid(system);
+    ASSERT_TRUE(multigrid);
+
+    multigrid->Apply(system.rhs, byMultigrid);
+    kvx3d_solver::Ilu0(system).Apply(system.rhs, byIlu);
+
+    EXPECT_LT(DistanceFromOne(byMultigrid), 0.7);
+    EXPECT_GT(DistanceFromOne(byIlu), 0.95);
+}
+
+TEST(Multigrid, DeclinesADiagonalMatrix) {
+    Problem p;
+    for (int i = 0; i < 2000; ++i) {
+        p.AddRow(2.0, {});
+    }
+    p.ChooseSolution(/*seed=*/35);
+
+    EXPECT_FALSE(kvx3d_solver::MakeMultigrid(Read(p)));
+}
+
+}  // namespace
