@@ -26,6 +26,17 @@ BoundaryConditions HeatConditions(const Mesh& mesh, const OversetLink& link) {
             }};
 }
 
+/// Extent in z.
+double DepthOf(const Mesh& mesh) {
+    double low = mesh.nodes[1][2];
+    double high = low;
+    for (int node = 2; node <= mesh.NodeCount(); ++node) {
+        low = std::min(low, mesh.nodes[node][2]);
+        high = std::max(high, mesh.nodes[node][2]);
+    }
+    return high - low;
+}
+
 void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile) {
     for (int face = 1; face <= mesh.FaceCount(Boundary::Wall); ++face) {
         if (IsBody(mesh, link, Boundary::Wall, face)) {
@@ -42,15 +53,16 @@ std::string StatusLine(double time, const SolveReport& solve, const HeatBalance&
                        time, balance.body, solve.finalResidual, solve.iterations);
 }
 
-void PrintBalance(const HeatBalance& balance) {
+void PrintBalance(const HeatBalance& balance, bool perDepth) {
     std::cout << fmt::format(
-        "Heat balance of the steady state (per unit time, conductivity 1):\n"
+        "Heat balance of the steady state ({}):\n"
         "  in  through the body    {:12.6f}\n"
         "  out through the inlet   {:12.6f}\n"
         "  out through the walls   {:12.6f}\n"
         "  out through the outlet  {:12.6f}\n"
         "  in - out, relative      {:12.2e}\n",
-        balance.body, balance.inlet, balance.walls, balance.outlet, balance.Defect());
+        perDepth ? "per unit time and depth" : "per unit time", balance.body, balance.inlet,
+        balance.walls, balance.outlet, balance.Defect());
 }
 
 /// Time steps, then the steady state; every one of them is published.
@@ -124,7 +136,12 @@ HeatBalance HeatProblem::Balance() const {
             balance.walls += conductedOut(Boundary::Wall, face);
         }
     }
-    return balance;  // nothing through the outlet: its coefficient is zero in the matrix too
+    // Nothing through the outlet: its coefficient is zero in the matrix too.
+    const double depth = mesh.IsQuasi2d() ? DepthOf(mesh) : 1.0;
+    for (double* part : {&balance.body, &balance.inlet, &balance.walls}) {
+        *part /= depth;
+    }
+    return balance;
 }
 
 int RunHeat(const HeatCase& run) {
@@ -136,8 +153,9 @@ int RunHeat(const HeatCase& run) {
     HeatProblem heat(mesh, objects, link);
     ResultSeries results(mesh, objects, link, run.outputDir, "Temperature", "HeatFlux");
     const SolveReport steady = March(run, heat, results);
-    PrintBalance(heat.Balance());
-    std::cout << "Results: " << results.Finish()
+    PrintBalance(heat.Balance(), mesh.IsQuasi2d());
+    const std::string series = results.Finish();  // the toolbox prints what it merges
+    std::cout << "Results: " << series
               << (link.IsOverset() ? " (Pressure is the temperature, Velocity the heat flux)\n"
                                    : "\n");
     if (!steady.Converged()) {

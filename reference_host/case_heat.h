@@ -16,6 +16,11 @@ namespace host {
 /// the other walls at 0, the outlet lets no heat through. Conductivity and heat capacity are 1, so
 /// time is in body diameters squared over the diffusivity. From a cold start the field is followed
 /// with implicit Euler steps that grow by half, then the steady state is solved directly.
+///
+///     reference_host heat --mesh channel_cylinder_overset.geo --set n=10 --output heat_results
+///
+/// Expected there: the cylinder gives off 4.03 per unit time and depth, as a line source between
+/// cold walls and before a cold inlet does.
 struct HeatCase {
     std::string meshFile;
     MeshParameters parameters;  ///< numbers for a .geo
@@ -24,7 +29,8 @@ struct HeatCase {
     double firstStep = 0.01;  ///< size of the first, in diameters^2 / diffusivity
 };
 
-/// Heat conducted out of the domain per unit time through each kind of face.
+/// Heat conducted out of the domain per unit time through each kind of face; on a one-cell-thick
+/// mesh also per unit depth.
 struct HeatBalance {
     double body = 0.0;  ///< into the domain from the body: the one that counts positive inwards
     double inlet = 0.0;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <filesystem>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 
 #include "reference_host/progress.h"
@@ -16,101 +17,136 @@ namespace {
 
 const Vec3 carrier(1.0, 0.6, 0.0);
 
-double MuOf(const MmsCase& run, Scheme scheme) {
-    return run.mu.value_or(Convects(scheme) ? 0.01 : 1.0);
+std::string KindText(std::optional<int> kind) {
+    return kind ? std::to_string(*kind) : "-";
 }
 
-std::string RunName(Scheme scheme, std::optional<int> kind, int size) {
-    return fmt::format("{}{}_n{}", Name(scheme), kind ? fmt::format("_kind{}", *kind) : "", size);
+/// Name of cavity `grid` + 1, as the mesh files have it.
+const char* GridName(std::size_t grid) {
+    static const char* const names[] = {"background", "component1", "component2"};
+    return names[grid];
 }
 
-/// Solution as the scalar, error as the first component of the vector.
-void WriteResult(const Mesh& mesh, HostObjects& objects, OversetLink& link,
-                 const ManufacturedRun& result, const AnalyticField& exact) {
-    ResultSeries series(mesh, objects, link, objects.gv.rootDir, "Solution", "Error");
-    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
-        objects.pressure[cell] = result.phi[cell];
-        objects.u[cell] = result.phi[cell] - exact.value(mesh.cellCentre[cell]);
-    }
-    series.Write(0.0, 0);
-    series.Finish();
-}
-
-MmsLevel RunLevel(const MmsCase& run, Scheme scheme, std::optional<int> kind, int size) {
-    const std::string directory =
-        run.outputDir.empty()
-            ? std::string()
-            : (std::filesystem::path(run.outputDir) / RunName(scheme, kind, size)).string();
-    if (!directory.empty()) {
-        PrepareOutputDirectory(directory);
-    }
+MeshParameters ParametersOf(const MmsCase& run, std::optional<int> kind, int size) {
     MeshParameters parameters = run.parameters;
     parameters["n"] = size;
     if (kind) {
         parameters["kind"] = *kind;
     }
-    const Mesh mesh = ReadMesh(run.meshFile, parameters);
-    HostObjects objects(mesh, directory);
-    OversetLink link(mesh, objects);
-    const AnalyticField exact = WaveFor(mesh);
-    const ManufacturedRun result =
-        SolveManufactured(mesh, objects, link, scheme, exact, MuOf(run, scheme), carrier);
-    if (!result.solve.Converged()) {
-        throw std::runtime_error(
-            fmt::format("{}, {}: residual {:.1e} after {} solver calls, wanted {:.1e}",
-                        run.meshFile, RunName(scheme, kind, size), result.solve.finalResidual,
-                        result.solve.calls, result.solve.target));
-    }
-    if (!directory.empty()) {
-        WriteResult(mesh, objects, link, result, exact);
-    }
-    MmsLevel level;
-    level.size = size;
-    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
-        level.activeCells += link.IsActive(cell) ? 1 : 0;
-    }
-    level.all = Errors(mesh, link, result.phi, exact);
-    for (int cavity = 1; link.IsOverset() && cavity <= mesh.GridCount(); ++cavity) {
-        level.byGrid.push_back(Errors(mesh, link, result.phi, exact, cavity));
-    }
-    level.solve = result.solve;
-    return level;
+    return parameters;
 }
 
-std::string OrderText(double coarse, double fine, const MmsLevel& from, const MmsLevel& to) {
-    return fmt::format("{:6.2f}", Order(coarse, fine, from.size, to.size));
+/// Directory of the results of one mesh, made; empty if none are wanted.
+std::string PrepareResults(const MmsCase& run, std::optional<int> kind, int size) {
+    if (run.outputDir.empty()) {
+        return {};
+    }
+    const std::string name = fmt::format("{}n{}", kind ? fmt::format("kind{}_", *kind) : "", size);
+    const std::string directory = (std::filesystem::path(run.outputDir) / name).string();
+    PrepareOutputDirectory(directory);
+    return directory;
 }
 
-/// One row: errors of a grid on a level, and their orders against the level before.
-void PrintRow(Scheme scheme, std::optional<int> kind, const char* grid, const MmsLevel& level,
-              const ErrorNorms& norms, const MmsLevel* before, const ErrorNorms* normsBefore) {
-    std::cout << fmt::format(
-        "{:<12} {:>4} {:>4} {:>7}  {:<10} {:9.3e} {:>6}  {:9.3e} {:>6} {:>6}\n", Name(scheme),
-        kind ? std::to_string(*kind) : "-", level.size, level.activeCells, grid, norms.l2,
-        before ? OrderText(normsBefore->l2, norms.l2, *before, level) : "", norms.max,
-        before ? OrderText(normsBefore->max, norms.max, *before, level) : "",
-        level.solve.iterations);
-}
+/// One mesh of the study, read and cut once for all schemes.
+class MmsMesh {
+public:
+    MmsMesh(const MmsCase& run_, std::optional<int> kind, int size_)
+        : run(run_),
+          size(size_),
+          directory(PrepareResults(run_, kind, size_)),
+          mesh(ReadMesh(run_.meshFile, ParametersOf(run_, kind, size_))),
+          objects(mesh, directory),
+          link(mesh, objects),
+          exact(WaveFor(mesh)) {
+        if (!directory.empty()) {
+            series =
+                std::make_unique<ResultSeries>(mesh, objects, link, directory, "Solution", "Error");
+        }
+    }
 
-/// One scheme on one kind of mesh.
-struct Study {
-    Scheme scheme;
-    std::optional<int> kind;
-    std::vector<MmsLevel> levels;
+    MmsLevel Solve(Scheme scheme) {
+        const double mu = run.mu.value_or(Convects(scheme) ? 0.01 : 1.0);
+        const ManufacturedRun result =
+            SolveManufactured(mesh, objects, link, scheme, exact, mu, carrier);
+        if (!result.solve.Converged()) {
+            throw std::runtime_error(
+                fmt::format("{}, n = {}, {}: residual {:.1e} after {} solver calls, wanted {:.1e}",
+                            run.meshFile, size, Name(scheme), result.solve.finalResidual,
+                            result.solve.calls, result.solve.target));
+        }
+        if (series) {
+            Publish(result.phi);
+        }
+        return Measure(result);
+    }
+
+    /// Closes the result series, if there is one.
+    void Finish() {
+        if (series) {
+            series->Finish();
+        }
+    }
+
+private:
+    /// The next step of the series: the solution, and its error as the vector's x component.
+    void Publish(const std::vector<double>& phi) {
+        for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+            objects.pressure[cell] = phi[cell];
+            objects.u[cell] = phi[cell] - exact.value(mesh.cellCentre[cell]);
+        }
+        ++stepCount;
+        series->Write(stepCount, stepCount);
+    }
+
+    MmsLevel Measure(const ManufacturedRun& result) const {
+        MmsLevel level;
+        level.size = size;
+        for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+            level.activeCells += link.IsActive(cell) ? 1 : 0;
+        }
+        level.all = Errors(mesh, link, result.phi, exact);
+        for (int cavity = 1; link.IsOverset() && cavity <= mesh.GridCount(); ++cavity) {
+            level.byGrid.push_back(Errors(mesh, link, result.phi, exact, cavity));
+        }
+        level.solve = result.solve;
+        return level;
+    }
+
+    const MmsCase& run;
+    const int size;
+    const std::string directory;
+    const Mesh mesh;
+    HostObjects objects;
+    OversetLink link;
+    const AnalyticField exact;
+    std::unique_ptr<ResultSeries> series;  // null if no results are wanted
+    int stepCount = 0;
 };
 
-void PrintTable(const std::vector<Study>& studies) {
-    static const char* const gridNames[] = {"background", "component1", "component2"};
+/// One row: errors of a grid on a level, and their orders against the level before.
+void PrintRow(const MmsStudy& study, const char* grid, const MmsLevel& level,
+              const ErrorNorms& norms, const MmsLevel* before, const ErrorNorms* normsBefore) {
+    const auto order = [&](double ErrorNorms::*norm) {
+        return before ? fmt::format("{:6.2f}", Order(normsBefore->*norm, norms.*norm, before->size,
+                                                     level.size))
+                      : std::string();
+    };
+    std::cout << fmt::format(
+        "{:<12} {:>4} {:>4} {:>7}  {:<10} {:9.3e} {:>6}  {:9.3e} {:>6} {:>6}\n", Name(study.scheme),
+        KindText(study.kind), level.size, level.activeCells, grid, norms.l2, order(&ErrorNorms::l2),
+        norms.max, order(&ErrorNorms::max), level.solve.iterations);
+}
+
+void PrintTable(const std::vector<MmsStudy>& studies) {
     std::cout << fmt::format("{:<12} {:>4} {:>4} {:>7}  {:<10} {:>9} {:>6}  {:>9} {:>6} {:>6}\n",
                              "scheme", "kind", "n", "cells", "grid", "L2 error", "order",
                              "max error", "order", "solver");
-    for (const auto& [scheme, kind, levels] : studies) {
+    for (const MmsStudy& study : studies) {
         const MmsLevel* before = nullptr;
-        for (const MmsLevel& level : levels) {
-            PrintRow(scheme, kind, "all", level, level.all, before,
-                     before ? &before->all : nullptr);
+        for (const MmsLevel& level : study.levels) {
+            PrintRow(study, "all", level, level.all, before, before ? &before->all : nullptr);
             for (std::size_t g = 0; g < level.byGrid.size(); ++g) {
-                PrintRow(scheme, kind, gridNames[g], level, level.byGrid[g], before,
+                PrintRow(study, GridName(g), level, level.byGrid[g], before,
                          before ? &before->byGrid[g] : nullptr);
             }
             before = &level;
@@ -118,25 +154,7 @@ void PrintTable(const std::vector<Study>& studies) {
     }
 }
 
-/// Runs every scheme on every kind, with a line of progress each.
-std::vector<Study> RunStudies(const MmsCase& run) {
-    std::vector<std::optional<int>> kinds(run.kinds.begin(), run.kinds.end());
-    if (kinds.empty()) {
-        kinds.push_back(std::nullopt);
-    }
-    std::vector<Study> studies;
-    Progress progress("mms", static_cast<int>(kinds.size() * run.schemes.size()), std::cout,
-                      StandardOutputIsTerminal());
-    for (const std::optional<int>& kind : kinds) {
-        for (const Scheme scheme : run.schemes) {
-            studies.push_back({scheme, kind, RunLevels(run, scheme, kind)});
-            progress.StepDone(RunName(scheme, kind, run.sizes.back()));
-        }
-    }
-    return studies;
-}
-
-/// L2 errors of kind 1 (single box) and kind 0 (overset pair) at n = 20, as this discretisation
+/// L2 errors at n = 20 on kind 1 (single box) and kind 0 (overset pair), as this discretisation
 /// gave them when it was designed.
 struct Reference {
     double single, overset;
@@ -161,17 +179,40 @@ Reference ReferenceAt20(Scheme scheme) {
     }
 }
 
-void CheckOrder(std::vector<std::string>& misses, const std::string& what, double order,
-                double limit) {
-    if (!(order >= limit)) {
-        misses.push_back(
-            fmt::format("{}: order {:.2f}, at least {:.2f} wanted", what, order, limit));
+/// Both orders of one grid between two levels.
+void CheckOrders(const std::string& grid, const ErrorNorms& coarse, const ErrorNorms& fine,
+                 int coarseSize, int fineSize, const MmsLimits& limits,
+                 std::vector<std::string>& misses) {
+    const auto check = [&](const char* norm, double coarseError, double fineError, double limit) {
+        const double order = Order(coarseError, fineError, coarseSize, fineSize);
+        if (!(order >= limit)) {  // true for not-a-number as well
+            misses.push_back(fmt::format("{} {}: order {:.2f}, at least {:.2f} wanted", grid, norm,
+                                         order, limit));
+        }
+    };
+    check("L2", coarse.l2, fine.l2, limits.orderL2);
+    check("max", coarse.max, fine.max, limits.orderMax);
+}
+
+std::vector<MmsStudy> RunStudies(const MmsCase& run) {
+    std::vector<std::optional<int>> kinds(run.kinds.begin(), run.kinds.end());
+    if (kinds.empty()) {
+        kinds.push_back(std::nullopt);
     }
+    std::vector<MmsStudy> studies;
+    Progress progress("mms", static_cast<int>(kinds.size()), std::cout, StandardOutputIsTerminal());
+    for (const std::optional<int>& kind : kinds) {
+        for (MmsStudy& study : RunKind(run, kind)) {
+            studies.push_back(std::move(study));
+        }
+        progress.StepDone("kind " + KindText(kind));
+    }
+    return studies;
 }
 
 }  // namespace
 
-MmsLimits LimitsOf(Scheme scheme, int kind, int size) {
+MmsLimits LimitsOf(Scheme scheme, std::optional<int> kind, int size) {
     MmsLimits limits{1.75, 1.5, std::nullopt};
     if (scheme == Scheme::Quick) {
         limits.orderL2 = 1.5;
@@ -191,58 +232,59 @@ double Order(double coarseError, double fineError, int coarseSize, int fineSize)
     return std::log(coarseError / fineError) / std::log(static_cast<double>(fineSize) / coarseSize);
 }
 
-std::vector<std::string> Misses(Scheme scheme, int kind, const std::vector<MmsLevel>& levels) {
+std::vector<std::string> Misses(const MmsStudy& study) {
     std::vector<std::string> misses;
-    for (const MmsLevel& level : levels) {
-        const MmsLimits limits = LimitsOf(scheme, kind, level.size);
+    const std::string name = fmt::format("{} kind {}", Name(study.scheme), KindText(study.kind));
+    for (const MmsLevel& level : study.levels) {
+        const MmsLimits limits = LimitsOf(study.scheme, study.kind, level.size);
         if (limits.l2 && !(level.all.l2 <= *limits.l2)) {
-            misses.push_back(
-                fmt::format("{} kind {} n = {}: L2 error {:.3e}, at most {:.3e} wanted",
-                            Name(scheme), kind, level.size, level.all.l2, *limits.l2));
+            misses.push_back(fmt::format("{} n = {}: L2 error {:.3e}, at most {:.3e} wanted", name,
+                                         level.size, level.all.l2, *limits.l2));
         }
     }
-    if (levels.size() < 2) {
+    if (study.levels.size() < 2) {
         return misses;
     }
-    const MmsLevel& coarse = levels[levels.size() - 2];
-    const MmsLevel& fine = levels.back();
-    const MmsLimits limits = LimitsOf(scheme, kind, fine.size);
-    const auto check = [&](const char* grid, const ErrorNorms& from, const ErrorNorms& to) {
-        const std::string what = fmt::format("{} kind {} {}", Name(scheme), kind, grid);
-        CheckOrder(misses, what + " L2", Order(from.l2, to.l2, coarse.size, fine.size),
-                   limits.orderL2);
-        CheckOrder(misses, what + " max", Order(from.max, to.max, coarse.size, fine.size),
-                   limits.orderMax);
-    };
-    check("all", coarse.all, fine.all);
+    const MmsLevel& coarse = study.levels[study.levels.size() - 2];
+    const MmsLevel& fine = study.levels.back();
+    const MmsLimits limits = LimitsOf(study.scheme, study.kind, fine.size);
+    CheckOrders(name + " all", coarse.all, fine.all, coarse.size, fine.size, limits, misses);
     for (std::size_t g = 0; g < fine.byGrid.size(); ++g) {
-        check(g == 0 ? "background" : "component", coarse.byGrid[g], fine.byGrid[g]);
+        CheckOrders(name + " " + GridName(g), coarse.byGrid[g], fine.byGrid[g], coarse.size,
+                    fine.size, limits, misses);
     }
     return misses;
 }
 
-std::vector<MmsLevel> RunLevels(const MmsCase& run, Scheme scheme, std::optional<int> kind) {
-    std::vector<MmsLevel> levels;
-    for (const int size : run.sizes) {
-        levels.push_back(RunLevel(run, scheme, kind, size));
+std::vector<MmsStudy> RunKind(const MmsCase& run, std::optional<int> kind) {
+    std::vector<MmsStudy> studies;
+    for (const Scheme scheme : run.schemes) {
+        studies.push_back({scheme, kind, {}});
     }
-    return levels;
+    for (const int size : run.sizes) {
+        MmsMesh mesh(run, kind, size);
+        for (MmsStudy& study : studies) {
+            study.levels.push_back(mesh.Solve(study.scheme));
+        }
+        mesh.Finish();
+    }
+    return studies;
 }
 
 int RunMms(const MmsCase& run) {
-    const std::vector<Study> studies = RunStudies(run);
+    const std::vector<MmsStudy> studies = RunStudies(run);
     PrintTable(studies);
     if (!run.outputDir.empty()) {
         std::cout << "Results: " << run.outputDir
-                  << " (scalar: the solution; x component of the vector: its error)\n";
+                  << ", a series per mesh, one step a scheme (scalar: the solution; x component "
+                     "of the vector: its error)\n";
     }
     if (!run.check) {
         return 0;
     }
     int missCount = 0;
-    for (const Study& study : studies) {
-        for (const std::string& miss :
-             Misses(study.scheme, study.kind.value_or(-1), study.levels)) {
+    for (const MmsStudy& study : studies) {
+        for (const std::string& miss : Misses(study)) {
             std::cerr << "reference_host: " << miss << '\n';
             ++missCount;
         }

@@ -27,7 +27,7 @@ struct MmsCase {
     std::vector<Scheme> schemes = {Scheme::Diffusion};
     std::optional<double> mu;  ///< default 1 for pure diffusion, else 0.01
     bool check = false;        ///< compare with the limits
-    std::string outputDir;     ///< solution and error as result files of each run; empty: none
+    std::string outputDir;     ///< a result series per mesh, one step a scheme; empty: none
 };
 
 /// Errors of one run, over all active cells and over each grid.
@@ -48,17 +48,24 @@ struct MmsLimits {
 
 /// Limits for the plane wave on box_annulus_overset.geo: orders between the two finest levels, and
 /// 1.25 times the L2 error that this discretisation was measured with at n = 20 on kinds 0 and 1.
-MmsLimits LimitsOf(Scheme scheme, int kind, int size);
+MmsLimits LimitsOf(Scheme scheme, std::optional<int> kind, int size);
 
 /// Order of an error between a coarse and a fine level.
 double Order(double coarseError, double fineError, int coarseSize, int fineSize);
 
-/// What misses the limits on the two finest levels, one sentence each; empty: all reached.
-std::vector<std::string> Misses(Scheme scheme, int kind, const std::vector<MmsLevel>& levels);
+/// One scheme on one kind of mesh, coarse to fine.
+struct MmsStudy {
+    Scheme scheme;
+    std::optional<int> kind;
+    std::vector<MmsLevel> levels;
+};
 
-/// Runs one scheme on one kind of mesh at all sizes, coarse to fine.
+/// What misses the limits, one sentence each: orders between the two finest levels, errors on all.
+std::vector<std::string> Misses(const MmsStudy& study);
+
+/// Runs all schemes on one kind of mesh at all sizes; each mesh is made and cut once.
 /// @param kind  value of the .geo's `kind`; none: the file has no such number
-std::vector<MmsLevel> RunLevels(const MmsCase& run, Scheme scheme, std::optional<int> kind);
+std::vector<MmsStudy> RunKind(const MmsCase& run, std::optional<int> kind);
 
 /// Runs the study and prints its table.
 /// @return 0; 1 if a checked limit is missed

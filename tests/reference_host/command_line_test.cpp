@@ -1,0 +1,113 @@
+#include "reference_host/command_line.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+using host::Command;
+using host::Scheme;
+using host::Task;
+
+Command Read(std::vector<const char*> words) {
+    words.insert(words.begin(), "reference_host");
+    return host::ReadCommand(static_cast<int>(words.size()), words.data());
+}
+
+std::string MessageOf(const std::vector<const char*>& words) {
+    try {
+        Read(words);
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+
+TEST(CommandLine, HeatTakesMeshNumbersAndOutput) {
+    const Command command =
+        Read({"heat", "--mesh", "a.geo", "--set", "n=10", "--set", "ro=1.5", "--output", "out"});
+
+    EXPECT_EQ(command.task, Task::Heat);
+    EXPECT_EQ(command.heat.meshFile, "a.geo");
+    EXPECT_EQ(command.heat.parameters, (host::MeshParameters{{"n", 10}, {"ro", 1.5}}));
+    EXPECT_EQ(command.heat.outputDir, "out");
+}
+
+TEST(CommandLine, MmsTakesListsSortedBySize) {
+    const Command command =
+        Read({"mms", "--kind", "0", "--n", "20,10", "--scheme", "lud,quick", "--check"});
+
+    EXPECT_EQ(command.task, Task::Mms);
+    EXPECT_EQ(command.mms.kinds, std::vector<int>{0});
+    EXPECT_EQ(command.mms.sizes, (std::vector<int>{10, 20}));
+    EXPECT_EQ(command.mms.schemes, (std::vector<Scheme>{Scheme::LinearUpwind, Scheme::Quick}));
+    EXPECT_TRUE(command.mms.check);
+    EXPECT_FALSE(command.mms.mu.has_value());
+}
+
+TEST(CommandLine, MmsDefaultsToDiffusionOnTheSingleBoxAndTheOversetPair) {
+    const Command command = Read({"mms"});
+
+    EXPECT_EQ(command.mms.kinds, (std::vector<int>{1, 0}));
+    EXPECT_EQ(command.mms.sizes, (std::vector<int>{10, 20}));
+    EXPECT_EQ(command.mms.schemes, std::vector<Scheme>{Scheme::Diffusion});
+    EXPECT_NE(command.mms.meshFile.find("box_annulus_overset.geo"), std::string::npos);
+}
+
+TEST(CommandLine, AllSchemesAreEight) {
+    EXPECT_EQ(Read({"mms", "--scheme", "all"}).mms.schemes.size(), 8u);
+}
+
+TEST(CommandLine, HelpIsNoError) {
+    const Command command = Read({"--help"});
+
+    EXPECT_EQ(command.task, Task::ShowHelp);
+    EXPECT_NE(command.help.find("heat"), std::string::npos);
+    EXPECT_NE(command.help.find("mms"), std::string::npos);
+}
+
+TEST(CommandLine, HelpOfACaseListsItsOptions) {
+    EXPECT_NE(Read({"heat", "--help"}).help.find("--first-step"), std::string::npos);
+}
+
+TEST(CommandLine, BadNumbersAreNamed) {
+    for (const char* bad : {"n", "n=", "=3", "n=ten", "n=10x", ""}) {
+        const std::string message = MessageOf({"heat", "--mesh", "a.geo", "--set", bad});
+        EXPECT_EQ(message,
+                  std::string("--set takes name=number, for example n=10, not \"") + bad + "\"");
+    }
+}
+
+TEST(CommandLine, UnknownSchemeListsTheKnownOnes) {
+    const std::string message = MessageOf({"mms", "--scheme", "weno"});
+
+    EXPECT_NE(message.find("upwind-cells"), std::string::npos) << message;
+    EXPECT_NE(message.find("\"weno\""), std::string::npos) << message;
+}
+
+TEST(CommandLine, EveryMistakeIsOneLine) {
+    const std::vector<std::vector<const char*>> mistakes = {
+        {},
+        {"fly"},
+        {"heat"},
+        {"heat", "--mesh"},
+        {"heat", "--mesh", "a.geo", "--steps", "-1"},
+        {"heat", "--mesh", "a.geo", "--steps", "many"},
+        {"heat", "--mesh", "a.geo", "--first-step", "0"},
+        {"heat", "--mesh", "a.geo", "--wings"},
+        {"mms", "--n", "0"},
+        {"mms", "--n", "10;20"},
+        {"mms", "--mu", "-1"},
+        {"mms", "stray"},
+    };
+    for (const auto& words : mistakes) {
+        const std::string message = MessageOf(words);
+        EXPECT_NE(message, "accepted") << (words.empty() ? "" : words.back());
+        EXPECT_EQ(message.find('\n'), std::string::npos) << message;
+        EXPECT_FALSE(message.empty());
+    }
+}
+
+}  // namespace

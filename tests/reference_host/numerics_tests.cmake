@@ -1,0 +1,52 @@
+# Numerics side of the reference host, and the program itself.
+kvx3d_add_host_test(reference_host_numerics_tests SOURCES
+  case_heat_test.cpp
+  case_mms_test.cpp
+  command_line_test.cpp
+  donor_interpolation_test.cpp
+  equation_test.cpp
+  gradient_test.cpp
+  progress_test.cpp
+  result_series_test.cpp
+  scalar_solver_test.cpp
+  stencil_builder_test.cpp
+  stencil_records_test.cpp
+  stencil_test.cpp)
+
+# What a user sees when something is wrong: one line on standard error and exit code 1.
+function(kvx3d_add_error_test name pattern)
+  add_test(NAME ReferenceHostErrors.${name}
+    COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/one_line_error.sh ${pattern}
+            $<TARGET_FILE:reference_host> ${ARGN})
+  set_tests_properties(ReferenceHostErrors.${name} PROPERTIES
+    TIMEOUT 120 ENVIRONMENT "${kvx3d_test_environment}")
+endfunction()
+
+set(meshes ${PROJECT_SOURCE_DIR}/reference_host/meshes)
+set(scratch ${CMAKE_CURRENT_BINARY_DIR}/error_tests)
+file(MAKE_DIRECTORY ${scratch})
+file(WRITE ${scratch}/plain_file "a file, no directory\n")
+file(WRITE ${scratch}/no_mesh.msh "this is no mesh\n")
+file(WRITE ${scratch}/no_groups.geo
+  "SetFactory(\"OpenCASCADE\");\nBox(1) = {0, 0, 0, 1, 1, 1};\n")
+
+kvx3d_add_error_test(NoCase "subcommand")
+kvx3d_add_error_test(UnknownOption "wings"
+  heat --mesh ${meshes}/channel_cylinder_overset.geo --wings)
+kvx3d_add_error_test(MissingMesh "missing.geo"
+  heat --mesh ${scratch}/missing.geo --output ${scratch}/out)
+kvx3d_add_error_test(BrokenMesh "no_mesh.msh"
+  heat --mesh ${scratch}/no_mesh.msh --output ${scratch}/out)
+kvx3d_add_error_test(MissingGroups "no_groups.geo"
+  heat --mesh ${scratch}/no_groups.geo --output ${scratch}/out)
+kvx3d_add_error_test(UnknownNumber "wings"
+  heat --mesh ${meshes}/channel_cylinder_overset.geo --set wings=2 --output ${scratch}/out)
+kvx3d_add_error_test(OutputUnderAFile "cannot be made"
+  heat --mesh ${meshes}/channel_cylinder_overset.geo --set n=5
+       --output ${scratch}/plain_file/results)
+kvx3d_add_error_test(OutputNotWritable "cannot be written"
+  heat --mesh ${meshes}/channel_cylinder_overset.geo --set n=5 --output /proc)
+kvx3d_add_error_test(MmsNeedsItsNumbers "kind"
+  mms --mesh ${meshes}/channel_cylinder_overset.geo --n 5)
+kvx3d_add_error_test(MissedLimit "L2 error"
+  mms --kind 1 --n 20 --scheme quick --mu 1 --check)
