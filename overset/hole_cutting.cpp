@@ -11,36 +11,11 @@ namespace {
 
 constexpr int nonActive = 1;  // cellState
 
-/// The cells of one grid in ascending order; the walk warns of cells without a grid on its way.
-class GridCells {
-public:
-    GridCells(const KVX_ART_OVERSET_GRID_DATA& data, int cells, int wantedGrid, const char* text)
-        : gridData(data), Nc(cells), wanted(wantedGrid), warning(text) {}
-
-    /// The next cell, or 0 behind the last.
-    int Next() {
-        while (++cell <= Nc) {
-            const int grid = gridData.cavityToGrid[gridData.cavityId[cell]];
-            if (grid == wanted) {
-                return cell;
-            }
-            if (grid < OversetGrid_Background || grid > OversetGrid_Component2) {
-                std::cout << warning << std::endl;
-            }
-        }
-        return 0;
-    }
-
-private:
-    const KVX_ART_OVERSET_GRID_DATA& gridData;
-    const int Nc;
-    const int wanted;
-    const char* const warning;
-    int cell = 0;
-};
-
 constexpr const char* noGridState = "Warning: Can not get the overset grid state.";
 constexpr const char* noGridType = "Warning: Can not get the overset grid type.";
+
+/// Which side of the shifted plane of its nearest face a cell must lie on to be cut.
+enum CutSide { Behind = -1, InFront = 1 };
 
 /// Edge length of a cell from its volume. Neighbouring cells of a mesh often have the same volume,
 /// and the power costs more than the rest of the test.
@@ -64,10 +39,106 @@ void Cut(KVX_ART_OVERSET_GRID_DATA& gridData, int cell) {
     gridData.cellState[cell] = nonActive;
 }
 
-void Load(double* v, double x, double y, double z) {
-    v[0] = x;
-    v[1] = y;
-    v[2] = z;
+/// One pass over the cells of one grid. Warns of cells without a grid, cuts or leaves those whose
+/// case is clear from afar, and stops at each of the others with its nearest face.
+class CuttingPass {
+public:
+    CuttingPass(KVX_ART_OVERSET_GRID_DATA& data, const CKVX_ACMT_GV& mesh, NearestFace& judges,
+                int layers)
+        : gridData(data), geometry(mesh), faces(judges), layer(layers) {}
+
+    /// Goes to the next cell that needs a test of its own; false behind the last.
+    bool Next(int wantedGrid, CutSide cutSide, const char* warning) {
+        while (++cell <= geometry.Nc) {
+            const int grid = gridData.cavityToGrid[gridData.cavityId[cell]];
+            if (grid < OversetGrid_Background || grid > OversetGrid_Component2) {
+                std::cout << warning << std::endl;
+            }
+            if (grid != wantedGrid) {
+                continue;
+            }
+            const double C[3] = {geometry.xc[cell], geometry.yc[cell], geometry.zc[cell]};
+            h = sizes.Of(geometry.volume[cell]);
+            const int side = faces.SideOf(C, layer * h);
+            if (side == cutSide) {
+                Cut(gridData, cell);
+            }
+            if (side == 0 && LoadNearest(C)) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    int cell = 0;
+    double h = 0.0;  ///< size of the cell
+    double CP[3];    ///< from the centre of its nearest face to its own
+    double S[3];     ///< area vector of that face
+
+private:
+    bool LoadNearest(const double* C) {
+        const int r = faces.Find(C);
+        if (r == 0) {
+            return false;
+        }
+        const double* P = faces.Centre(r);
+        for (int axis = 0; axis < 3; ++axis) {
+            CP[axis] = C[axis] - P[axis];
+            S[axis] = faces.AreaVector(r)[axis];
+        }
+        return true;
+    }
+
+    KVX_ART_OVERSET_GRID_DATA& gridData;
+    const CKVX_ACMT_GV& geometry;
+    NearestFace& faces;
+    const int layer;
+    CellSize sizes;
+};
+
+/// The background's physical walls, area vectors from `geometry`.
+void AddBackgroundWalls(NearestFace& walls, const KVX_ART_OVERSET_GRID_DATA& data,
+                        const CKVX_ACMT_GV& geometry) {
+    for (int i = 1; i <= data.NBackgroundWall; ++i) {
+        const int face = data.backgroundWall[i];
+        walls.Add({data.xBackgroundWall[i], data.yBackgroundWall[i], data.zBackgroundWall[i]},
+                  {geometry.nxWall[face], geometry.nyWall[face], geometry.nzWall[face]});
+    }
+}
+
+/// The outer faces of component grid 1; with a fixed vector in place of the area vectors if that
+/// is wanted: the centre of the last face.
+void AddOuterFaces(NearestFace& faces, const KVX_ART_OVERSET_GRID_DATA& data, bool fixedVector) {
+    // A mesh of one grid has no group to read and nothing that overlaps.
+    const int n = data.hasOversetGrids ? data.oversetBCFaceCount[1] : 0;
+    for (int i = 1; i <= n; ++i) {
+        const int face = data.oversetBCWallFace[1][i];
+        const int last = data.oversetBCWallFace[1][n];
+        const NearestFace::Vector P = {data.xWall[face], data.yWall[face], data.zWall[face]};
+        if (fixedVector) {
+            faces.Add(P, {data.xWall[last], data.yWall[last], data.zWall[last]});
+        } else {
+            faces.Add(P, {data.nxWall[face], data.nyWall[face], data.nzWall[face]});
+        }
+    }
+}
+
+/// The caller's overlap points. Before an outside cut each is a face of group 1; after it the
+/// first are what remains of the group, the others inner faces on the new boundary.
+void AddOverlapPoints(NearestFace& points, const KVX_ART_OVERSET_GRID_DATA& data,
+                      const CKVX_ACMT_GV& geometry, bool outsideCellsCut) {
+    for (int r = 1; r <= data.NOverlapPoint; ++r) {
+        const NearestFace::Vector P = {data.xOverlapPoint[r], data.yOverlapPoint[r],
+                                       data.zOverlapPoint[r]};
+        if (outsideCellsCut && r > data.NOverlapWallPoint) {
+            const int face = data.overlapInnerFace[r - data.NOverlapWallPoint];
+            points.Add(P, {geometry.nxe[face], geometry.nye[face], geometry.nze[face]});
+        } else {
+            const int i = outsideCellsCut ? data.overlapWallIndex[r] : r;
+            const int face = data.oversetBCWallFace[1][i];
+            points.Add(P, {geometry.nxWall[face], geometry.nyWall[face], geometry.nzWall[face]});
+        }
+    }
 }
 
 }  // namespace
@@ -107,134 +178,70 @@ double CKVX_ART_HoleCutting::Norm(double* const a) {
 }
 
 void CKVX_ART_HoleCutting::OutsideDomainCutting(int layer) {
-    KVX_ART_OVERSET_GRID_DATA& data = *gridData;
     NearestFace walls;
-    for (int r = 1; r <= data.NBackgroundWall; ++r) {
-        walls.Add(data.xBackgroundWall[r], data.yBackgroundWall[r], data.zBackgroundWall[r]);
-    }
-    CellSize h;
+    AddBackgroundWalls(walls, *gridData, *gridData);
+    CuttingPass pass(*gridData, *gridData, walls, layer);
     // Grid 3 is left alone: a second component may reach through the domain's walls.
-    GridCells cells(data, data.Nc, OversetGrid_Component1, noGridState);
-    while (const int c = cells.Next()) {
-        const double C[3] = {data.xc[c], data.yc[c], data.zc[c]};
-        const int r = walls.Find(C);
-        if (r == 0) {
-            continue;
-        }
-        const int face = data.backgroundWall[r];
-        double S[3] = {data.nxWall[face], data.nyWall[face], data.nzWall[face]};
-        double CP[3] = {C[0] - data.xBackgroundWall[r], C[1] - data.yBackgroundWall[r],
-                        C[2] - data.zBackgroundWall[r]};
+    while (pass.Next(OversetGrid_Component1, InFront, noGridState)) {
         // Not divided by the area: both sides carry it, and a division would round differently
         // near the margin.
-        if (Innerproduct(CP, S) > -(Norm(S) * layer * h.Of(data.volume[c]))) {
-            Cut(data, c);
+        if (Innerproduct(pass.CP, pass.S) > -(Norm(pass.S) * layer * pass.h)) {
+            Cut(*gridData, pass.cell);
         }
     }
-    if (data.NNonActiveCell == 0) {
+    outsideCellsCut = gridData->NNonActiveCell != 0;
+    if (outsideCellsCut) {
+        std::cout << "\t  Non Active Cell Number = " << gridData->NNonActiveCell << std::endl;
+    } else {
         // [sic] the wording is part of the interface and compared as text.
         std::cout << "\t  No Compoenet Cell Ouside Domain." << std::endl;
-    } else {
-        std::cout << "\t  Non Active Cell Number = " << data.NNonActiveCell << std::endl;
     }
-    outsideCellsCut = data.NNonActiveCell != 0;
 }
 
 void CKVX_ART_HoleCutting::OverlapRegionCutting(int layer) {
-    KVX_ART_OVERSET_GRID_DATA& data = *gridData;
+    gridData->NOverlapWallPoint = 0;
     NearestFace outerFaces;
-    double S[3] = {0.0, 0.0, 0.0};
-    data.NOverlapWallPoint = 0;
-    // A mesh of one grid has no group to read and nothing that overlaps.
-    const int nFaces = data.hasOversetGrids ? data.oversetBCFaceCount[1] : 0;
-    for (int i = 1; i <= nFaces; ++i) {
-        const int face = data.oversetBCWallFace[1][i];
-        Load(S, data.xWall[face], data.yWall[face], data.zWall[face]);
-        outerFaces.Add(S[0], S[1], S[2]);
-    }
-    CellSize h;
-    GridCells cells(data, data.Nc, OversetGrid_Background, noGridState);
-    while (const int c = cells.Next()) {
-        const double C[3] = {data.xc[c], data.yc[c], data.zc[c]};
-        const int r = outerFaces.Find(C);
-        if (r == 0) {
-            continue;
-        }
-        const int face = data.oversetBCWallFace[1][r];
-        double CP[3] = {C[0] - data.xWall[face], C[1] - data.yWall[face], C[2] - data.zWall[face]};
-        // After an outside cut no area vector is loaded: S stays the centre of the last face of
-        // the group, for every cell of the pass. Which background cells remain, and with them the
-        // donors, depends on that vector; loading S here would move the hole.
-        if (!outsideCellsCut) {
-            Load(S, data.nxWall[face], data.nyWall[face], data.nzWall[face]);
-        }
-        if (Innerproduct(CP, S) < -(Norm(S) * layer * h.Of(data.volume[c]))) {
-            Cut(data, c);
+    // After an outside cut no area vector is used: every cell is judged with the centre of the
+    // group's last face. Which background cells remain, and with them the donors, depends on that
+    // vector; the area vectors would move the hole.
+    AddOuterFaces(outerFaces, *gridData, outsideCellsCut);
+    CuttingPass pass(*gridData, *gridData, outerFaces, layer);
+    while (pass.Next(OversetGrid_Background, Behind, noGridState)) {
+        if (Innerproduct(pass.CP, pass.S) < -(Norm(pass.S) * layer * pass.h)) {
+            Cut(*gridData, pass.cell);
         }
     }
     // Includes the cells of the outside cut: the count is that of the mesh, not of the step.
-    std::cout << "\t  Non Active Cell Number = " << data.NNonActiveCell << std::endl;
+    std::cout << "\t  Non Active Cell Number = " << gridData->NNonActiveCell << std::endl;
 }
 
 void CKVX_ART_HoleCutting::CutOutsideDomainComponentCell() {
-    KVX_ART_OVERSET_GRID_DATA& data = *gridData;
     NearestFace walls;
-    for (int r = 1; r <= data.NBackgroundWall; ++r) {
-        walls.Add(data.xBackgroundWall[r], data.yBackgroundWall[r], data.zBackgroundWall[r]);
-    }
-    CellSize h;
-    GridCells cells(data, artGv->Nc, OversetGrid_Component1, noGridType);
-    while (const int c = cells.Next()) {
-        const double C[3] = {artGv->xc[c], artGv->yc[c], artGv->zc[c]};
-        const int r = walls.Find(C);
-        if (r == 0) {
-            continue;
-        }
-        const int face = data.backgroundWall[r];
-        double S[3] = {artGv->nxWall[face], artGv->nyWall[face], artGv->nzWall[face]};
-        double CP[3] = {C[0] - data.xBackgroundWall[r], C[1] - data.yBackgroundWall[r],
-                        C[2] - data.zBackgroundWall[r]};
-        if (Innerproduct(CP, S) > -(Norm(S) * cutGridLayer * h.Of(artGv->volume[c]))) {
-            Cut(data, c);
+    AddBackgroundWalls(walls, *gridData, *artGv);
+    CuttingPass pass(*gridData, *artGv, walls, cutGridLayer);
+    while (pass.Next(OversetGrid_Component1, InFront, noGridType)) {
+        if (Innerproduct(pass.CP, pass.S) > -(Norm(pass.S) * cutGridLayer * pass.h)) {
+            Cut(*gridData, pass.cell);
         }
     }
-    if (data.NNonActiveCell == 0) {
+    outsideCellsCut = gridData->NNonActiveCell != 0;
+    if (outsideCellsCut) {
+        std::cout << "\t<Succeed> Non Active Cell Number = " << gridData->NNonActiveCell
+                  << std::endl;
+    } else {
         // [sic] the wording is part of the interface and compared as text.
         std::cout << "\tNo Compoenet Cell Ouside Domain." << std::endl;
-    } else {
-        std::cout << "\t<Succeed> Non Active Cell Number = " << data.NNonActiveCell << std::endl;
     }
-    outsideCellsCut = data.NNonActiveCell != 0;
 }
 
 void CKVX_ART_HoleCutting::CutBackgroundCells() {
-    KVX_ART_OVERSET_GRID_DATA& data = *gridData;
     NearestFace points;
-    for (int r = 1; r <= data.NOverlapPoint; ++r) {
-        points.Add(data.xOverlapPoint[r], data.yOverlapPoint[r], data.zOverlapPoint[r]);
-    }
-    CellSize h;
-    GridCells cells(data, artGv->Nc, OversetGrid_Background, noGridType);
-    while (const int c = cells.Next()) {
-        const double C[3] = {artGv->xc[c], artGv->yc[c], artGv->zc[c]};
-        const int r = points.Find(C);
-        if (r == 0) {
-            continue;
-        }
-        double S[3];
-        if (outsideCellsCut && r > data.NOverlapWallPoint) {
-            const int face = data.overlapInnerFace[r - data.NOverlapWallPoint];
-            Load(S, artGv->nxe[face], artGv->nye[face], artGv->nze[face]);
-        } else {
-            const int i = outsideCellsCut ? data.overlapWallIndex[r] : r;
-            const int face = data.oversetBCWallFace[1][i];
-            Load(S, artGv->nxWall[face], artGv->nyWall[face], artGv->nzWall[face]);
-        }
-        double CP[3] = {C[0] - data.xOverlapPoint[r], C[1] - data.yOverlapPoint[r],
-                        C[2] - data.zOverlapPoint[r]};
-        if (Innerproduct(CP, S) < -(Norm(S) * cutGridLayer * h.Of(artGv->volume[c]))) {
-            Cut(data, c);
+    AddOverlapPoints(points, *gridData, *artGv, outsideCellsCut);
+    CuttingPass pass(*gridData, *artGv, points, cutGridLayer);
+    while (pass.Next(OversetGrid_Background, Behind, noGridType)) {
+        if (Innerproduct(pass.CP, pass.S) < -(Norm(pass.S) * cutGridLayer * pass.h)) {
+            Cut(*gridData, pass.cell);
         }
     }
-    std::cout << "\t<Succeed> Non Active Cell Number = " << data.NNonActiveCell << std::endl;
+    std::cout << "\t<Succeed> Non Active Cell Number = " << gridData->NNonActiveCell << std::endl;
 }

@@ -1,14 +1,19 @@
 #include "overset/nearest_face.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <limits>
 #include <new>
 #include <numeric>
 
 namespace {
 
-constexpr int leafSize = 8;   // centres; below this a scan is faster than boxes
-constexpr int maxDepth = 64;  // halving an int range ends long before
+constexpr int leafSize = 8;               // centres; below this a scan is faster than boxes
+constexpr int maxDepth = 64;              // halving an int range ends long before
+constexpr int nodesToJudge = 24;          // a verdict that needs more costs as much as a search
+constexpr double smallestDoubt = 1e-300;  // where numbers lose digits, no sign is certain
+constexpr double roundingDoubt = 1e-12;   // relative; a sum of four products errs by some 1e-15
 
 /// Squared distance to a box, 0 inside. Summed as the distance of a point is, so that rounding
 /// never lifts it above the distance of a point in the box.
@@ -23,27 +28,51 @@ double DistanceSqToBox(const double* min, const double* max, const double* query
     return sq[0] + sq[1] + sq[2];
 }
 
+/// Squared distance to the point of a box that is furthest away; rounding never drops it below the
+/// distance of a point in the box.
+double FurthestSqInBox(const double* min, const double* max, const double* query) {
+    double sq[3];
+    for (int axis = 0; axis < 3; ++axis) {
+        const double away =
+            std::max(std::fabs(query[axis] - min[axis]), std::fabs(query[axis] - max[axis]));
+        sq[axis] = away * away;
+    }
+    return sq[0] + sq[1] + sq[2];
+}
+
+void Extend(double* min, double* max, const double* v) {
+    for (int axis = 0; axis < 3; ++axis) {
+        min[axis] = std::min(min[axis], v[axis]);
+        max[axis] = std::max(max[axis], v[axis]);
+    }
+}
+
 }  // namespace
 
 NearestFace::~NearestFace() {
     FreeKDtree(insertionTree);
 }
 
-void NearestFace::Add(double x, double y, double z) {
-    centres.push_back({{x, y, z}, nullptr});
+void NearestFace::Add(const Vector& P, const Vector& S) {
+    centres.push_back({{P[0], P[1], P[2]}, nullptr});
+    areaVectors.push_back(S);
+    allFinite = allFinite && std::isfinite(P[0] + P[1] + P[2]) && std::isfinite(S[0] + S[1] + S[2]);
 }
 
-NearestFace::Box NearestFace::BoundsOf(int first, int last) const {
-    Box box;
-    std::copy(centres[order[first]].xyz, centres[order[first]].xyz + 3, box.min);
-    std::copy(box.min, box.min + 3, box.max);
-    for (int i = first + 1; i < last; ++i) {
-        for (int axis = 0; axis < 3; ++axis) {
-            box.min[axis] = std::min(box.min[axis], centres[order[i]].xyz[axis]);
-            box.max[axis] = std::max(box.max[axis], centres[order[i]].xyz[axis]);
-        }
+NearestFace::Node NearestFace::NodeOf(int first, int last) const {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const Box nothing = {{infinity, infinity, infinity}, {-infinity, -infinity, -infinity}};
+    Node node = {nothing, nothing, infinity, 0.0, first, last, 0};
+    for (int i = first; i < last; ++i) {
+        const double* P = centres[order[i]].xyz;
+        const double* S = areaVectors[order[i]].data();
+        Extend(node.box.min, node.box.max, P);
+        Extend(node.areas.min, node.areas.max, S);
+        const double area = std::sqrt(S[0] * S[0] + S[1] * S[1] + S[2] * S[2]);
+        node.minArea = std::min(node.minArea, area);
+        node.maxArea = std::max(node.maxArea, area);
     }
-    return box;
+    return node;
 }
 
 /// Halves the centres along the longest side of their box until few are left.
@@ -51,7 +80,7 @@ void NearestFace::BuildBoxes() {
     const int n = static_cast<int>(centres.size());
     order.resize(centres.size());
     std::iota(order.begin(), order.end(), 0);
-    nodes.push_back({BoundsOf(0, n), 0, n, 0});
+    nodes.push_back(NodeOf(0, n));
     for (std::size_t at = 0; at < nodes.size(); ++at) {
         const Node node = nodes[at];
         if (node.last - node.first <= leafSize) {
@@ -68,13 +97,70 @@ void NearestFace::BuildBoxes() {
             order.begin() + node.first, order.begin() + middle, order.begin() + node.last,
             [this, axis](int a, int b) { return centres[a].xyz[axis] < centres[b].xyz[axis]; });
         nodes[at].child = static_cast<int>(nodes.size());
-        nodes.push_back({BoundsOf(node.first, middle), node.first, middle, 0});
-        nodes.push_back({BoundsOf(middle, node.last), middle, node.last, 0});
+        nodes.push_back(NodeOf(node.first, middle));
+        nodes.push_back(NodeOf(middle, node.last));
     }
     leafed.reserve(3 * centres.size());
     for (int number : order) {
         leafed.insert(leafed.end(), centres[number].xyz, centres[number].xyz + 3);
     }
+}
+
+/// The sign for all faces of a node at once, by interval arithmetic; 0 if it may differ.
+int NearestFace::SideOfNode(const Node& node, const double* C, double depth) const {
+    double low = std::min(node.minArea * depth, node.maxArea * depth);
+    double high = std::max(node.minArea * depth, node.maxArea * depth);
+    double size = std::max(std::fabs(low), std::fabs(high));
+    for (int axis = 0; axis < 3; ++axis) {
+        const double from = C[axis] - node.box.max[axis];
+        const double to = C[axis] - node.box.min[axis];
+        const double a = from * node.areas.min[axis];
+        const double b = from * node.areas.max[axis];
+        const double c = to * node.areas.min[axis];
+        const double d = to * node.areas.max[axis];
+        const double least = std::min(std::min(a, b), std::min(c, d));
+        const double most = std::max(std::max(a, b), std::max(c, d));
+        low += least;
+        high += most;
+        size += std::max(std::fabs(least), std::fabs(most));
+    }
+    const double doubt = roundingDoubt * size + smallestDoubt;
+    return low > doubt ? 1 : high < -doubt ? -1 : 0;
+}
+
+int NearestFace::SideOf(const double* C, double depth) {
+    if (centres.empty() || !allFinite) {
+        return 0;
+    }
+    if (nodes.empty()) {
+        BuildBoxes();
+    }
+    double withinSq = DistanceSq(C, centres[previous].xyz);
+    int open[maxDepth];
+    int nOpen = 0;
+    int side = 0;
+    int left = nodesToJudge;
+    open[nOpen++] = 0;
+    while (nOpen > 0) {
+        const Node& node = nodes[open[--nOpen]];
+        if (DistanceSqToBox(node.box.min, node.box.max, C) > withinSq) {
+            continue;
+        }
+        withinSq = std::min(withinSq, FurthestSqInBox(node.box.min, node.box.max, C));
+        const int here = SideOfNode(node, C, depth);
+        if (here == 0) {
+            if (!node.child || --left == 0) {
+                return 0;
+            }
+            open[nOpen++] = node.child;
+            open[nOpen++] = node.child + 1;
+        } else if (side == -here) {
+            return 0;
+        } else {
+            side = here;
+        }
+    }
+    return side;
 }
 
 void NearestFace::ScanLeaf(const Node& leaf, const double* query) {

@@ -1,29 +1,43 @@
 #ifndef KVX3D_OVERSET_NEAREST_FACE_H
 #define KVX3D_OVERSET_NEAREST_FACE_H
 
+#include <array>
 #include <vector>
 
 #include "overset/kd_tree_store.h"
 
-/// Nearest face centre for cell after cell of a mesh; internal to hole cutting.
+/// Nearest face for cell after cell of a mesh; internal to hole cutting.
 ///
-/// The answer is that of a KVX_ART_KDtree that took the centres one after the other, equally near
-/// centres included. Walls are flat and meshes regular, which that tree takes badly: hundreds of
-/// nodes a search. Here the centres lie in a balanced tree of boxes, a search starts from the
-/// distance to its predecessor's answer, and the insertion tree is built and asked only when two
-/// centres are equally near.
+/// "Nearest" is by face centre. Most cells lie so far from all faces that it does not matter which
+/// of several is the nearest: SideOf() tells that first, from a few boxes, and Find() is left for
+/// the cells near the cut.
+///
+/// The answer of Find() is that of a KVX_ART_KDtree that took the centres one after the other,
+/// equally near centres included. Walls are flat and meshes regular, which that tree takes badly:
+/// hundreds of nodes a search. Here the centres lie in a balanced tree of boxes, a search starts
+/// from the distance to its predecessor's answer, and the insertion tree is built and asked only
+/// when two centres are equally near.
 class NearestFace {
 public:
+    using Vector = std::array<double, 3>;
+
     NearestFace() = default;
     NearestFace(const NearestFace&) = delete;
     NearestFace& operator=(const NearestFace&) = delete;
     ~NearestFace();
 
-    /// Adds a centre; all of them before the first Find().
-    void Add(double x, double y, double z);
+    /// Adds a face by centre and area vector; all of them before the first question.
+    void Add(const Vector& P, const Vector& S);
 
-    /// Number of the nearest centre in the order of Add(), from 1; 0 if there is none.
+    /// Sign of (C - P) . S + |S| depth, if it is the same for every face that may be the nearest
+    /// to C and no rounding can turn it; else 0.
+    int SideOf(const double* C, double depth);
+
+    /// Number of the nearest face in the order of Add(), from 1; 0 if there is none.
     int Find(const double* query);
+
+    const double* Centre(int number) const { return centres[number - 1].xyz; }
+    const double* AreaVector(int number) const { return areaVectors[number - 1].data(); }
 
 private:
     struct Box {
@@ -31,18 +45,23 @@ private:
         double max[3];
     };
     struct Node {
-        Box box;
+        Box box;    ///< of the centres
+        Box areas;  ///< of the area vectors
+        double minArea;
+        double maxArea;
         int first;  ///< range of `order`
         int last;
         int child;  ///< the first of two neighbouring nodes, 0 in a leaf
     };
 
     void BuildBoxes();
-    Box BoundsOf(int first, int last) const;
+    Node NodeOf(int first, int last) const;
+    int SideOfNode(const Node& node, const double* C, double depth) const;
     void ScanLeaf(const Node& leaf, const double* query);
     int FirstMet(const double* query);
 
-    std::vector<KDtreePoint> centres;  ///< in the order of Add(), their ids in numbers
+    std::vector<KDtreePoint> centres;  ///< in the order of Add()
+    std::vector<Vector> areaVectors;
     std::vector<int> numbers;
     std::vector<int> order;      ///< centres by leaf, 0-based
     std::vector<double> leafed;  ///< coordinates in that order
@@ -51,6 +70,7 @@ private:
     double nearestSq = 0.0;
     int previous = 0;  ///< answer of the search before, 0-based
     KDtreeCore* insertionTree = nullptr;
+    bool allFinite = true;
 };
 
 #endif
