@@ -1,6 +1,5 @@
 #include "reference_host/gmsh_session.h"
 
-#include <fmt/format.h>
 #include <gmsh.h>
 
 #include <algorithm>
@@ -27,26 +26,17 @@ std::string FirstError(std::string thrown) {
 
 }  // namespace
 
-GmshSession::GmshSession(const std::map<std::string, double>& numbers) {
-    // The command line is the one way that sets a variable by its name in the file; a ONELAB
-    // number goes by the label, which differs from file to file.
-    std::vector<std::string> words = {"reference_host"};
-    for (const auto& [name, value] : numbers) {
-        words.insert(words.end(), {"-setnumber", name, fmt::format("{}", value)});
-    }
-    std::vector<char*> arguments;
-    for (std::string& word : words) {
-        arguments.push_back(word.data());
-    }
-    gmsh::initialize(static_cast<int>(arguments.size()), arguments.data(),
-                     /*readConfigFiles=*/false);
+GmshSession::GmshSession() {
+    gmsh::initialize(0, nullptr, /*readConfigFiles=*/false);
     gmsh::option::setNumber("General.Terminal", 0);
     gmsh::option::setNumber("General.NumThreads", 1);
+    gmsh::onelab::clear();
     gmsh::logger::start();
 }
 
 GmshSession::~GmshSession() {
     try {
+        gmsh::logger::stop();
         gmsh::finalize();
     } catch (...) {
         // Nothing is left to release, and a destructor has nobody to tell.

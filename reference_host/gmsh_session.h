@@ -2,17 +2,16 @@
 #define KVX3D_REFERENCE_HOST_GMSH_SESSION_H
 
 #include <functional>
-#include <map>
 #include <string>
 
 namespace host {
 
-/// Gmsh from construction to destruction: silent, on one thread, without the user's option files.
+/// Gmsh from construction to destruction: silent, on one thread, without the user's option files
+/// and without the log and the ONELAB parameters of the session before, which the library keeps.
 /// Gmsh is one per process, so sessions must not overlap.
 class GmshSession {
 public:
-    /// @param numbers  values for DefineConstant variables of the .geo files opened later
-    explicit GmshSession(const std::map<std::string, double>& numbers = {});
+    GmshSession();
     ~GmshSession();
     GmshSession(const GmshSession&) = delete;
     GmshSession& operator=(const GmshSession&) = delete;

@@ -278,25 +278,26 @@ Mesh BuildMesh(const GmshMesh& found) {
     return mesh;
 }
 
-/// Gmsh ignores a number that no file asks for, and a misspelled one would go unnoticed. A file
-/// that includes others may take its numbers there.
-void RefuseUnknownParameters(const std::string& file, const MeshParameters& parameters) {
+/// ONELAB name of a variable of a .geo file: the Name in its DefineConstant. Gmsh knows parameters
+/// by that name only, and takes an unknown one without a word.
+std::string OnelabName(const std::string& file, const std::string& variable) {
     std::ifstream stream(file);
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    for (const auto& [name, value] : parameters) {
-        const bool isWord = std::regex_match(name, std::regex("[A-Za-z_][A-Za-z0-9_]*"));
-        const bool isThere = isWord && std::regex_search(text, std::regex("\\b" + name + "\\b"));
-        if (!isThere && (!isWord || text.find("Include") == std::string::npos)) {
-            throw std::runtime_error(
-                fmt::format("there is no parameter \"{}\" (given as {}) in the file: see its "
-                            "DefineConstant for the names",
-                            name, value));
-        }
+    std::smatch found;
+    if (!std::regex_match(variable, std::regex("[A-Za-z_][A-Za-z0-9_]*")) ||
+        !std::regex_search(
+            text, found,
+            std::regex("\\b" + variable + "\\s*=\\s*\\{[^{}]*\\bName\\s+\"([^\"]+)\""))) {
+        throw std::runtime_error(
+            fmt::format("there is no parameter \"{}\": see its DefineConstant for the variables "
+                        "that have a Name",
+                        variable));
     }
+    return found[1];
 }
 
-GmshMesh ReadModel(const std::string& file, const MeshParameters& parameters) {
-    const std::string extension = std::filesystem::path(file).extension().string();
+void CheckFileName(const std::string& file, const std::string& extension,
+                   const MeshParameters& parameters) {
     if (!std::filesystem::is_regular_file(file)) {
         throw std::runtime_error("no such file: give the path of a .msh or .geo file");
     }
@@ -308,15 +309,32 @@ GmshMesh ReadModel(const std::string& file, const MeshParameters& parameters) {
             fmt::format("a .msh file takes no parameters, \"{}\" was given: pass the .geo file",
                         parameters.begin()->first));
     }
-    RefuseUnknownParameters(file, parameters);
+}
 
-    GmshSession session(parameters);
+GmshMesh ReadModel(const std::string& file, const MeshParameters& parameters) {
+    const std::string extension = std::filesystem::path(file).extension().string();
+    CheckFileName(file, extension, parameters);
+    GmshSession session;
+    for (const auto& [variable, value] : parameters) {
+        const std::string name = OnelabName(file, variable);
+        session.Run([&, number = value] { gmsh::onelab::setNumber(name, {number}); });
+    }
+    try {
+        session.Run([&] {
+            gmsh::open(file);
+            if (extension == ".geo") {
+                gmsh::model::mesh::generate(3);
+            }
+        });
+    } catch (const std::exception& error) {
+        throw std::runtime_error(fmt::format(
+            "Gmsh reports \"{}\": {}", error.what(),
+            extension == ".geo"
+                ? "correct the geometry until Gmsh meshes it"
+                : "write it anew with linear tetrahedra, hexahedra, prisms and pyramids only"));
+    }
     GmshMesh found;
     session.Run([&] {
-        gmsh::open(file);
-        if (extension == ".geo") {
-            gmsh::model::mesh::generate(3);
-        }
         found.nodes = ReadNodes();
         ReadVolumes(found);
         ReadSurfaces(found);

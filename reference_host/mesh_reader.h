@@ -8,7 +8,7 @@
 
 namespace host {
 
-/// Numbers set in a .geo file before it is meshed, by variable name: {{"n", 10}, {"kind", 0}}.
+/// Values for DefineConstant variables of a .geo file: {{"n", 10}, {"kind", 0}}.
 using MeshParameters = std::map<std::string, double>;
 
 /// Reads a mesh through Gmsh: a .msh file of any version, ASCII or binary, or a .geo file, which
@@ -21,7 +21,7 @@ using MeshParameters = std::map<std::string, double>;
 /// not overlap.
 ///
 /// @param file        path of the mesh; lengths in body units, so that a cell is not far below 1
-/// @param parameters  for a .geo only; each name must occur in the file
+/// @param parameters  for a .geo only; each must have a Name in the file's DefineConstant
 /// @return mesh with its geometry (see ComputeGeometry)
 /// @throws std::runtime_error  one line: the file, what is wrong, where, and what to change
 Mesh ReadMesh(const std::string& file, const MeshParameters& parameters = {});
