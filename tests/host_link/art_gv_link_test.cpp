@@ -1,31 +1,24 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <string>
 #include <vector>
 
 #include "host_link/art_gv.h"
+#include "tests/host_link/expect_failure.h"
 #include "tests/support/allocation_recorder.h"
 #include "tests/support/box_host.h"
 #include "tests/support/output_capture.h"
+#include "tests/support/private_access.h"
+
+KVX3D_EXPOSE(MeshNumberStep, &CKVX_ACMT_GV::getMeshNumber, bool (CKVX_ACMT_GV::*)());
+KVX3D_EXPOSE(MeshPositionStep, &CKVX_ACMT_GV::getMeshPosition, bool (CKVX_ACMT_GV::*)());
+KVX3D_EXPOSE(MeshNormalStep, &CKVX_ACMT_GV::getMeshNormal, bool (CKVX_ACMT_GV::*)());
+KVX3D_EXPOSE(FaceAreaStep, &CKVX_ACMT_GV::getFaceArea, bool (CKVX_ACMT_GV::*)());
+KVX3D_EXPOSE(MeshRelationStep, &CKVX_ACMT_GV::getMeshRelation, bool (CKVX_ACMT_GV::*)());
+KVX3D_EXPOSE(PhysicalVarStep, &CKVX_ACMT_GV::getPhysicalVar, bool (CKVX_ACMT_GV::*)());
+KVX3D_EXPOSE(DebugDataCheck, &CKVX_ACMT_GV::debugDataCheck, void (CKVX_ACMT_GV::*)());
 
 namespace {
-
-/// Any non-null address: the toolbox must not follow it.
-template <typename T>
-T* Unreadable() {
-    return reinterpret_cast<T*>(8);
-}
-
-/// Calls `call`, expects `result` and exactly one line on standard output, flushed.
-template <typename Call>
-void ExpectFailure(int result, const std::string& line, Call call) {
-    const OutputCapture capture;
-    EXPECT_EQ(call(), result);
-    EXPECT_EQ(capture.Out(), line + "\n");
-    EXPECT_EQ(capture.FlushedOut(), line + "\n");
-    EXPECT_EQ(capture.Err(), "");
-}
 
 /// Links a host, partition faces included if it has any, and expects silence and success.
 void LinkAll(CKVX_ACMT_GV& gv, BoxHost& host) {
@@ -34,100 +27,6 @@ void LinkAll(CKVX_ACMT_GV& gv, BoxHost& host) {
     ASSERT_EQ(gv.getKvx3dPartFace(&host.partition), 0);
     ASSERT_EQ(gv.getKvx3dData(), 0);
     EXPECT_EQ(capture.Out() + capture.Err(), "");
-}
-
-TEST(HostRecord, StartsWithNothing) {
-    CKVX_ACMT_GV gv;
-
-    EXPECT_FALSE(gv.isKvxGv());
-    EXPECT_FALSE(gv.isKvxPartFace());
-    EXPECT_FALSE(gv.isKvxGradient());
-    EXPECT_FALSE(gv.isKvxCommunication());
-    EXPECT_TRUE(gv.useBoundaryFaces);
-    EXPECT_EQ(
-        gv.NcAll + gv.Nc + gv.Ne + gv.NInlet + gv.NOutlet + gv.NWall + gv.NSymm + gv.NPart + gv.Nn,
-        0);
-    EXPECT_EQ(gv.Ce23[0], nullptr);
-    EXPECT_EQ(gv.Ce23[1], nullptr);
-    EXPECT_EQ(gv.areaE, nullptr);
-    EXPECT_EQ(gv.faceDataLeft, nullptr);
-    EXPECT_EQ(gv.faceCp, nullptr);
-    EXPECT_EQ(gv.ghostBCIndex, nullptr);
-}
-
-TEST(HostRecord, NormIsSummedFromLeftToRightWithoutScaling) {
-    EXPECT_EQ(CKVX_ACMT_GV::CalNorm(3, 4, 12), 13.0);
-    EXPECT_EQ(CKVX_ACMT_GV::CalNorm(1e200, 0, 0), HUGE_VAL);
-    EXPECT_EQ(CKVX_ACMT_GV::CalNorm(1e-200, 0, 0), 0.0);
-    EXPECT_EQ(CKVX_ACMT_GV::CalNorm(0.1, 0.2, 0.3), std::sqrt((0.1 * 0.1 + 0.2 * 0.2) + 0.3 * 0.3));
-}
-
-TEST(HostRecordSetters, StoreThePointersWithoutFollowingThem) {
-    CKVX_ACMT_GV gv;
-    auto* gradient = Unreadable<COperatorGradient>();
-    auto* communication = Unreadable<CCommunication>();
-    CountingPartitionFace partition;
-    const OutputCapture capture;
-
-    EXPECT_EQ(gv.getKvx3dGradientTool(gradient), 0);
-    EXPECT_EQ(gv.getKvx3dCommunication(communication), 0);
-    EXPECT_EQ(gv.getKvx3dPartFace(&partition), 0);
-
-    EXPECT_EQ(gv.kvxGradient, gradient);
-    EXPECT_EQ(gv.kvxCommunication, communication);
-    EXPECT_EQ(gv.kvxPartFace, &partition);
-    EXPECT_TRUE(gv.isKvxGradient());
-    EXPECT_TRUE(gv.isKvxCommunication());
-    EXPECT_TRUE(gv.isKvxPartFace());
-    EXPECT_FALSE(gv.isKvxGv());
-    EXPECT_EQ(partition.Calls(PartAccessor::NParInterFace), 0);
-    EXPECT_EQ(capture.Out(), "");
-}
-
-TEST(HostRecordSetters, LinkBothRecordsOrNeither) {
-    CKvx3dGV globals;
-    CKVX3DFiniteVolumeMesh mesh;
-    CKVX_ACMT_GV gv;
-
-    ExpectFailure(-1, "Can not get the object of Global Variables",
-                  [&] { return gv.getKvx3dGV(nullptr, &mesh); });
-    EXPECT_EQ(gv.kvxFvm, nullptr);
-    EXPECT_FALSE(gv.isKvxGv());
-    ExpectFailure(-1, "Can not get the object of Global Variables",
-                  [&] { return gv.getKvx3dGV(&globals, nullptr); });
-    EXPECT_EQ(gv.kvxGv, nullptr);
-    EXPECT_FALSE(gv.isKvxGv());
-
-    EXPECT_EQ(gv.getKvx3dGV(&globals, &mesh), 0);
-    EXPECT_TRUE(gv.isKvxGv());
-    ExpectFailure(-1, "Can not get the object of Global Variables",
-                  [&] { return gv.getKvx3dGV(nullptr, nullptr); });
-    EXPECT_EQ(gv.kvxGv, &globals);
-    EXPECT_EQ(gv.kvxFvm, &mesh);
-}
-
-TEST(HostRecordSetters, NullLinksAreReportedAndKeepTheOldLink) {
-    CKVX_ACMT_GV gv;
-    CountingPartitionFace partition;
-    gv.getKvx3dPartFace(&partition);
-    gv.getKvx3dGradientTool(Unreadable<COperatorGradient>());
-    gv.getKvx3dCommunication(Unreadable<CCommunication>());
-
-    ExpectFailure(-1, "Can not get the object of Part Faces",
-                  [&] { return gv.getKvx3dPartFace(nullptr); });
-    ExpectFailure(-1, "Can not get the object of Multi-Processor Communication!",
-                  [&] { return gv.getKvx3dCommunication(nullptr); });
-
-    EXPECT_EQ(gv.kvxPartFace, &partition);
-    EXPECT_TRUE(gv.isKvxCommunication());
-}
-
-TEST(HostRecordSetters, ANullGradientIsReportedInTheWordsOfThePartFaces) {
-    CKVX_ACMT_GV gv;
-
-    ExpectFailure(-1, "Can not get the object of Part Faces",
-                  [&] { return gv.getKvx3dGradientTool(nullptr); });
-    EXPECT_FALSE(gv.isKvxGradient());
 }
 
 TEST(HostRecordLinking, WithoutHostPrintsOneLineAndChangesNothing) {
@@ -418,5 +317,52 @@ TEST_P(FailedAllocation, EndsTheStepWithItsLineAndLeavesWhatWasFilled) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Allocations, FailedAllocation, testing::Range(0, 7));
+
+TEST(HostRecordSteps, EachLinksItsFieldsOnly) {
+    BoxHost host(2, 1, 1);
+    CKVX_ACMT_GV gv;
+    gv.getKvx3dGV(&host.gv, &host.fvm);
+
+    EXPECT_TRUE((gv.*MemberOf(MeshNumberStep()))());
+    EXPECT_EQ(gv.NcAll, host.fvm.NcAll);
+    EXPECT_EQ(gv.xc, nullptr);
+    EXPECT_TRUE((gv.*MemberOf(MeshPositionStep()))());
+    EXPECT_EQ(gv.zSymm, host.fvm.zSymm);
+    EXPECT_EQ(gv.nxe, nullptr);
+    EXPECT_TRUE((gv.*MemberOf(MeshNormalStep()))());
+    EXPECT_EQ(gv.nzSymm, host.fvm.nzSymm);
+    EXPECT_EQ(gv.areaE, nullptr);
+    EXPECT_TRUE((gv.*MemberOf(FaceAreaStep()))());
+    EXPECT_EQ(gv.areaE[1], 1.0);
+    EXPECT_EQ(gv.Ce23[0], nullptr);
+    EXPECT_TRUE((gv.*MemberOf(MeshRelationStep()))());
+    EXPECT_EQ(gv.ghostBCIndex[2], 2);
+    EXPECT_EQ(gv.p, nullptr);
+    EXPECT_TRUE((gv.*MemberOf(PhysicalVarStep()))());
+    EXPECT_EQ(gv.p, host.gv.flowVariables[0]);
+}
+
+TEST(HostRecordSteps, AreasReadTheCountsFromTheMeshAgain) {
+    BoxHost host(2, 1, 1);
+    CKVX_ACMT_GV gv;
+    gv.getKvx3dGV(&host.gv, &host.fvm);
+    ASSERT_EQ(gv.getKvx3dData(), 0);
+    host.fvm.NWall = 2;
+
+    EXPECT_TRUE((gv.*MemberOf(FaceAreaStep()))());
+
+    EXPECT_EQ(gv.NWall, 4);
+    EXPECT_EQ(gv.areaWall[0], 2.0);
+}
+
+TEST(HostRecordSteps, DebugModeRunsThePrivateDump) {
+    CKVX_ACMT_GV gv;
+    const OutputCapture viaStep;
+    (gv.*MemberOf(DebugDataCheck()))();
+    const OutputCapture viaMode;
+    gv.debugMode();
+
+    EXPECT_EQ(viaMode.Out(), viaStep.Out());
+}
 
 }  // namespace

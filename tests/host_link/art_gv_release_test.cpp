@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <new>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -10,6 +9,7 @@
 #include "host_link/face_data.h"
 #include "tests/support/allocation_recorder.h"
 #include "tests/support/box_host.h"
+#include "tests/support/undestroyed.h"
 
 namespace {
 
@@ -193,14 +193,13 @@ TEST(HostRecordCopies, ShareEveryPointer) {
     gv.getKvx3dGV(&host.gv, &host.fvm);
     ASSERT_EQ(gv.getKvx3dData(), 0);
     gv.useBoundaryFaces = false;
-    alignas(CKVX_ACMT_GV) unsigned char storage[2][sizeof(CKVX_ACMT_GV)];
     AllocationRecorder memory;
+    Undestroyed<CKVX_ACMT_GV> copy(gv);
+    Undestroyed<CKVX_ACMT_GV> assigned;
 
-    auto* copy = new (storage[0]) CKVX_ACMT_GV(gv);
-    auto* assigned = new (storage[1]) CKVX_ACMT_GV();
     *assigned = gv;
 
-    for (const CKVX_ACMT_GV* other : {copy, assigned}) {
+    for (const CKVX_ACMT_GV* other : {&*copy, &*assigned}) {
         EXPECT_EQ(other->kvxGv, gv.kvxGv);
         EXPECT_EQ(other->Ne, gv.Ne);
         EXPECT_EQ(other->Ce23[1], gv.Ce23[1]);
@@ -210,7 +209,6 @@ TEST(HostRecordCopies, ShareEveryPointer) {
         EXPECT_FALSE(other->useBoundaryFaces);
     }
     EXPECT_EQ(memory.Sizes().size(), 0u);  // nothing duplicated
-    // Neither copy is destroyed: the owned arrays belong to one object only.
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/support/allocation_recorder.h"
+#include "tests/support/undestroyed.h"
 
 namespace {
 
@@ -267,17 +268,6 @@ TEST(ContainerShape, IsPolymorphicAndStartsEmpty) {
     }
     EXPECT_EQ(memory.LiveBlocks(), 0);
 }
-
-/// A copy shares both pointers, so one of the two must not be destroyed.
-template <typename T>
-struct Undestroyed {
-    template <typename... Arguments>
-    explicit Undestroyed(Arguments&&... arguments) {
-        new (storage) T(std::forward<Arguments>(arguments)...);
-    }
-    T& operator*() { return *std::launder(reinterpret_cast<T*>(storage)); }
-    alignas(T) unsigned char storage[sizeof(T)];
-};
 
 TEST(ContainerShape, CopiesShareTheShapeAndTakeTheFlag) {
     Container source;

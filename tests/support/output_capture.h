@@ -14,7 +14,7 @@ public:
 
     std::string Out() const { return out.str(); }
     std::string Err() const { return err.str(); }
-    /// The part of Out() that was flushed so far.
+    /// The part of Out() that was flushed so far; any write to std::cerr flushes std::cout too.
     std::string FlushedOut() const { return out.flushed; }
 
 private:
