@@ -121,8 +121,8 @@ int CKVX_ACMT_GV::getKvx3dPartFace(CPartitionFace_DLL* partFace) {
 
 int CKVX_ACMT_GV::getKvx3dGradientTool(COperatorGradient* gradient) {
     if (gradient == nullptr) {
-        // [sic] the words of the partition link: compared as text, and the return value of the
-        // call tells the two apart.
+        // [sic] the words of the partition link: they are part of the interface and compared as
+        // text. Which link is meant, the caller knows from its own call.
         Report("Can not get the object of Part Faces");
         return -1;
     }

