@@ -1,0 +1,49 @@
+#include "fvm_operators/face_rows.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+using KVX_ART_FVM::PositionOf;
+
+TEST(PositionOf, EveryColumnOfEveryRowLengthIsFound) {
+    for (int length = 0; length <= 40; ++length) {
+        std::vector<int> Ja(1, 0);
+        for (int k = 1; k <= length; ++k) {
+            Ja.push_back(1000 - 7 * k);
+        }
+        for (int k = 1; k <= length; ++k) {
+            EXPECT_EQ(PositionOf(Ja[k], Ja.data(), 1, length + 1), k) << length;
+        }
+    }
+}
+
+TEST(PositionOf, AnUnknownColumnAnswersZero) {
+    for (int length = 0; length <= 40; ++length) {
+        const std::vector<int> Ja(length + 1, 5);
+
+        EXPECT_EQ(PositionOf(6, Ja.data(), 1, length + 1), 0) << length;
+    }
+}
+
+TEST(PositionOf, EntriesOfTheNeighbouringRowsAreNotSeen) {
+    std::vector<int> Ja(60, 5);
+    std::fill(Ja.begin() + 20, Ja.begin() + 40, 7);
+
+    EXPECT_EQ(PositionOf(5, Ja.data(), 20, 40), 0);
+    EXPECT_EQ(PositionOf(7, Ja.data(), 20, 40), 20);
+}
+
+TEST(PositionOf, TheFirstOfEqualEntriesWins) {
+    for (int firstAt = 1; firstAt <= 30; ++firstAt) {
+        std::vector<int> Ja(32, 0);
+        std::fill(Ja.begin() + firstAt, Ja.end(), 9);
+
+        EXPECT_EQ(PositionOf(9, Ja.data(), 1, 32), firstAt);
+    }
+}
+
+}  // namespace
