@@ -2,30 +2,35 @@
 
 #include "matrix_solver/multigrid.h"
 
-// DUNE expects these from its own configure step, which also probes MPI and Fortran. The values
-// are those of Debian's SuperLU 5.
-#define HAVE_SUPERLU 1
-#define HAVE_SLU_DDEFS_H 1
-#define SUPERLU_INT_TYPE int
-
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <dune/common/fmatrix.hh>
 #include <dune/common/fvector.hh>
+#include <dune/common/mallocallocator.hh>
 #include <dune/istl/bcrsmatrix.hh>
 #include <dune/istl/bvector.hh>
 #include <dune/istl/operators.hh>
 #include <dune/istl/paamg/amg.hh>
 #include <dune/istl/preconditioners.hh>
-#include <dune/istl/superlu.hh>
+#include <dune/istl/solver.hh>
+
+#include "matrix_solver/sparse_lu.h"
 
 namespace kvx3d_solver {
 namespace {
 
-using Matrix = Dune::BCRSMatrix<Dune::FieldMatrix<double, 1, 1>>;
-using BlockVector = Dune::BlockVector<Dune::FieldVector<double, 1>>;
+using Block = Dune::FieldMatrix<double, 1, 1>;
+// DUNE 2.9 returns the rows of coarse matrices with a length of 1 whatever they were allocated
+// with. free() does not care; the sized operator delete behind std::allocator may.
+using Matrix = Dune::BCRSMatrix<Block, Dune::MallocAllocator<Block>>;
+using VectorBlock = Dune::FieldVector<double, 1>;
+using BlockVector = Dune::BlockVector<VectorBlock, Dune::MallocAllocator<VectorBlock>>;
 using Operator = Dune::MatrixAdapter<Matrix, BlockVector, BlockVector>;
 using Smoother = Dune::SeqILU<Matrix, BlockVector, BlockVector>;
 using Amg = Dune::Amg::AMG<Operator, BlockVector, Smoother>;
@@ -37,8 +42,49 @@ constexpr int largestCoarsest = 4000;   // rows a direct solver may still get; m
 constexpr double coarsestShift = 1e-9;  // of the diagonal: far below any grid's smallest mode
 constexpr int slowestCoarsening = 4;    // rows per aggregate that the level bound counts on
 
-struct CoarseningStalled : std::runtime_error {
-    CoarseningStalled() : std::runtime_error("coarsest level too large to factorise") {}
+struct NoCoarseSolver : std::runtime_error {
+    NoCoarseSolver() : std::runtime_error("coarsest level too large or singular") {}
+};
+
+/// The sparse LU in the form the hierarchy asks for.
+class CoarseSolver : public Dune::InverseOperator<BlockVector, BlockVector> {
+public:
+    /// Factorises a level. Closed boundaries everywhere leave a constant undetermined; without a
+    /// small shift of the diagonal the answers would hold a constant of 1e8 and more.
+    explicit CoarseSolver(const Matrix& level) {
+        std::vector<int> rowStart{0}, column;
+        Vector value;
+        for (auto row = level.begin(); row != level.end(); ++row) {
+            for (auto entry = row->begin(); entry != row->end(); ++entry) {
+                const bool onDiagonal = entry.index() == row.index();
+                column.push_back(static_cast<int>(entry.index()));
+                value.push_back((*entry)[0][0] * (onDiagonal ? 1.0 + coarsestShift : 1.0));
+            }
+            rowStart.push_back(static_cast<int>(column.size()));
+        }
+        lu = std::make_unique<SparseLu>(std::move(rowStart), std::move(column), std::move(value));
+        if (lu->Result() != SparseLu::State::Ready) {
+            throw NoCoarseSolver();
+        }
+    }
+
+    void apply(BlockVector& x, BlockVector& b, Dune::InverseOperatorResult& result) override {
+        x = b;
+        lu->Solve(&x[0][0]);
+        result.iterations = 1;
+        result.converged = true;
+    }
+
+    void apply(BlockVector& x, BlockVector& b, double, Dune::InverseOperatorResult& r) override {
+        apply(x, b, r);
+    }
+
+    Dune::SolverCategory::Category category() const override {
+        return Dune::SolverCategory::sequential;
+    }
+
+private:
+    std::unique_ptr<SparseLu> lu;
 };
 
 }  // namespace
@@ -52,22 +98,15 @@ namespace Dune::Amg {
 template <>
 class DirectSolverSelector<kvx3d_solver::Matrix, kvx3d_solver::BlockVector> {
 public:
-    using DirectSolver = SuperLU<kvx3d_solver::Matrix>;
     static constexpr bool isDirectSolver = true;
 
-    static std::string name() { return "SuperLU"; }
+    static std::string name() { return "SparseLu"; }
 
-    static DirectSolver* create(const kvx3d_solver::Matrix& matrix, bool verbose, bool reuse) {
-        if (matrix.N() > kvx3d_solver::largestCoarsest) {
-            throw kvx3d_solver::CoarseningStalled();
+    static kvx3d_solver::CoarseSolver* create(const kvx3d_solver::Matrix& level, bool, bool) {
+        if (level.N() > kvx3d_solver::largestCoarsest) {
+            throw kvx3d_solver::NoCoarseSolver();
         }
-        // Closed boundaries everywhere leave the constant undetermined. Without the shift the
-        // coarsest level would answer with a constant of 1e8 and more.
-        kvx3d_solver::Matrix shifted = matrix;
-        for (auto row = shifted.begin(); row != shifted.end(); ++row) {
-            (*row)[row.index()] *= 1.0 + kvx3d_solver::coarsestShift;
-        }
-        return new DirectSolver(shifted, verbose, reuse);
+        return new kvx3d_solver::CoarseSolver(level);
     }
 };
 
@@ -178,7 +217,7 @@ std::unique_ptr<Preconditioner> MakeMultigrid(const CsrSystem& A) {
     }
     try {
         return std::make_unique<DuneMultigrid>(A);
-    } catch (const CoarseningStalled&) {
+    } catch (const NoCoarseSolver&) {
         return nullptr;
     }
 }

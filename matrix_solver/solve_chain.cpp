@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <exception>
+#include <functional>
 #include <limits>
 #include <memory>
 
@@ -28,7 +29,7 @@ constexpr int aloneSteps = 1000;       // of ILU(0)-BiCGSTAB in a build without 
 constexpr int gmresSteps = 500;
 constexpr int restarts = 3;              // from the true residual, after the recursive one drifted
 constexpr double worthRestart = 0.5;     // residual reduction that earns another restart
-constexpr int refinements = 3;           // of a dense solution
+constexpr int refinements = 3;           // of a factorisation's solution
 constexpr double lastResortWork = 2e10;  // sparse LU nobody asked for: seconds
 constexpr double directWork = 1e12;      // sparse LU on demand: minutes beyond
 
@@ -68,7 +69,7 @@ public:
         const double rounding = A.n * std::numeric_limits<double>::epsilon();
         for (const double zeroPivot : {0.0, rounding}) {
             const DenseLu lu(A, zeroPivot);
-            Refine(lu);
+            Refine([&lu](const Vector& b, Vector& x) { lu.Solve(b, x); });
             if (Solved()) {
                 return;
             }
@@ -109,9 +110,14 @@ public:
             return;
         }
         sparseLuTried = true;
-        Vector x = best;
-        singular = SolveBySparseLu(A, x) == SparseLuResult::Singular;
-        Offer(x);
+        SparseLu lu(A.rowStart, A.column, A.value);
+        singular = lu.Result() == SparseLu::State::Singular;
+        if (lu.Result() == SparseLu::State::Ready) {
+            Refine([&lu](const Vector& b, Vector& x) {
+                x = b;
+                lu.Solve(x.data());
+            });
+        }
     }
 
     Outcome Judge() const {
@@ -133,14 +139,14 @@ private:
     }
 
     /// Solves for the whole right-hand side, then for what the residual still holds.
-    void Refine(const DenseLu& lu) {
+    void Refine(const std::function<void(const Vector& b, Vector& x)>& solve) {
         Vector x(best.size()), correction(best.size());
-        lu.Solve(A.rhs, x);
+        solve(A.rhs, x);
         double residual = Residual(A, x, work);
         Offer(x);
         for (int i = 0; i < refinements; ++i) {
             Residual(A, x, work);
-            lu.Solve(Vector(work), correction);
+            solve(work, correction);
             for (std::size_t k = 0; k < x.size(); ++k) {
                 x[k] += correction[k];
             }

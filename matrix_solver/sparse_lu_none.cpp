@@ -2,12 +2,16 @@
 
 namespace kvx3d_solver {
 
+struct SparseLu::Factors {};
+
 bool HasSparseLu() {
     return false;
 }
 
-SparseLuResult SolveBySparseLu(const CsrSystem&, Vector&) {
-    return SparseLuResult::Unavailable;
-}
+SparseLu::SparseLu(std::vector<int>, std::vector<int>, Vector) {}
+
+SparseLu::~SparseLu() = default;
+
+void SparseLu::Solve(double*) {}
 
 }  // namespace kvx3d_solver

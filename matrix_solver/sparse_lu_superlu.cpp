@@ -1,7 +1,5 @@
 #include "matrix_solver/sparse_lu.h"
 
-#include <vector>
-
 #include <slu_ddefs.h>
 
 namespace kvx3d_solver {
@@ -9,71 +7,81 @@ namespace {
 
 /// Releases the frame of a matrix whose arrays belong to someone else.
 struct BorrowedMatrix : SuperMatrix {
+    BorrowedMatrix() = default;
+    BorrowedMatrix(const BorrowedMatrix&) = delete;
+    BorrowedMatrix& operator=(const BorrowedMatrix&) = delete;
     ~BorrowedMatrix() { Destroy_SuperMatrix_Store(this); }
 };
 
-/// L and U, which exist only if the factorisation got through.
-struct Factors {
-    SuperMatrix L{}, U{};
-    bool exist = false;
+struct Statistics : SuperLUStat_t {
+    Statistics() { StatInit(this); }
+    Statistics(const Statistics&) = delete;
+    Statistics& operator=(const Statistics&) = delete;
+    ~Statistics() { StatFree(this); }
+};
+
+}  // namespace
+
+/// The factors are those of the transposed matrix: our rows are SuperLU's columns.
+struct SparseLu::Factors {
+    explicit Factors(int size) : n(size), columnOrder(size), rowOrder(size) {}
+    Factors(const Factors&) = delete;
+    Factors& operator=(const Factors&) = delete;
     ~Factors() {
         if (exist) {
             Destroy_SuperNode_Matrix(&L);
             Destroy_CompCol_Matrix(&U);
         }
     }
-};
 
-struct Statistics : SuperLUStat_t {
-    Statistics() { StatInit(this); }
-    ~Statistics() { StatFree(this); }
+    int n;
+    std::vector<int> columnOrder, rowOrder;
+    SuperMatrix L{}, U{};
+    bool exist = false;
 };
-
-}  // namespace
 
 bool HasSparseLu() {
     return true;
 }
 
-SparseLuResult SolveBySparseLu(const CsrSystem& A, Vector& x) {
-    // Equilibration scales these in place.
-    Vector values = A.value, b = A.rhs, solution(x.size());
-    std::vector<int> columns = A.column, starts = A.rowStart;
-    std::vector<int> columnOrder(A.n), rowOrder(A.n), tree(A.n);
-    Vector rowScale(A.n), columnScale(A.n);
-    BorrowedMatrix matrix, rightSide, unknowns;
-    dCreate_CompRow_Matrix(&matrix, A.n, A.n, static_cast<int>(values.size()), values.data(),
-                           columns.data(), starts.data(), SLU_NR, SLU_D, SLU_GE);
-    dCreate_Dense_Matrix(&rightSide, A.n, 1, b.data(), A.n, SLU_DN, SLU_D, SLU_GE);
-    dCreate_Dense_Matrix(&unknowns, A.n, 1, solution.data(), A.n, SLU_DN, SLU_D, SLU_GE);
+// The steps of SuperLU's own driver, which in 5.3 leaks its work when the matrix is singular.
+SparseLu::SparseLu(std::vector<int> rowStart, std::vector<int> column, Vector value)
+    : factors(std::make_unique<Factors>(static_cast<int>(rowStart.size()) - 1)) {
+    Factors& f = *factors;
+    std::vector<int> tree(f.n);
+    BorrowedMatrix matrix;
+    dCreate_CompCol_Matrix(&matrix, f.n, f.n, static_cast<int>(value.size()), value.data(),
+                           column.data(), rowStart.data(), SLU_NC, SLU_D, SLU_GE);
     superlu_options_t options;
     set_default_options(&options);
-    options.PrintStat = NO;
-    options.IterRefine = SLU_DOUBLE;
-
-    Factors factors;
     Statistics statistics;
-    GlobalLU_t workspace;
-    mem_usage_t memory;
-    char equilibrated = 'N';
-    double growth = 0.0, condition = 0.0, forwardError = 0.0, backwardError = 0.0;
-    int info = 0;
-    dgssvx(&options, &matrix, columnOrder.data(), rowOrder.data(), tree.data(), &equilibrated,
-           rowScale.data(), columnScale.data(), &factors.L, &factors.U, nullptr, 0, &rightSide,
-           &unknowns, &growth, &condition, &forwardError, &backwardError, &workspace, &memory,
-           &statistics, &info);
+    SuperMatrix permuted;
+    get_perm_c(options.ColPerm, &matrix, f.columnOrder.data());
+    sp_preorder(&options, &matrix, f.columnOrder.data(), tree.data(), &permuted);
 
-    // info: 0 success, 1..n the zero pivot, n + 1 ill conditioned, above that bytes that were
-    // not to be had.
-    factors.exist = info >= 0 && info <= A.n + 1;
-    if (info > 0 && info <= A.n) {
-        return SparseLuResult::Singular;
+    GlobalLU_t workspace;
+    int info = 0;
+    dgstrf(&options, &permuted, sp_ienv(2), sp_ienv(1), tree.data(), nullptr, 0,
+           f.columnOrder.data(), f.rowOrder.data(), &f.L, &f.U, &workspace, &statistics, &info);
+    Destroy_CompCol_Permuted(&permuted);
+
+    // info: 0 success, 1..n the column of the zero pivot, above n bytes that were not to be had.
+    f.exist = info >= 0 && info <= f.n;
+    if (f.exist) {
+        state = info == 0 ? State::Ready : State::Singular;
     }
-    if (!factors.exist) {
-        return SparseLuResult::Unavailable;
-    }
-    x = solution;
-    return SparseLuResult::Solved;
+}
+
+SparseLu::~SparseLu() = default;
+
+void SparseLu::Solve(double* b) {
+    Factors& f = *factors;
+    BorrowedMatrix rightSide;
+    dCreate_Dense_Matrix(&rightSide, f.n, 1, b, f.n, SLU_DN, SLU_D, SLU_GE);
+    Statistics statistics;
+    int info = 0;
+    dgstrs(TRANS, &f.L, &f.U, f.columnOrder.data(), f.rowOrder.data(), &rightSide, &statistics,
+           &info);
 }
 
 }  // namespace kvx3d_solver

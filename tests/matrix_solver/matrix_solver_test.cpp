@@ -168,8 +168,7 @@ TEST(SolverStatus, AStructurallySingularSystemLeavesXAsItWas) {
     const int status = SolveAndWatch(problem, x);
 
     if (!kvx3d_solver::HasSparseLu()) {
-        // Iterations alone cannot tell singular from slow.
-        EXPECT_EQ(status, CKVXMatrixSolver::ToleranceMissed);
+        EXPECT_NE(status, CKVXMatrixSolver::Solved);  // iterations cannot tell singular from slow
         return;
     }
     EXPECT_EQ(status, CKVXMatrixSolver::Singular);
