@@ -1,10 +1,52 @@
 #include "linear_algebra/solver_bicgstab.h"
 
+#include <algorithm>
 #include <cmath>
+
+#include "linear_algebra/dilu_sweeps.h"
 
 namespace {
 
-constexpr double eps = 1e-30;  // zero test of the recurrence and guard of its denominators
+using KVX3DART::BackwardSweep;
+using KVX3DART::BackwardSweepWithProduct;
+using KVX3DART::CsrRows;
+using KVX3DART::ForwardSweep;
+using KVX3DART::InspectRows;
+using KVX3DART::RowShape;
+
+constexpr double eps = 1e-30;   // zero test of the recurrence and guard of its denominators
+constexpr int blockRows = 512;  // rows updated before they are swept: they stay in the cache
+
+/// True below the zero test, false for not-a-number: that iterates on until `times` ends it.
+bool Vanishes(double value) {
+    return eps > std::abs(value);
+}
+
+/// One accumulator, ascending.
+double Dot(int n, const double* a, const double* b) {
+    double sum = 0.0;
+    for (int i = 1; i <= n; ++i) {
+        sum += a[i] * b[i];
+    }
+    return sum;
+}
+
+/// p = (p - omega v) beta + r
+void UpdateDirection(int first, int last, double omega, double beta, const double* v,
+                     const double* r, double* p) {
+    for (int i = first; i <= last; ++i) {
+        p[i] = (p[i] - omega * v[i]) * beta + r[i];
+    }
+}
+
+/// x = x + alpha pHat, s = r - alpha v
+void AlphaStep(int first, int last, double alpha, const double* pHat, const double* v,
+               const double* r, double* x, double* s) {
+    for (int i = first; i <= last; ++i) {
+        x[i] = x[i] + alpha * pHat[i];
+        s[i] = r[i] - alpha * v[i];
+    }
+}
 
 }  // namespace
 
@@ -43,86 +85,84 @@ bool CKVX_ART_MatSolver_BiCGSTAB::MatSolve(const double* b, double* x) {
         CompressIndex();
     }
     MakeDiagFrontCSR();
-    double sum = 0.0;
+    double rr = 0.0;
     for (int i = 1; i <= rowsN; ++i) {
         r[i] = b[i] - DotProduct(i, x);
         rHat[i] = r[i];
-        sum += rHat[i] * rHat[i];
+        rr += rHat[i] * rHat[i];
     }
-    const double norm = std::sqrt(sum);
-    if (eps > std::abs(norm)) {
+    const double norm = std::sqrt(rr);
+    if (Vanishes(norm)) {
         Rnorm = norm;
         return true;
     }
-    double rho = 1.0;
-    double omega = 1.0;
-    double alpha = 0.0;
     DILU(D);
     if (times < 1) {
         return true;
     }
+    const CsrRows A{rowsN, Ia, Ja, Aa};
+    const RowShape shape = InspectRows(A);
+    double rho = 1.0;
+    double omega = 1.0;
+    double alpha = 0.0;
+    double rhoNext = rr;  // r and rHat are still equal
     for (int iter = 1;; ++iter) {
-        double rhoOld = rho;
-        rho = 0.0;
-        for (int i = 1; i <= rowsN; ++i) {
-            rho += r[i] * rHat[i];
-        }
-        if (eps > std::abs(rho)) {
+        const double rhoOld = rho + eps;
+        rho = rhoNext;
+        if (Vanishes(rho)) {
             return true;
         }
-        if (iter == 1) {
-            for (int i = 1; i <= rowsN; ++i) {
-                p[i] = r[i];
-            }
-        } else {
-            rhoOld = rhoOld + eps;
-            const double beta = (rho / rhoOld) * (alpha / (omega + eps));
-            if (eps > std::abs(beta)) {
+        double beta = 0.0;
+        if (iter > 1) {
+            beta = (rho / rhoOld) * (alpha / (omega + eps));
+            if (Vanishes(beta)) {
                 return true;
             }
-            for (int i = 1; i <= rowsN; ++i) {
-                p[i] = (p[i] - omega * v[i]) * beta + r[i];
+        }
+        for (int first = 1; first <= rowsN; first += blockRows) {
+            const int last = std::min(first + blockRows - 1, rowsN);
+            if (iter == 1) {
+                std::copy(r + first, r + last + 1, p + first);
+            } else {
+                UpdateDirection(first, last, omega, beta, v, r, p);
             }
+            ForwardSweep(A, shape.partitioned, D, p, y, first, last);
         }
-        SolveDILU(D, p, pHat);
-        double sigma = 0.0;
-        for (int i = 1; i <= rowsN; ++i) {
-            v[i] = DotProduct(i, pHat);
-            sigma += v[i] * rHat[i];
-        }
-        if (eps > std::abs(sigma)) {
+        BackwardSweepWithProduct(A, shape, D, y, pHat, v);
+        const double sigma = Dot(rowsN, v, rHat);
+        if (Vanishes(sigma)) {
             return true;
         }
-        sigma = sigma + eps;
-        alpha = rho / sigma;
-        if (eps > std::abs(alpha)) {
+        alpha = rho / (sigma + eps);
+        if (Vanishes(alpha)) {
             return true;
         }
-        for (int i = 1; i <= rowsN; ++i) {
-            x[i] = x[i] + alpha * pHat[i];
-            s[i] = r[i] - alpha * v[i];
+        for (int first = 1; first <= rowsN; first += blockRows) {
+            const int last = std::min(first + blockRows - 1, rowsN);
+            AlphaStep(first, last, alpha, pHat, v, r, x, s);
+            ForwardSweep(A, shape.partitioned, D, s, y, first, last);
         }
-        SolveDILU(D, s, sHat);
+        BackwardSweepWithProduct(A, shape, D, y, sHat, t);
         double ts = 0.0;
         double tt = 0.0;
         for (int i = 1; i <= rowsN; ++i) {
-            t[i] = DotProduct(i, sHat);
             ts += t[i] * s[i];
             tt += t[i] * t[i];
         }
-        if (eps > std::abs(tt)) {
+        if (Vanishes(tt)) {
             return true;
         }
-        tt = tt + eps;
-        omega = ts / tt;
-        if (eps > std::abs(omega)) {
+        omega = ts / (tt + eps);
+        if (Vanishes(omega)) {
             return true;
         }
-        double rr = 0.0;
+        rr = 0.0;
+        rhoNext = 0.0;
         for (int i = 1; i <= rowsN; ++i) {
             x[i] = x[i] + omega * sHat[i];
             r[i] = s[i] - omega * t[i];
             rr += r[i] * r[i];
+            rhoNext += r[i] * rHat[i];
         }
         const double rnorm = std::sqrt(rr);
         if (iter == 1) {
@@ -157,22 +197,7 @@ void CKVX_ART_MatSolver_BiCGSTAB::DILU(double* invD) {
 }
 
 void CKVX_ART_MatSolver_BiCGSTAB::SolveDILU(double* invD, double* rhs, double* result) {
-    for (int i = 1; i <= rowsN; ++i) {
-        double sum = 0.0;
-        for (int k = Ia[i] + 1; k < Ia[i + 1]; ++k) {
-            if (Ja[k] < i) {
-                sum += y[Ja[k]] * Aa[k];
-            }
-        }
-        y[i] = (rhs[i] - sum) * invD[i];
-    }
-    for (int i = rowsN; i >= 1; --i) {
-        double sum = 0.0;
-        for (int k = Ia[i] + 1; k < Ia[i + 1]; ++k) {
-            if (Ja[k] > i && Ja[k] <= rowsN) {
-                sum += result[Ja[k]] * Aa[k];
-            }
-        }
-        result[i] = y[i] - sum * invD[i];
-    }
+    const CsrRows A{rowsN, Ia, Ja, Aa};
+    ForwardSweep(A, false, invD, rhs, y, 1, rowsN);
+    BackwardSweep(A, invD, y, result);
 }

@@ -1,0 +1,152 @@
+#include "linear_algebra/dilu_sweeps.h"
+
+#include <algorithm>
+
+namespace {
+
+using KVX3DART::CsrRows;
+
+constexpr int chunkLength = 64;  // entries whose positions are gathered at a time
+
+/// Sum of x[Ja[k]] Aa[k] over the columns lowest..highest of a row in any order.
+///
+/// Where columns come in no order, a branch on them is wrong half of the time: the positions that
+/// count are gathered without one, then summed.
+double ScatteredSum(const CsrRows& A, int i, int lowest, int highest, const double* x) {
+    const int end = A.Ia[i + 1];
+    int positions[chunkLength];
+    double sum = 0.0;
+    for (int begin = A.Ia[i] + 1; begin < end; begin += chunkLength) {
+        const int chunkEnd = std::min(begin + chunkLength, end);
+        int count = 0;
+        for (int k = begin; k < chunkEnd; ++k) {
+            positions[count] = k;
+            count += static_cast<int>(A.Ja[k] >= lowest) & static_cast<int>(A.Ja[k] <= highest);
+        }
+        for (int c = 0; c < count; ++c) {
+            sum += x[A.Ja[positions[c]]] * A.Aa[positions[c]];
+        }
+    }
+    return sum;
+}
+
+// In both sums of a partitioned row the neighbour row is the one computed last, and the one that
+// the sum waits for: its value comes as `latest`, not through memory.
+
+/// The forward sweep's sum in row i of partitioned rows; `latest` is y[i - 1].
+double LowerSum(const CsrRows& A, int i, double latest, const double* y) {
+    const int end = A.Ia[i + 1];
+    double sum = 0.0;
+    for (int k = A.Ia[i] + 1; k < end && A.Ja[k] < i; ++k) {
+        const int j = A.Ja[k];
+        if (j == i - 1) {
+            sum += latest * A.Aa[k];
+        } else {
+            sum += y[j] * A.Aa[k];
+        }
+    }
+    return sum;
+}
+
+/// The backward sweep's sum in row i of partitioned rows; `latest` is result[i + 1].
+double UpperSum(const CsrRows& A, int i, double latest, const double* result) {
+    const int begin = A.Ia[i] + 1;
+    const int end = A.Ia[i + 1];
+    int k = end;
+    while (k > begin && A.Ja[k - 1] > i) {
+        --k;
+    }
+    double sum = 0.0;
+    for (; k < end; ++k) {
+        const int j = A.Ja[k];
+        if (j == i + 1) {
+            sum += latest * A.Aa[k];
+        } else {
+            sum += result[j] * A.Aa[k];
+        }
+    }
+    return sum;
+}
+
+/// Row times vector, diagonal and all.
+double RowProduct(const CsrRows& A, int i, const double* x) {
+    const int end = A.Ia[i + 1];
+    int k = A.Ia[i];
+    double sum = 0.0;
+    for (; k + 3 < end; k += 4) {
+        sum += x[A.Ja[k]] * A.Aa[k];
+        sum += x[A.Ja[k + 1]] * A.Aa[k + 1];
+        sum += x[A.Ja[k + 2]] * A.Aa[k + 2];
+        sum += x[A.Ja[k + 3]] * A.Aa[k + 3];
+    }
+    for (; k < end; ++k) {
+        sum += x[A.Ja[k]] * A.Aa[k];
+    }
+    return sum;
+}
+
+/// Rows 1..last of A x.
+void RowProducts(const CsrRows& A, const double* x, double* product, int last) {
+    for (int i = 1; i <= last; ++i) {
+        product[i] = RowProduct(A, i, x);
+    }
+}
+
+}  // namespace
+
+KVX3DART::RowShape KVX3DART::InspectRows(const CsrRows& A) {
+    RowShape shape{true, 0};
+    for (int i = 1; i <= A.n; ++i) {
+        const int end = A.Ia[i + 1];
+        int smallest = i;
+        int k = A.Ia[i] + 1;
+        for (; k < end && A.Ja[k] < i; ++k) {
+            smallest = std::min(smallest, A.Ja[k]);
+        }
+        for (; k < end; ++k) {
+            smallest = std::min(smallest, A.Ja[k]);
+            shape.partitioned = shape.partitioned && A.Ja[k] > i && A.Ja[k] <= A.n;
+        }
+        shape.reach = std::max(shape.reach, i - smallest);
+    }
+    return shape;
+}
+
+void KVX3DART::ForwardSweep(const CsrRows& A, bool partitioned, const double* D, const double* rhs,
+                            double* y, int first, int last) {
+    if (!partitioned) {
+        for (int i = first; i <= last; ++i) {
+            y[i] = (rhs[i] - ScatteredSum(A, i, 1, i - 1, y)) * D[i];
+        }
+        return;
+    }
+    double latest = first > 1 ? y[first - 1] : 0.0;
+    for (int i = first; i <= last; ++i) {
+        latest = (rhs[i] - LowerSum(A, i, latest, y)) * D[i];
+        y[i] = latest;
+    }
+}
+
+void KVX3DART::BackwardSweep(const CsrRows& A, const double* D, const double* y, double* result) {
+    for (int i = A.n; i >= 1; --i) {
+        result[i] = y[i] - ScatteredSum(A, i, i + 1, A.n, result) * D[i];
+    }
+}
+
+void KVX3DART::BackwardSweepWithProduct(const CsrRows& A, const RowShape& shape, const double* D,
+                                        const double* y, double* result, double* product) {
+    if (!shape.partitioned) {
+        BackwardSweep(A, D, y, result);
+        RowProducts(A, result, product, A.n);
+        return;
+    }
+    double latest = 0.0;
+    for (int i = A.n; i >= 1; --i) {
+        latest = y[i] - UpperSum(A, i, latest, result) * D[i];
+        result[i] = latest;
+        if (shape.reach <= A.n - i) {
+            product[i + shape.reach] = RowProduct(A, i + shape.reach, result);
+        }
+    }
+    RowProducts(A, result, product, std::min(shape.reach, A.n));
+}
