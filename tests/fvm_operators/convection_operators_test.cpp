@@ -1,67 +1,16 @@
 #include "fvm_operators/mat_operator.h"
 
-#include "tests/fvm_operators/operator_host.h"
+#include "tests/fvm_operators/one_face.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-#include <string>
-#include <vector>
 
 namespace {
 
-constexpr double tolerance = 1e-8;
-const double justAbove = std::nextafter(tolerance, 1.0);
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinite = std::numeric_limits<double>::infinity();
-
-// One column a stencil, so that an entry tells which stencil put it there. The second side's
-// record uses coefficients of its own.
-constexpr int viaFace = 11;
-constexpr int viaLeft = 12;
-constexpr int viaRight = 13;
-constexpr int viaFarLeft = 14;
-constexpr int viaFarRight = 15;
-constexpr int viaNormal = 16;
-
-/// Cells 1 and 2 with one inner face between them and, where a test asks for it by the counts, a
-/// boundary face of each kind beside cell 1. Cells 3 to 20 only lend their columns.
-class OneFace : public testing::Test {
-protected:
-    OneFace() : host(20, {{1, 2}}, {{{1}, {1}, {1}, {1}}}), A(2, host.gv.NcAll) {
-        MarkStencils(host.Left(1), 1.0);
-        MarkStencils(host.Right(1), 2.0);
-        for (Kind kind : allKinds) {
-            SetStencil(host.Record(kind, 1), Pair::Left, {{viaLeft, 1.0}});
-            SetStencil(host.Record(kind, 1), Pair::FarLeft, {{viaFarLeft, 1.0}});
-        }
-    }
-
-    static void MarkStencils(CMAFVMFaceData& record, double coefficient) {
-        SetStencil(record, Pair::Face, {{viaFace, coefficient}});
-        SetStencil(record, Pair::Left, {{viaLeft, coefficient}});
-        SetStencil(record, Pair::Right, {{viaRight, coefficient}});
-        SetStencil(record, Pair::FarLeft, {{viaFarLeft, coefficient}});
-        SetStencil(record, Pair::FarRight, {{viaFarRight, coefficient}});
-        SetStencil(record, Pair::Normal, {{viaNormal, coefficient}});
-    }
-
-    void InnerFaceOnly() { host.gv.useBoundaryFaces = false; }
-
-    /// Leaves the wall face alone, with flux F.
-    void WallFaceOnly(double F) {
-        host.gv.Ne = host.gv.NInlet = host.gv.NOutlet = host.gv.NSymm = 0;
-        host.Flux(Wall, 1) = F;
-    }
-
-    KVX_ART_FVM::CKVX_ART_MatOperator Operator() { return host.Operator(A); }
-
-    int WallGhost() const { return host.Ghost(Wall, 1); }
-
-    OperatorHost host;
-    CKVX_ART_SparseMatrix A;
-};
 
 using CentralConvection = OneFace;
 using CellUpwind = OneFace;
@@ -169,154 +118,6 @@ TEST_F(CellUpwind, ReadsNoRecordWhereTheFluxIsClearOfZero) {
     host.gv.faceDataLeft = left;
     host.gv.faceDataRight = right;
 }
-
-/// The schemes that look at the flux and share the tolerance rules.
-class EveryUpwind : public OneFace, public testing::WithParamInterface<NamedOperator> {
-protected:
-    void Run(double weight) {
-        auto op = Operator();
-        ASSERT_TRUE(GetParam().run(op, weight, &host.flux));
-    }
-};
-
-TEST_P(EveryUpwind, FluxWithinTheToleranceTakesTheFaceStencil) {
-    InnerFaceOnly();
-    for (double F : {tolerance, -tolerance, 0.5e-8, 0.0, -0.0}) {
-        A.Reset();
-        host.SetFlux(1, F);
-
-        Run(3.0);
-
-        EXPECT_EQ(RowOf(A, 1), (Terms{{viaFace, 3.0 * F}})) << F;
-        EXPECT_EQ(RowOf(A, 2), (Terms{{viaFace, -(3.0 * F * 2.0)}})) << F;
-    }
-}
-
-TEST_P(EveryUpwind, UndefinedFluxCountsAsNearZero) {
-    InnerFaceOnly();
-    host.SetFlux(1, notANumber);
-
-    Run(1.0);
-
-    ASSERT_EQ(EntriesOf(A), 2);
-    EXPECT_EQ(A.Ja[1], viaFace);
-    EXPECT_TRUE(std::isnan(A.Aa[1]));
-    EXPECT_EQ(A.Ja[2], viaFace);
-}
-
-TEST_P(EveryUpwind, FluxJustAboveTheToleranceLeavesTheFaceStencil) {
-    InnerFaceOnly();
-    for (double F : {justAbove, -justAbove}) {
-        A.Reset();
-        host.SetFlux(1, F);
-
-        Run(1.0);
-
-        EXPECT_EQ(ValueAt(A, 1, viaFace), 0.0);
-        EXPECT_EQ(ValueAt(A, 2, viaFace), 0.0);
-        EXPECT_GE(EntriesOf(A), 2);
-    }
-}
-
-TEST_P(EveryUpwind, TheTestIsOnTheFluxBeforeItsWeight) {
-    InnerFaceOnly();
-    host.SetFlux(1, 0.5e-8);
-
-    Run(1e12);
-
-    EXPECT_EQ(RowOf(A, 1), (Terms{{viaFace, 1e12 * 0.5e-8}}));
-}
-
-TEST_P(EveryUpwind, UnsharedSidesBranchOnTheirOwnFlux) {
-    InnerFaceOnly();
-    host.flux.left[1] = 0.0;
-    host.flux.right[1] = 4.0;
-
-    Run(1.0);
-
-    EXPECT_EQ(RowOf(A, 1), (Terms{{viaFace, 0.0}}));
-    EXPECT_EQ(ValueAt(A, 2, viaFace), 0.0);
-    EXPECT_GE(RowOf(A, 2).size(), 1u);
-}
-
-TEST_P(EveryUpwind, ASharedFluxServesBothSides) {
-    InnerFaceOnly();
-    host.flux.left[1] = 0.5e-8;
-    host.flux.right[1] = 4.0;
-    host.flux.LinkInner();
-
-    Run(1.0);
-
-    EXPECT_EQ(RowOf(A, 1).front().first, viaFace);
-    EXPECT_EQ(RowOf(A, 2).front().first, viaFace);
-}
-
-TEST_P(EveryUpwind, SmallOutflowAndUndefinedBoundaryFluxCountAsIncoming) {
-    for (double F : {tolerance, 0.5e-8, -tolerance, -4.0, notANumber}) {
-        A.Reset();
-        WallFaceOnly(F);
-
-        Run(1.0);
-
-        ASSERT_EQ(EntriesOf(A), 1) << F;
-        EXPECT_EQ(A.Ja[1], WallGhost()) << F;
-    }
-}
-
-TEST_P(EveryUpwind, OutflowJustAboveTheToleranceLeavesTheGhostCell) {
-    WallFaceOnly(justAbove);
-
-    Run(1.0);
-
-    EXPECT_GE(EntriesOf(A), 1);
-    EXPECT_EQ(ValueAt(A, 1, WallGhost()), 0.0);
-}
-
-TEST_P(EveryUpwind, AZeroBoundaryFluxCreatesTheGhostEntry) {
-    WallFaceOnly(0.0);
-
-    Run(1.0);
-
-    EXPECT_EQ(RowOf(A, 1), (Terms{{WallGhost(), 0.0}}));
-}
-
-TEST_P(EveryUpwind, InflowReadsNoBoundaryStencil) {
-    WallFaceOnly(-4.0);
-    CMAFVMFaceData* const records = host.gv.faceDataWall;
-    host.gv.faceDataWall = nullptr;
-
-    Run(0.5);
-
-    EXPECT_EQ(RowOf(A, 1), (Terms{{WallGhost(), -2.0}}));
-    host.gv.faceDataWall = records;
-}
-
-TEST_P(EveryUpwind, EachBoundaryKindReadsItsOwnFlux) {
-    host.gv.Ne = 0;
-    for (Kind kind : allKinds) {
-        host.Flux(kind, 1) = -1.0 - kind;
-    }
-
-    Run(1.0);
-
-    for (Kind kind : allKinds) {
-        EXPECT_EQ(ValueAt(A, 1, host.Ghost(kind, 1)), -1.0 - kind);
-    }
-}
-
-std::vector<NamedOperator> Upwinds() {
-    std::vector<NamedOperator> upwinds;
-    for (const NamedOperator& named : AllOperators()) {
-        for (const char* name : {"CellUpwind", "FU", "LUD", "QUICK", "Hybrid"}) {
-            if (std::string(named.name) == name) {
-                upwinds.push_back(named);
-            }
-        }
-    }
-    return upwinds;
-}
-
-INSTANTIATE_TEST_SUITE_P(Convection, EveryUpwind, testing::ValuesIn(Upwinds()), NameOf);
 
 TEST_F(StencilUpwind, PositiveFluxTakesLeftFromEachSidesRecord) {
     InnerFaceOnly();
@@ -538,18 +339,18 @@ TEST_F(Combined, NegativeFluxTakesTheSecondCell) {
 TEST_F(Combined, AFluxOfExactlyTheToleranceIsPositiveHereOnly) {
     InnerFaceOnly();
     CKVX_ART_SparseMatrix B(2, host.gv.NcAll);
-    host.SetFlux(1, tolerance);
+    host.SetFlux(1, fluxTolerance);
 
     Operator().ConvectionFU_Diffusion_Operator(&host.flux);
     host.Operator(B).ConvectionOperatorFU(1.0, &host.flux);
 
-    EXPECT_EQ(ValueAt(A, 1, 1), tolerance);
-    EXPECT_EQ(ValueAt(A, 2, 1), -tolerance);
-    EXPECT_EQ(RowOf(B, 1), (Terms{{viaFace, tolerance}}));
+    EXPECT_EQ(ValueAt(A, 1, 1), fluxTolerance);
+    EXPECT_EQ(ValueAt(A, 2, 1), -fluxTolerance);
+    EXPECT_EQ(RowOf(B, 1), (Terms{{viaFace, fluxTolerance}}));
 }
 
 TEST_F(Combined, AFluxWithinTheToleranceLeavesTheDiffusionAlone) {
-    for (double F : {std::nextafter(tolerance, 0.0), 0.0, -tolerance, notANumber}) {
+    for (double F : {std::nextafter(fluxTolerance, 0.0), 0.0, -fluxTolerance, notANumber}) {
         A.Reset();
         host.SetFlux(1, F);
         host.gv.faceMu->left[1] = host.gv.faceMu->right[1] = 1.0;

@@ -1,6 +1,7 @@
 #include "fvm_operators/mat_operator.h"
 
 #include "tests/fvm_operators/operator_host.h"
+#include "tests/support/private_access.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,9 @@
 #include <type_traits>
 
 using KVX_ART_FVM::CKVX_ART_MatOperator;
+
+KVX3D_EXPOSE(ConstructorProcedure, &CKVX_ART_MatOperator::DefaultConstructorProcedure,
+             void (CKVX_ART_MatOperator::*)(CKVX_ART_SparseMatrix*, CKVX_ACMT_GV*));
 
 namespace {
 
@@ -125,26 +129,17 @@ TEST(OperatorLinks, EachLinkIsToldSeparately) {
     EXPECT_FALSE(op.isARTSMat());
 }
 
-/// Reaches a private member: an explicit instantiation may name it.
-using Procedure = void (CKVX_ART_MatOperator::*)(CKVX_ART_SparseMatrix*, CKVX_ACMT_GV*);
-template <Procedure member>
-struct Reach {
-    friend Procedure ConstructorProcedure() { return member; }
-};
-Procedure ConstructorProcedure();
-template struct Reach<&CKVX_ART_MatOperator::DefaultConstructorProcedure>;
-
 TEST(OperatorLinks, BothAreStoredBeforeAMissingOneIsReported) {
     CKVX_ACMT_GV gv;
     CKVX_ART_SparseMatrix A(1);
     CKVX_ART_SparseMatrix other(1);
     CKVX_ART_MatOperator op(&A, &gv);
 
-    EXPECT_THROW((op.*ConstructorProcedure())(&other, nullptr), MatrixOperatorException);
+    EXPECT_THROW((op.*MemberOf(ConstructorProcedure()))(&other, nullptr), MatrixOperatorException);
     EXPECT_EQ(op.sparseMatrix, &other);
     EXPECT_EQ(op.artGv, nullptr);
 
-    EXPECT_THROW((op.*ConstructorProcedure())(nullptr, &gv), MatrixOperatorException);
+    EXPECT_THROW((op.*MemberOf(ConstructorProcedure()))(nullptr, &gv), MatrixOperatorException);
     EXPECT_EQ(op.sparseMatrix, nullptr);
     EXPECT_EQ(op.artGv, &gv);
 }
