@@ -3,39 +3,40 @@
 #include <cstddef>
 #include <ostream>
 
-namespace {
+// The makers null the pointer between release and allocation: if the allocation throws, the owner
+// must not release the old block a second time.
 
-/// A zero-filled block of n + 1 elements with n in slot 0.
-template <typename T>
-T* NewBlock(std::size_t n) {
-    T* block = new T[n + 1]();
-    block[0] = static_cast<T>(n);
-    return block;
-}
-
-template <typename T>
-void Replace1D(T*& a, int n) {
+void newDouble1D(double*& a, int n) {
     delete[] a;
-    a = nullptr;  // if the allocation throws, the owner must not release the old block again
-    a = new T[static_cast<std::size_t>(n) + 1]();
-    a[0] = static_cast<T>(n);
+    a = nullptr;
+    a = new double[static_cast<std::size_t>(n) + 1]();
+    a[0] = n;
 }
 
-/// A table of rows + 1 null pointers but for the head, whose one element holds rows.
-template <typename T>
-void NewTable(T**& a, int rows) {
-    a = new T*[static_cast<std::size_t>(rows) + 1]();
-    a[0] = new T[1];
-    a[0][0] = static_cast<T>(rows);
+void newInt1D(int*& a, int n) {
+    delete[] a;
+    a = nullptr;
+    a = new int[static_cast<std::size_t>(n) + 1]();
+    a[0] = n;
 }
 
-template <typename T>
-void FreeTable(T**& a) {
+void newDouble2D(double**& a, int rows, int cols) {
+    freeDouble2D(a);
+    a = new double*[static_cast<std::size_t>(rows) + 1]();
+    a[0] = new double[1];
+    a[0][0] = rows;
+    for (int i = 1; i <= rows; ++i) {
+        newDouble1D(a[i], cols);
+    }
+}
+
+void freeDouble2D(double**& a) {
     if (a == nullptr) {
         return;
     }
     // Stops one row short: the last row stays allocated and may still be in use by whoever took
-    // it, so a table of one row keeps all its data. The bound is read from the head each round.
+    // it, so a table of one row keeps all its data. The int tables release with the same bound;
+    // change neither alone.
     for (int i = 1; a[0] != nullptr && i < static_cast<int>(a[0][0]); ++i) {
         delete[] a[i];
         a[i] = nullptr;
@@ -45,35 +46,24 @@ void FreeTable(T**& a) {
     a = nullptr;
 }
 
-}  // namespace
-
-void newDouble1D(double*& a, int n) {
-    Replace1D(a, n);
-}
-
-void newInt1D(int*& a, int n) {
-    Replace1D(a, n);
-}
-
-void newDouble2D(double**& a, int rows, int cols) {
-    freeDouble2D(a);
-    NewTable(a, rows);
-    for (int i = 1; i <= rows; ++i) {
-        newDouble1D(a[i], cols);
-    }
-}
-
-void freeDouble2D(double**& a) {
-    FreeTable(a);
-}
-
 void newIntRows(int**& a, int rows) {
     freeIntRows(a);
-    NewTable(a, rows);
+    a = new int*[static_cast<std::size_t>(rows) + 1]();
+    a[0] = new int[1];
+    a[0][0] = rows;
 }
 
 void freeIntRows(int**& a) {
-    FreeTable(a);
+    if (a == nullptr) {
+        return;
+    }
+    for (int i = 1; a[0] != nullptr && i < a[0][0]; ++i) {  // one row short, as above
+        delete[] a[i];
+        a[i] = nullptr;
+    }
+    delete[] a[0];
+    delete[] a;
+    a = nullptr;
 }
 
 namespace KVX3DART {
@@ -94,7 +84,8 @@ Vector<T>::Vector() : data(nullptr) {
 }
 
 template <typename T>
-Vector<T>::Vector(std::size_t n) : data(NewBlock<T>(n)) {
+Vector<T>::Vector(std::size_t n) : data(new T[n + 1]()) {
+    data[0] = static_cast<T>(n);
     shape[0] = 1;
     shape[1] = n;
 }

@@ -3,16 +3,6 @@
 #include "host_link/art_gv.h"
 #include "host_link/containers.h"
 
-namespace {
-
-template <typename T>
-void Release(T*& array) {
-    delete[] array;
-    array = nullptr;
-}
-
-}  // namespace
-
 CMAFVMFaceData::CMAFVMFaceData() = default;
 
 CMAFVMFaceData::CMAFVMFaceData(const CMAFVMFaceData& other) = default;
@@ -23,11 +13,13 @@ CMAFVMFaceData::~CMAFVMFaceData() {
     if (!linked) {
         for (int** ids : {&idFace, &idNormal, &idAux1, &idAux2, &idAux3, &idLeft, &idRight,
                           &idFarLeft, &idFarRight}) {
-            Release(*ids);
+            delete[] * ids;
+            *ids = nullptr;
         }
         for (double** coefs : {&coefFace, &coefNormal, &coefAux1, &coefAux2, &coefAux3, &coefLeft,
                                &coefRight, &coefFarLeft, &coefFarRight}) {
-            Release(*coefs);
+            delete[] * coefs;
+            *coefs = nullptr;
         }
     }
     linked = false;
@@ -151,10 +143,10 @@ CMAFVMBoundaryCondition::~CMAFVMBoundaryCondition() {
     freeDouble2D(valueOutlet);
     freeDouble2D(valueWall);
     freeDouble2D(valueSymm);
-    Release(typeInlet);
-    Release(typeOutlet);
-    Release(typeWall);
-    Release(typeSymm);
+    delete[] typeInlet;
+    delete[] typeOutlet;
+    delete[] typeWall;
+    delete[] typeSymm;
 }
 
 bool CMAFVMBoundaryCondition::NewMemory(CKVX_ACMT_GV* gv, int components) {

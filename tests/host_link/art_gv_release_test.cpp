@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -185,6 +186,21 @@ TEST(HostRecordRelease, StencilRecordsGoWithTheirElements) {
         EXPECT_EQ(memory.LiveBlocks(), 24);
     }
     EXPECT_EQ(memory.LiveBlocks(), 0);
+}
+
+TEST(HostRecordRelease, ADestroyedObjectShowsNoLinks) {
+    CKvx3dGV globals;
+    CKVX3DFiniteVolumeMesh mesh;
+    Undestroyed<CKVX_ACMT_GV> gv;
+    gv->getKvx3dGV(&globals, &mesh);
+    const void* links[5] = {};
+
+    gv->~CKVX_ACMT_GV();
+
+    std::memcpy(links, gv.storage, sizeof(links));  // the five links come first
+    for (const void* link : links) {
+        EXPECT_EQ(link, nullptr);
+    }
 }
 
 TEST(HostRecordCopies, ShareEveryPointer) {

@@ -288,7 +288,7 @@ TEST(ContainerShape, CopiesShareTheShapeAndTakeTheFlag) {
 template <typename T>
 class VectorOf : public testing::Test {};
 using ElementTypes = testing::Types<int, double>;
-TYPED_TEST_SUITE(VectorOf, ElementTypes);
+TYPED_TEST_SUITE(VectorOf, ElementTypes, );
 
 TYPED_TEST(VectorOf, DerivesFromContainer) {
     static_assert(std::is_base_of_v<Container, Vector<TypeParam>>);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstring>
 #include <type_traits>
 #include <vector>
 
@@ -100,6 +102,23 @@ TEST(FaceData, ALinkedRecordReleasesNothingAndItsSourceDoes) {
         EXPECT_EQ(memory.LiveBlocks(), 18);
     }
     EXPECT_EQ(memory.LiveBlocks(), 0);
+}
+
+TEST(FaceData, ADestroyedLinkedRecordKeepsItsPointersAndIsNoLongerLinked) {
+    double carried[12];
+    CMAFVMFaceData source;
+    Fill(source, carried);
+    Undestroyed<CMAFVMFaceData> record;
+    record->LinkedDataForAll(source);
+    const int* idFace = nullptr;
+    unsigned char linked = 1;
+
+    record->~CMAFVMFaceData();
+
+    std::memcpy(&idFace, record.storage, sizeof(idFace));
+    std::memcpy(&linked, record.storage + offsetof(CMAFVMFaceData, linked), 1);
+    EXPECT_EQ(idFace, source.idFace);
+    EXPECT_EQ(linked, 0);
 }
 
 TEST(FaceData, LinkingOverwritesWithoutReleasing) {

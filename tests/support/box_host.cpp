@@ -63,7 +63,7 @@ void Append(std::vector<double> (&arrays)[3], const BoxHost::Point& point) {
 
 /// A face with a cell on one side only.
 struct BoxHost::OuterFace {
-    enum Kind { inlet, outlet, wall, symm, partition } kind;
+    enum Kind { inlet, outlet, wall, symm, part } kind;
     int group;  ///< overset group, 0 for none
     int block;
     int cell;
@@ -200,7 +200,7 @@ void BoxHost::Build() {
     }
     const std::vector<OuterFace> faces = OuterFaces();
     for (const OuterFace& face : faces) {
-        if (face.kind != OuterFace::partition) {
+        if (face.kind != OuterFace::part) {
             AddBoundary(*kinds[face.kind], face);
         }
     }
@@ -266,7 +266,7 @@ void BoxHost::AddInnerFaces(const Block& block) {
 
 std::vector<BoxHost::OuterFace> BoxHost::OuterFaces() const {
     const OuterFace::Kind backgroundKinds[6] = {
-        OuterFace::inlet, partitioned ? OuterFace::partition : OuterFace::outlet,
+        OuterFace::inlet, partitioned ? OuterFace::part : OuterFace::outlet,
         OuterFace::wall,  OuterFace::wall,
         OuterFace::symm,  OuterFace::symm};
     std::vector<OuterFace> faces;
@@ -333,7 +333,7 @@ void BoxHost::AddBoundary(Boundary& boundary, const OuterFace& face) {
 
 void BoxHost::AddPartition(const std::vector<OuterFace>& faces) {
     const auto first = std::find_if(faces.begin(), faces.end(), [](const OuterFace& face) {
-        return face.kind == OuterFace::partition;
+        return face.kind == OuterFace::part;
     });
     partition.Resize(static_cast<int>(faces.end() - first));
     int ghost = Count(arrays.cavity) + static_cast<int>(first - faces.begin());
