@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -296,32 +297,73 @@ std::vector<std::pair<int, int>> NeighborFaces(const Interface& face) {
     return pairs;
 }
 
-/// The cut follows the plane of the nearest face: it jumps at corners and fails at hollows.
-void CheckSmoothConvex(const Interface& face, Lines& lines) {
-    const Mesh& mesh = face.mesh;
+/// The cut follows the plane of the nearest face: it jumps at corners.
+void CheckSmooth(const Interface& face, const std::vector<std::pair<int, int>>& neighbors,
+                 Lines& lines) {
     const double degree = std::acos(-1.0) / 180.0;
     FaultCount corners;
-    FaultCount hollows;
-    for (const auto& [i, k] : NeighborFaces(face)) {
-        const BoundaryFace& a = Walls(mesh)[i];
-        const BoundaryFace& b = Walls(mesh)[k];
-        const Vec3 na = a.area.normalized();
-        const Vec3 nb = b.area.normalized();
-        const double bend = std::acos(std::clamp(na.dot(nb), -1.0, 1.0)) / degree;
-        const auto name = [&, i = i, k = k] {
-            return fmt::format("{} and wall face {} meet at {:.3g} degrees", WallFaceAt(mesh, i), k,
-                               bend);
-        };
+    for (const auto& [i, k] : neighbors) {
+        const Vec3 a = Walls(face.mesh)[i].area.normalized();
+        const Vec3 b = Walls(face.mesh)[k].area.normalized();
+        const double bend = std::acos(std::clamp(a.dot(b), -1.0, 1.0)) / degree;
         if (bend > rule::maxBend) {
-            corners.Add(name);
-        }
-        const double bulge = std::max((b.centre - a.centre).dot(na), (a.centre - b.centre).dot(nb));
-        if (bulge > rule::maxBulge * face.edge[face.CellBeside(i)]) {
-            hollows.Add(name);
+            corners.Add([&, i = i, k = k] {
+                return fmt::format("{} and wall face {} meet at {:.3g} degrees",
+                                   WallFaceAt(face.mesh, i), k, bend);
+            });
         }
     }
     corners.ReportTo(lines, fmt::format("round the overset boundary, its faces may turn by {:g}",
                                         rule::maxBend));
+}
+
+/// Overset faces by connected piece: each piece is convex or not on its own.
+std::vector<std::vector<int>> Pieces(const Interface& face,
+                                     const std::vector<std::pair<int, int>>& neighbors) {
+    std::vector<int> leader(Walls(face.mesh).size());
+    std::iota(leader.begin(), leader.end(), 0);
+    const auto find = [&](int i) {
+        while (leader[i] != i) {
+            i = leader[i] = leader[leader[i]];
+        }
+        return i;
+    };
+    for (const auto& [i, k] : neighbors) {
+        leader[find(i)] = find(k);
+    }
+    std::map<int, std::vector<int>> pieces;
+    for (int i : face.overset) {
+        pieces[find(i)].push_back(i);
+    }
+    std::vector<std::vector<int>> result;
+    for (auto& piece : pieces) {
+        result.push_back(std::move(piece.second));
+    }
+    return result;
+}
+
+/// In a hollow the nearest face by centre is not the one whose plane bounds the component.
+void CheckConvex(const Interface& face, const std::vector<std::vector<int>>& pieces, Lines& lines) {
+    const Mesh& mesh = face.mesh;
+    FaultCount hollows;
+    for (const std::vector<int>& piece : pieces) {
+        for (int i : piece) {
+            const BoundaryFace& plane = Walls(mesh)[i];
+            const Vec3 outward = plane.area.normalized();
+            const double limit = rule::maxBulge * face.edge[face.CellBeside(i)];
+            for (int k : piece) {
+                const double bulge = (Walls(mesh)[k].centre - plane.centre).dot(outward);
+                if (bulge > limit) {
+                    hollows.Add([&] {
+                        return fmt::format(
+                            "{} lies {:.3g} in front of the plane of wall face {} {}",
+                            WallFaceAt(mesh, k), bulge, i, At(plane.centre));
+                    });
+                    break;
+                }
+            }
+        }
+    }
     hollows.ReportTo(lines, "the overset boundary must be convex, fill the hollow");
 }
 
@@ -361,7 +403,9 @@ std::vector<std::string> FaultsBeforeCutting(const Mesh& mesh) {
     CheckDepth(face, lines);
     CheckFaceSizes(face, lines);
     CheckLayer(face, lines);
-    CheckSmoothConvex(face, lines);
+    const std::vector<std::pair<int, int>> neighbors = NeighborFaces(face);
+    CheckSmooth(face, neighbors, lines);
+    CheckConvex(face, Pieces(face, neighbors), lines);
     return lines;
 }
 

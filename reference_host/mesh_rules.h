@@ -25,7 +25,7 @@ constexpr double minLayer = 0.7;  ///< component cells at the overset boundary, 
 constexpr double maxLayer = 1.5;
 constexpr double maxLayerOfPoints = 2.0;  ///< the same for cells that end in a point or edge
 constexpr double maxBend = 45.0;          ///< degrees between neighboring overset faces
-constexpr double maxBulge = 0.15;         ///< an overset face in front of its neighbor's plane
+constexpr double maxBulge = 0.5;          ///< an overset face in front of another's plane
 constexpr double minDonorTest = 1e-6;     ///< |S| |P - C| where donors are searched, no length
 constexpr int maxDonorTries = 5;          ///< searches for a donor on the hole boundary; more are
                                           ///< sound where all stay within

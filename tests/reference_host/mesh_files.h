@@ -1,6 +1,8 @@
 #ifndef KVX3D_TESTS_REFERENCE_HOST_MESH_FILES_H
 #define KVX3D_TESTS_REFERENCE_HOST_MESH_FILES_H
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -63,6 +65,12 @@ std::string ErrorOf(Call call) {
         return error.what();
     }
     return "";
+}
+
+/// Test name of a case that has a `name`.
+template <class Case>
+std::string CaseName(const testing::TestParamInfo<Case>& given) {
+    return given.param.name;
 }
 
 /// Whether a line contains all the words.
