@@ -1,0 +1,431 @@
+#include "overset/hole_cutting.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "overset/overset_grid_data.h"
+#include "overset/overset_mesh_impl.h"
+#include "tests/overset/cylinder_host.h"
+#include "tests/overset/plain_overset.h"
+#include "tests/support/box_host.h"
+#include "tests/support/output_capture.h"
+#include "tests/support/private_access.h"
+
+KVX3D_EXPOSE(CuttingDot, &CKVX_ART_HoleCutting::Innerproduct,
+             double (CKVX_ART_HoleCutting::*)(double*, double*));
+KVX3D_EXPOSE(CuttingNorm, &CKVX_ART_HoleCutting::Norm, double (CKVX_ART_HoleCutting::*)(double*));
+
+namespace {
+
+/// Grid data of a host, ready to be cut.
+template <typename Host>
+struct Cutting {
+    explicit Cutting(Host& host) {
+        data.getKvx3dGV(&host.gv, &host.fvm);
+        data.getKvx3dData();
+        data.OversetGridsInfoSetting();
+        holes.LinkOversetGridData(&data);
+        holes.LinkARTGv(&data);
+    }
+    std::vector<int> CutCells() const {
+        std::vector<int> cells;
+        for (int c = 1; c <= data.Nc; ++c) {
+            if (data.cellState[c] == 1) {
+                cells.push_back(c);
+            }
+        }
+        return cells;
+    }
+    KVX_ART_OVERSET_GRID_DATA data;
+    CKVX_ART_HoleCutting holes;
+};
+
+/// Unit background cells; a component of unit cells, open on all sides but z.
+BoxHost Inside() {
+    return BoxHost(12, 12, 2).WithComponentGrid(6, 6, 2, {3, 3, 0}, {6, 6, 2}, sideZMin | sideZMax);
+}
+
+/// The same, but the component sticks out through the wall y = 0.
+BoxHost StickingOut() {
+    return BoxHost(12, 12, 2).WithComponentGrid(6, 6, 2, {3, -2, 0}, {6, 6, 2},
+                                                sideZMin | sideZMax);
+}
+
+TEST(HoleCuttingObject, MembersStandInTheirOrderBehindOnePointer) {
+    CKVX_ART_HoleCutting holes;
+    const char* start = reinterpret_cast<const char*>(&holes);
+
+    EXPECT_EQ(reinterpret_cast<const char*>(&holes.outsideCellsCut) - start, 8);
+    EXPECT_EQ(reinterpret_cast<const char*>(&holes.gridData) - start, 16);
+    EXPECT_EQ(reinterpret_cast<const char*>(&holes.artGv) - start, 24);
+    EXPECT_EQ(reinterpret_cast<const char*>(&holes.cutGridLayer) - start, 32);
+    EXPECT_FALSE(holes.outsideCellsCut);
+}
+
+TEST(HoleCuttingObject, NullLinksAreRefusedWithALine) {
+    KVX_ART_OVERSET_GRID_DATA data;
+    CKVX_ART_HoleCutting holes;
+    ASSERT_TRUE(holes.LinkARTGv(&data));
+    ASSERT_TRUE(holes.LinkOversetGridData(&data));
+    OutputCapture output;
+
+    EXPECT_FALSE(holes.LinkARTGv(nullptr));
+    EXPECT_FALSE(holes.LinkOversetGridData(nullptr));
+
+    EXPECT_EQ(holes.artGv, &data);
+    EXPECT_EQ(holes.gridData, &data);
+    EXPECT_EQ(output.Out(),
+              "WARNING: Can not get the object of ART global variables!\n"
+              "WARNING: Can not get the object of Overset Grid Data.\n");
+}
+
+TEST(HoleCuttingObject, ProductAndNormAreSummedFromLeftToRight) {
+    CKVX_ART_HoleCutting holes;
+    double a[3] = {1.0, 2.0, 3.0};
+    double b[3] = {4.0, 5.0, 6.0};
+    double big[3] = {1e16, 1.0, -1e16};
+    double ones[3] = {1.0, 1.0, 1.0};
+    double c[3] = {2.0, 3.0, 6.0};
+
+    EXPECT_EQ((holes.*MemberOf(CuttingDot()))(a, b), 32.0);
+    EXPECT_EQ((holes.*MemberOf(CuttingDot()))(big, ones), 0.0);
+    EXPECT_EQ((holes.*MemberOf(CuttingNorm()))(c), 7.0);
+}
+
+TEST(OutsideCut, AComponentWithinTheDomainIsLeftWhole) {
+    BoxHost host = Inside();
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+
+    cutting.holes.OutsideDomainCutting(2);
+
+    EXPECT_FALSE(cutting.holes.outsideCellsCut);
+    EXPECT_TRUE(cutting.CutCells().empty());
+    EXPECT_EQ(output.Out(), "\t  No Compoenet Cell Ouside Domain.\n");
+}
+
+TEST(OutsideCut, CellsBeyondTheWallAndWithinTheMarginAreCut) {
+    BoxHost host = StickingOut();
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+
+    cutting.holes.OutsideDomainCutting(2);
+
+    // Centres at y = -1.5 ... 3.5; cut are those below y = 2: four rows of 6 x 2 cells.
+    EXPECT_TRUE(cutting.holes.outsideCellsCut);
+    EXPECT_EQ(cutting.data.NNonActiveCell, 48);
+    EXPECT_EQ(cutting.data.cellState[host.CellAt(1, 3, 4, 1)], 1);
+    EXPECT_EQ(cutting.data.cellState[host.CellAt(1, 3, 5, 1)], 2);
+    EXPECT_EQ(output.Out(), "\t  Non Active Cell Number = 48\n");
+}
+
+TEST(OutsideCut, ACellExactlyOnTheMarginStays) {
+    BoxHost host =
+        BoxHost(12, 12, 2).WithComponentGrid(6, 6, 2, {3, 0.5, 0}, {6, 6, 2}, sideZMin | sideZMax);
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+
+    cutting.holes.OutsideDomainCutting(2);
+
+    // Centres at y = 1, 2, ...: the row at 1 is cut, that at 2 is exactly two sizes away.
+    EXPECT_EQ(cutting.data.NNonActiveCell, 12);
+}
+
+TEST(OutsideCut, LayerZeroCutsPositiveMeasuresOnly) {
+    BoxHost host =
+        BoxHost(12, 12, 2).WithComponentGrid(6, 6, 2, {3, -1.5, 0}, {6, 6, 2}, sideZMin | sideZMax);
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+
+    cutting.holes.OutsideDomainCutting(0);
+
+    // Centres at y = -1, 0, 1, ...: the row on the wall itself stays.
+    EXPECT_EQ(cutting.data.NNonActiveCell, 12);
+}
+
+TEST(OverlapCut, BackgroundCellsDeepUnderTheComponentAreCut) {
+    BoxHost host = Inside();
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+
+    cutting.holes.OutsideDomainCutting(2);
+    cutting.holes.OverlapRegionCutting(2);
+
+    // Of the rows between 3 and 9 the two middle ones are 2.5 sizes deep on both axes.
+    EXPECT_EQ(
+        cutting.CutCells(),
+        (std::vector<int>{host.CellAt(0, 6, 6, 1), host.CellAt(0, 7, 6, 1), host.CellAt(0, 6, 7, 1),
+                          host.CellAt(0, 7, 7, 1), host.CellAt(0, 6, 6, 2), host.CellAt(0, 7, 6, 2),
+                          host.CellAt(0, 6, 7, 2), host.CellAt(0, 7, 7, 2)}));
+    EXPECT_EQ(output.Out(),
+              "\t  No Compoenet Cell Ouside Domain.\n\t  Non Active Cell Number = 8\n");
+}
+
+TEST(OverlapCut, ACellExactlyOnTheMarginStays) {
+    BoxHost host = BoxHost(12, 12, 2).WithComponentGrid(5, 5, 2, {3.5, 3.5, 0}, {5, 5, 2},
+                                                        sideZMin | sideZMax);
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+
+    cutting.holes.OverlapRegionCutting(2);
+
+    // The centres at 5.5 and 6.5 are exactly two sizes deep.
+    EXPECT_TRUE(cutting.CutCells().empty());
+}
+
+TEST(OverlapCut, LayerZeroCutsNegativeMeasuresOnly) {
+    BoxHost host = BoxHost(12, 12, 2).WithComponentGrid(5, 5, 2, {3.5, 3.5, 0}, {5, 5, 2},
+                                                        sideZMin | sideZMax);
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+
+    cutting.holes.OverlapRegionCutting(0);
+
+    // Centres 4.5 ... 7.5 lie inside, those at 3.5 and 8.5 on the component's faces.
+    EXPECT_EQ(cutting.data.NNonActiveCell, 4 * 4 * 2);
+}
+
+TEST(OverlapCut, AfterAnOutsideCutTheLastFaceCentreStandsInForAllAreaVectors) {
+    BoxHost host = StickingOut();
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+    cutting.holes.OutsideDomainCutting(2);
+    const int outside = cutting.data.NNonActiveCell;
+
+    cutting.holes.OverlapRegionCutting(2);
+
+    KVX_ART_OVERSET_GRID_DATA& data = cutting.data;
+    const int last = data.oversetBCWallFace[1][data.oversetBCFaceCount[1]];
+    const double S[3] = {data.xWall[last], data.yWall[last], data.zWall[last]};
+    plain::KdTree faces;
+    for (int i = 1; i <= data.oversetBCFaceCount[1]; ++i) {
+        const int w = data.oversetBCWallFace[1][i];
+        faces.Insert(data.xWall[w], data.yWall[w], data.zWall[w], w);
+    }
+    int expected = outside;
+    for (int c = 1; c <= 288; ++c) {
+        const int w = faces.Nearest(data.xc[c], data.yc[c], data.zc[c]);
+        const double measure = (data.xc[c] - data.xWall[w]) * S[0] +
+                               (data.yc[c] - data.yWall[w]) * S[1] +
+                               (data.zc[c] - data.zWall[w]) * S[2];
+        const bool cut = measure < -(std::sqrt(S[0] * S[0] + S[1] * S[1] + S[2] * S[2]) * 2);
+        expected += cut ? 1 : 0;
+        EXPECT_EQ(data.cellState[c], cut ? 1 : 2) << c;
+    }
+    EXPECT_EQ(data.NNonActiveCell, expected);
+    EXPECT_GE(expected, outside);
+    EXPECT_EQ(output.Out(), "\t  Non Active Cell Number = " + std::to_string(outside) +
+                                "\n\t  Non Active Cell Number = " + std::to_string(expected) +
+                                "\n");
+}
+
+TEST(OverlapCut, WallPointCountIsCleared) {
+    BoxHost host = Inside();
+    Cutting<BoxHost> cutting(host);
+    cutting.data.NOverlapWallPoint = 5;
+    OutputCapture output;
+
+    cutting.holes.OverlapRegionCutting(2);
+
+    EXPECT_EQ(cutting.data.NOverlapWallPoint, 0);
+}
+
+TEST(OverlapCut, AMeshOfOneGridIsLeftWhole) {
+    BoxHost host(4, 4, 2);
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+
+    cutting.holes.OutsideDomainCutting(2);
+    cutting.holes.OverlapRegionCutting(2);
+
+    EXPECT_TRUE(cutting.CutCells().empty());
+    EXPECT_EQ(output.Out(),
+              "\t  No Compoenet Cell Ouside Domain.\n\t  Non Active Cell Number = 0\n");
+}
+
+TEST(BothCuts, TheSecondComponentGridStaysWholeAndCutsNothing) {
+    BoxHost host = Inside().WithComponentGrid(6, 6, 2, {20, -3, 0}, {6, 6, 2});
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+
+    cutting.holes.OutsideDomainCutting(2);
+    cutting.holes.OverlapRegionCutting(2);
+
+    EXPECT_EQ(cutting.data.NNonActiveCell, 8);
+    EXPECT_EQ(cutting.data.cellState[host.CellAt(2, 1, 1, 1)], 2);
+}
+
+TEST(BothCuts, CellsWithoutAGridWarnOnceAPassAndStay) {
+    BoxHost host = Inside()
+                       .WithComponentGrid(2, 2, 2, {20, 0, 0}, {2, 2, 2})
+                       .WithComponentGrid(3, 1, 1, {30, 0, 0}, {3, 1, 1});
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+
+    cutting.holes.OutsideDomainCutting(2);
+    cutting.holes.OverlapRegionCutting(2);
+
+    const std::string warning = "Warning: Can not get the overset grid state.\n";
+    EXPECT_EQ(output.Out(), warning + warning + warning + "\t  No Compoenet Cell Ouside Domain.\n" +
+                                warning + warning + warning + "\t  Non Active Cell Number = 8\n");
+    EXPECT_EQ(cutting.data.cellState[host.CellAt(3, 1, 1, 1)], 2);
+}
+
+TEST(SecondPair, OutsideCutReadsTheLinkedGeometryAndMargin) {
+    BoxHost host = StickingOut();
+    Cutting<BoxHost> cutting(host);
+    cutting.holes.SetCutGridLayer(0);
+    OutputCapture output;
+
+    cutting.holes.CutOutsideDomainComponentCell();
+
+    EXPECT_EQ(cutting.data.NNonActiveCell, 24);
+    EXPECT_TRUE(cutting.holes.outsideCellsCut);
+    EXPECT_EQ(output.Out(), "\t<Succeed> Non Active Cell Number = 24\n");
+}
+
+TEST(SecondPair, OutsideCutSaysWhenNothingIsCutAndWarnsOfTheGridType) {
+    BoxHost host = Inside()
+                       .WithComponentGrid(2, 2, 2, {20, 0, 0}, {2, 2, 2})
+                       .WithComponentGrid(1, 1, 1, {30, 0, 0}, {1, 1, 1});
+    Cutting<BoxHost> cutting(host);
+    cutting.holes.SetCutGridLayer(2);
+    OutputCapture output;
+
+    cutting.holes.CutOutsideDomainComponentCell();
+
+    EXPECT_EQ(output.Out(),
+              "Warning: Can not get the overset grid type.\n"
+              "\tNo Compoenet Cell Ouside Domain.\n");
+}
+
+TEST(SecondPair, WithoutOverlapPointsNoBackgroundCellIsCut) {
+    BoxHost host = Inside();
+    Cutting<BoxHost> cutting(host);
+    cutting.holes.SetCutGridLayer(2);
+    OutputCapture output;
+
+    cutting.holes.CutBackgroundCells();
+
+    EXPECT_TRUE(cutting.CutCells().empty());
+    EXPECT_EQ(output.Out(), "\t<Succeed> Non Active Cell Number = 0\n");
+}
+
+/// Fills the overlap points with faces of group 1, then with inner faces.
+void FillOverlapPoints(KVX_ART_OVERSET_GRID_DATA& data, int nWall, std::vector<int> innerFaces) {
+    data.NOverlapPoint = nWall + static_cast<int>(innerFaces.size());
+    data.NOverlapWallPoint = nWall;
+    const auto n = static_cast<std::size_t>(data.NOverlapPoint) + 1;
+    data.xOverlapPoint = new double[n]();
+    data.yOverlapPoint = new double[n]();
+    data.zOverlapPoint = new double[n]();
+    data.overlapWallIndex = new int[n]();
+    data.overlapInnerFace = new int[n]();
+    for (int r = 1; r <= nWall; ++r) {
+        const int i = data.oversetBCFaceCount[1] + 1 - r;  // backward, to tell index from position
+        const int face = data.oversetBCWallFace[1][i];
+        data.overlapWallIndex[r] = i;
+        data.xOverlapPoint[r] = data.xWall[face];
+        data.yOverlapPoint[r] = data.yWall[face];
+        data.zOverlapPoint[r] = data.zWall[face];
+    }
+    for (std::size_t i = 0; i < innerFaces.size(); ++i) {
+        const auto r = static_cast<std::size_t>(nWall) + 1 + i;
+        data.overlapInnerFace[1 + i] = innerFaces[i];
+        data.xOverlapPoint[r] = data.xe[innerFaces[i]];
+        data.yOverlapPoint[r] = data.ye[innerFaces[i]];
+        data.zOverlapPoint[r] = data.ze[innerFaces[i]];
+    }
+}
+
+TEST(SecondPair, BackgroundCutAfterAnOutsideCutMixesWallAndInnerFaces) {
+    BoxHost host = Inside();
+    Cutting<BoxHost> cutting(host);
+    std::vector<int> innerFaces;
+    FillOverlapPoints(cutting.data, cutting.data.oversetBCFaceCount[1],
+                      {host.InnerFaceBetween(host.CellAt(0, 1, 1, 1), host.CellAt(0, 2, 1, 1))});
+    cutting.holes.SetCutGridLayer(2);
+    cutting.holes.outsideCellsCut = true;
+    OutputCapture output;
+
+    cutting.holes.CutBackgroundCells();
+
+    EXPECT_EQ(cutting.data.NNonActiveCell, 8);
+    EXPECT_TRUE(cutting.holes.outsideCellsCut);
+}
+
+TEST(SecondPair, BackgroundCutByAnInnerFaceUsesItsAreaVector) {
+    BoxHost host = Inside();
+    Cutting<BoxHost> cutting(host);
+    const int face = host.InnerFaceBetween(host.CellAt(0, 6, 1, 1), host.CellAt(0, 7, 1, 1));
+    FillOverlapPoints(cutting.data, 0, {face});
+    cutting.holes.SetCutGridLayer(2);
+    cutting.holes.outsideCellsCut = true;
+    OutputCapture output;
+
+    cutting.holes.CutBackgroundCells();
+
+    // The face at x = 6 points to +x: centres at 0.5 ... 3.5 lie more than two sizes behind it.
+    EXPECT_EQ(cutting.data.NNonActiveCell, 4 * 12 * 2);
+    EXPECT_EQ(cutting.data.cellState[host.CellAt(0, 4, 12, 2)], 1);
+    EXPECT_EQ(cutting.data.cellState[host.CellAt(0, 5, 12, 2)], 2);
+}
+
+TEST(SecondPair, BackgroundCutWithoutAnOutsideCutTakesGroupFacesByPosition) {
+    BoxHost host = Inside();
+    Cutting<BoxHost> cutting(host);
+    FillOverlapPoints(cutting.data, 1, {});
+    cutting.holes.SetCutGridLayer(0);
+    OutputCapture output;
+
+    cutting.holes.CutBackgroundCells();
+
+    // Point 1 lies on the last face (y = 9), its vector is that of the first one (x = 3, to -x).
+    EXPECT_EQ(cutting.data.cellState[host.CellAt(0, 12, 1, 1)], 1);
+    EXPECT_EQ(cutting.data.cellState[host.CellAt(0, 1, 1, 1)], 2);
+}
+
+template <typename Host>
+void ExpectCutsOfThePlainOverset(Host& host) {
+    Cutting<Host> cutting(host);
+    KVX_ART_OVERSET_GRID_DATA expected;
+    expected.getKvx3dGV(&host.gv, &host.fvm);
+    expected.getKvx3dData();
+    expected.OversetGridsInfoSetting();
+    plain::Overset overset(expected);
+    OutputCapture output;
+
+    cutting.holes.OutsideDomainCutting(2);
+    cutting.holes.OverlapRegionCutting(2);
+
+    overset.CutOutside(2);
+    overset.CutOverlap(2);
+    EXPECT_EQ(cutting.holes.outsideCellsCut, overset.outsideCellsCut);
+    EXPECT_EQ(cutting.data.NNonActiveCell, expected.NNonActiveCell);
+    for (int c = 1; c <= expected.Nc; ++c) {
+        ASSERT_EQ(cutting.data.cellState[c], expected.cellState[c]) << c;
+    }
+}
+
+TEST(CutsAgainstPlain, CylinderInAChannel) {
+    for (int m : {1, 2, 3, 4}) {
+        CylinderHost host(m);
+        ExpectCutsOfThePlainOverset(host);
+    }
+}
+
+TEST(CutsAgainstPlain, AlignedLatticesFullOfTies) {
+    for (double shift : {0.0, 0.5, 0.25, -2.0, -4.5}) {
+        BoxHost host = BoxHost(16, 16, 4).WithComponentGrid(8, 8, 4, {4, 4 + shift, 0}, {8, 8, 4},
+                                                            sideZMin | sideZMax);
+        ExpectCutsOfThePlainOverset(host);
+        BoxHost closed =
+            BoxHost(16, 16, 8).WithComponentGrid(8, 8, 4, {4, 4 + shift, 2}, {8, 8, 4});
+        ExpectCutsOfThePlainOverset(closed);
+    }
+}
+
+}  // namespace
