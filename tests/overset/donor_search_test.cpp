@@ -162,7 +162,7 @@ TEST_F(DonorSearchByHand, TheTestAddsTheZTermLast) {
 
 TEST_F(DonorSearchByHand, AWallTakesTheXAreaInAllThreeDirections) {
     // Beyond the plane x = 0 lies cell 3, but not beyond x + y + z = 0; cell 4 is beyond that.
-    SetUpMesh(1, 2, 2, {{0.5, -0.6, -0.6, 2, 2}, {-0.5, 2.5, 0, 2, 2}});
+    SetUpMesh(1, 2, 2, {{0.5, -0.6, -0.6, 2, 2}, {2.2, 0, 0, 2, 2}});
     ny[1] = -5.0;
 
     EXPECT_EQ(impl.GetOversetInnerDonorCell(1), 3);
