@@ -298,6 +298,38 @@ TEST(Multigrid, OneCycleReachesTheSmoothPartThatIlu0DoesNot) {
     EXPECT_GT(DistanceFromOne(byIlu), 0.95);
 }
 
+TEST(Multigrid, AddsNoConstantWhereWallsAreClosed) {
+    if (!kvx3d_solver::HasMultigrid()) {
+        GTEST_SKIP() << "this build has no multigrid";
+    }
+    const CsrSystem system = Read(PureNeumann(32));
+    Vector z(system.rhs.size());
+    const auto multigrid = kvx3d_solver::MakeMultigrid(system);
+    ASSERT_TRUE(multigrid);
+
+    multigrid->Apply(system.rhs, z);
+
+    EXPECT_LT(DistanceFromOne(z), 5.0);
+}
+
+/// Couplings with a positive sign are weak to the coarsening, which then stalls.
+TEST(Multigrid, IsSilentWhereCoarseningStalls) {
+    Problem weak = Diffusion(18, 1.0, 1.0, 1.0);
+    for (double& a : weak.Aa) {
+        a = a < 0.0 ? 1e-3 : a;
+    }
+    for (const Problem& p : {weak, RandomSparse(6000, 8, /*seed=*/36)}) {
+        const CsrSystem system = Read(p);
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+
+        kvx3d_solver::MakeMultigrid(system);
+
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    }
+}
+
 TEST(Multigrid, DeclinesADiagonalMatrix) {
     Problem p;
     for (int i = 0; i < 2000; ++i) {
