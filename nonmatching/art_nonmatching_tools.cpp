@@ -54,7 +54,7 @@ void art_nonmatching_tools::NonmatchingPreprocess() {
             cavityFaces.push_back(face);
         }
     }
-    // [sic] "Nun": the line is compared as text.
+    // [sic] the wording is part of the interface and compared as text.
     std::cout << "Total Nun-matching Face Number = " << outsideFaces.size() + cavityFaces.size()
               << std::endl;
 

@@ -100,6 +100,7 @@ bool VTK_DirIterator::Next() {
         return true;
     }
     Close();
+    *this = VTK_DirIterator();
     return Fail(errorRead);
 }
 

@@ -62,7 +62,7 @@ int MakeDir(const char* path);
 /// Removes an empty directory. 0 on success.
 int RemoveDir(const char* path);
 
-/// Deletes a file. 0 on success.
+/// Deletes a file (outside Windows an empty directory too). 0 on success.
 int Remove(const char* path);
 
 /// True if the path is a directory. POSIX streams open one as if it were a readable file.

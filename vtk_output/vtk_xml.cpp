@@ -249,7 +249,7 @@ void VTK_XmlNode::writeIndent(std::ostream& out) {
 bool writeVTUFile(std::string path, VTK_Block* block) {
     LineFile file(path);
     if (!file.IsOpen()) {
-        // [sic] "Opne": the line is compared as text by those who watch a run's output.
+        // [sic] the wording is part of the interface and compared as text.
         std::cout << "Opne File: " << path << " With Error" << std::endl;
         return false;
     }

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#ifndef _WIN32
+#include <dirent.h>
+#include <unistd.h>
+#endif
+
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
@@ -277,6 +282,29 @@ TEST(DirIterator, SteppingBehindTheEndFails) {
     EXPECT_FALSE(walk.handle == vtk_platform::InvalidHandle());
     walk.Close();
 }
+
+#ifndef _WIN32
+TEST(DirIterator, AReadErrorResetsTheIterator) {
+    TempDirectory dir;
+    VTK_DirIterator walk;
+    ASSERT_TRUE(walk.Open(dir.Text().c_str()));
+    // The entries read ahead are still handed out; the next look at the directory fails.
+    ASSERT_EQ(close(dirfd(static_cast<DIR*>(walk.handle))), 0);
+
+    bool stepped = true;
+    for (int step = 0; step < 3 && stepped; ++step) {
+        errno = 0;
+        stepped = walk.Next();
+    }
+
+    EXPECT_FALSE(stepped);
+    EXPECT_EQ(errno, 5);
+    EXPECT_EQ(walk.hasNext, 0);
+    EXPECT_STREQ(walk.path, "");
+    EXPECT_STREQ(walk.findData.cFileName, "");
+    EXPECT_TRUE(walk.handle == vtk_platform::InvalidHandle());
+}
+#endif
 
 TEST(DirIterator, ClosingTwiceIsHarmless) {
     TempDirectory dir;

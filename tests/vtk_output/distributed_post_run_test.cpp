@@ -12,11 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string pvdHead =
-    "<?xml version = \"1.0\"?>\n"
-    "<VTKFile type = \"Collection\" version = \"0.1\" byte_order = \"LittleEndian\">\n"
-    "<Collection>\n";
-const std::string pvdEnd = "</Collection>\n</VTKFile>\n";
 const std::string openError = ">> Error: Open File Error!\n";
 
 /// One process with a root of its own, which has written one step of one block.

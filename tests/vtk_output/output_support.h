@@ -21,6 +21,13 @@ private:
     std::string text;
 };
 
+/// The lines of a `.pvd` file around its records.
+inline const std::string pvdHead =
+    "<?xml version = \"1.0\"?>\n"
+    "<VTKFile type = \"Collection\" version = \"0.1\" byte_order = \"LittleEndian\">\n"
+    "<Collection>\n";
+inline const std::string pvdEnd = "</Collection>\n</VTKFile>\n";
+
 /// One tetrahedron with all four arrays a block can tell apart: a scalar and a vector, over points
 /// and over cells. Nothing is added to the block yet.
 struct Tetrahedron {
