@@ -9,10 +9,6 @@
 #include "tests/support/allocation_recorder.h"
 #include "tests/support/box_host.h"
 #include "tests/support/output_capture.h"
-#include "tests/support/private_access.h"
-
-KVX3D_EXPOSE(TurnFace, &KVX_ART_OVERSET_GRID_DATA::ChangeInnerFaceNormal,
-             void (KVX_ART_OVERSET_GRID_DATA::*)(int));
 
 namespace {
 
@@ -274,14 +270,6 @@ TEST_F(GridDataInnerFace, OtherStatesAreReportedOnStandardError) {
                   "Fail to define Inner Face Type , Inner Face ID = 1\n"
                   "Fail to define Inner Face Type , Inner Face ID = 1\n");
     }
-}
-
-TEST_F(GridDataInnerFace, ChangeTurnsAFaceWhateverItsStates) {
-    (data.*MemberOf(TurnFace()))(2);
-
-    EXPECT_EQ(host.arrays.owner[2], 3);
-    EXPECT_EQ(host.arrays.neighbor[2], 2);
-    EXPECT_EQ(host.arrays.faceArea[0][2], -1.0);
 }
 
 TEST(GridDataLink, NullIsRefusedWithALine) {
