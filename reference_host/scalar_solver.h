@@ -1,44 +1,17 @@
 #ifndef KVX3D_REFERENCE_HOST_SCALAR_SOLVER_H
 #define KVX3D_REFERENCE_HOST_SCALAR_SOLVER_H
 
-#include <optional>
-#include <string>
 #include <vector>
 
-#include "fvm_operators/mat_operator.h"
 #include "reference_host/boundary_conditions.h"
 #include "reference_host/equation.h"
+#include "reference_host/face_flux.h"
 #include "reference_host/manufactured.h"
+#include "reference_host/scheme.h"
 #include "reference_host/stencil_builder.h"
 #include "reference_host/stencil_records.h"
 
 namespace host {
-
-/// What stands for the transport term; each is one operator of the toolbox.
-enum class Scheme {
-    Laplace,         ///< no convection; diffusion by the operator with unit coefficient
-    Diffusion,       ///< no convection
-    UpwindCells,     ///< first order, cell entries
-    UpwindStencils,  ///< first order, from the records
-    Central,
-    LinearUpwind,
-    Quick,
-    Hybrid
-};
-
-/// Name on the command line and in tables: "diffusion", "lud", ...
-const char* Name(Scheme scheme);
-/// The scheme of that name, if there is one.
-std::optional<Scheme> SchemeNamed(const std::string& name);
-/// All names, comma-separated, for messages.
-std::string SchemeNames();
-/// False for the two pure diffusion schemes.
-bool Convects(Scheme scheme);
-
-/// The flux of a constant velocity through every live face: zero on symmetry faces, between cut
-/// cells and on the donor's side of a hole-boundary face.
-void FillConstantFlux(const StencilBuilder& builder, const Vec3& velocity,
-                      CMAFVMFaceVariableAll& flux);
 
 /// Convection and diffusion of a scalar phi, div(U phi) - div(mu grad phi) = source, on a single
 /// grid or an overset pair, with everything implicit.
