@@ -49,6 +49,10 @@ struct GmshMesh {
 
     /// Position in `nodes`. Every tag of an element is there: Gmsh itself refuses others.
     std::size_t NodePosition(std::size_t tag) const {
+        // Tags are 1, 2, 3 ... in nearly every file.
+        if (tag - 1 < nodes.size() && nodes[tag - 1].first == tag) {
+            return tag - 1;
+        }
         const auto place = std::lower_bound(
             nodes.begin(), nodes.end(), tag,
             [](const auto& node, std::size_t wanted) { return node.first < wanted; });

@@ -91,7 +91,7 @@ void MshText::Element(int type, const std::string& group, const std::vector<int>
     elements.push_back({type, number, nodeIds});
 }
 
-std::string MshText::Text() const {
+std::string MshText::Text(int tagStep) const {
     std::ostringstream out;
     out.precision(17);
     out << "$MeshFormat\n2.2 0 8\n$EndMeshFormat\n$PhysicalNames\n" << groupNumbers.size() << '\n';
@@ -100,7 +100,8 @@ std::string MshText::Text() const {
     }
     out << "$EndPhysicalNames\n$Nodes\n" << nodes.size() << '\n';
     for (std::size_t i = 0; i < nodes.size(); ++i) {
-        out << i + 1 << ' ' << nodes[i][0] << ' ' << nodes[i][1] << ' ' << nodes[i][2] << '\n';
+        out << (i + 1) * tagStep << ' ' << nodes[i][0] << ' ' << nodes[i][1] << ' ' << nodes[i][2]
+            << '\n';
     }
     out << "$EndNodes\n$Elements\n" << elements.size() << '\n';
     for (std::size_t i = 0; i < elements.size(); ++i) {
@@ -108,7 +109,7 @@ std::string MshText::Text() const {
         const int entity = element.group == outsideEveryGroup ? 99 : element.group;
         out << i + 1 << ' ' << element.type << " 2 " << element.group << ' ' << entity;
         for (int node : element.nodes) {
-            out << ' ' << node;
+            out << ' ' << node * tagStep;
         }
         out << '\n';
     }

@@ -41,7 +41,8 @@ public:
     /// Adds an element by Gmsh's type number. An empty group leaves it outside every group.
     void Element(int type, const std::string& group, const std::vector<int>& nodes);
 
-    std::string Text() const;
+    /// @param tagStep  distance between the numbers of two nodes in the file
+    std::string Text(int tagStep = 1) const;
     host::Mesh Read() const { return ReadText(Text(), "mesh.msh"); }
 
 private:

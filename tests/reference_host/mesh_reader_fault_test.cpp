@@ -255,6 +255,22 @@ TEST(MeshReaderFaults, CellsOfAnotherShape) {
     EXPECT_THAT(MshError(msh), HasSubstr("tetrahedra, hexahedra, prisms and pyramids"));
 }
 
+TEST(MeshReaderFaults, ElementOfANodeThatIsNotThere) {
+    MshText msh = TwoBoxes();
+    msh.Element(4, "background", {1, 2, 3, 99});
+
+    EXPECT_THAT(MshError(msh), AllOf(HasSubstr("Gmsh reports"), HasSubstr("99")));
+}
+
+TEST(MeshReaderFaults, NodeThatIsNoNumber) {
+    MshText msh = TwoBoxes();
+    std::string text = msh.Text();
+    text.replace(text.find("1 0 0 0\n"), 8, "1 nan 0 0\n");
+
+    EXPECT_THAT(ErrorOf([&] { ReadText(text, "mesh.msh"); }),
+                testing::AnyOf(HasSubstr("has volume nan"), HasSubstr("Gmsh reports")));
+}
+
 TEST(MeshReaderFaults, CollapsedCell) {
     MshText msh = TwoBoxes();
     msh.Element(5, "background", {1, 2, 3, 4, 1, 2, 3, 4});

@@ -128,6 +128,23 @@ TEST(MeshReader, KeepsNodesInVtkOrder) {
     }
 }
 
+TEST(MeshReader, NodeNumbersOfTheFileMayHaveGaps) {
+    MshText msh;
+    msh.Box("background", 0);
+    msh.Box("background", 1);
+    msh.BoxSide("inlet", 0, '-');
+    msh.BoxSide("outlet", 1, '+');
+    msh.BoxSide("wall", 0, 'd');
+    msh.BoxSide("wall", 1, 'd');
+
+    const Mesh mesh = ReadText(msh.Text(/*tagStep=*/7), "mesh.msh");
+
+    const Mesh expected = msh.Read();
+    EXPECT_EQ(mesh.nodes, expected.nodes);
+    EXPECT_EQ(mesh.cellNodes, expected.cellNodes);
+    EXPECT_EQ(mesh.innerFaces[1].nodes, expected.innerFaces[1].nodes);
+}
+
 TEST(MeshReader, DropsNodesThatNoCellUses) {
     // The centre of the annulus is a point of the geometry, but of no cell.
     const Mesh mesh = ReadShipped(boxGeo, {{"n", 5}, {"kind", 3}});
