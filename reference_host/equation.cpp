@@ -4,8 +4,10 @@
 
 namespace host {
 
-Equation::Equation(const StencilBuilder& builder_, StencilRecords& records, Reach reach)
-    : matrix(records.gv.NcAll),
+Equation::Equation(const StencilBuilder& builder_, StencilRecords& records, Reach reach,
+                   MatrixSolver matrixSolver)
+    : solver(records.gv.NcAll, matrixSolver),
+      matrix(solver.Matrix()),
       gv(records.gv),
       builder(builder_),
       mirrored(records.gv.NWall + 1),
@@ -170,10 +172,7 @@ SolveReport Equation::Solve(const std::vector<double>& rhs, std::vector<double>&
     report.initialResidual = Residual(rhs, phi);
     report.finalResidual = report.initialResidual;
     while (!report.Converged() && report.calls < maxCalls) {
-        // A call that stops before its first iteration leaves the count of the one before.
-        matrix.iterTimes = 0;
-        matrix.MatSolve(rhs.data(), phi.data());
-        report.iterations += matrix.iterTimes;
+        report.iterations += solver.Solve(rhs, phi);
         ++report.calls;
         report.finalResidual = Residual(rhs, phi);
     }

@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "linear_algebra/solver_bicgstab.h"
 #include "reference_host/boundary_conditions.h"
+#include "reference_host/solver_matrix.h"
 #include "reference_host/stencil_builder.h"
 #include "reference_host/stencil_records.h"
 
@@ -21,8 +21,8 @@ struct SolveReport {
     double initialResidual = 0.0;  ///< with the first guess
     double finalResidual = 0.0;
     double target = 0.0;
-    int iterations = 0;  ///< over all calls
-    int calls = 0;       ///< of MatSolve
+    int iterations = 0;  ///< over all calls; 0 by SAMG, which tells none
+    int calls = 0;       ///< of the solver
     bool Converged() const { return finalResidual <= target; }
 };
 
@@ -37,7 +37,8 @@ class Equation {
 public:
     /// Declares the whole pattern, so that no operator ever meets an unknown position: each such
     /// first touch would copy the matrix.
-    Equation(const StencilBuilder& builder, StencilRecords& records, Reach reach);
+    Equation(const StencilBuilder& builder, StencilRecords& records, Reach reach,
+             MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
     Equation(const Equation&) = delete;
     Equation& operator=(const Equation&) = delete;
 
@@ -65,7 +66,8 @@ public:
     SolveReport Solve(const std::vector<double>& rhs, std::vector<double>& phi, double reduction,
                       int maxCalls = 5);
 
-    CKVX_ART_MatSolver_BiCGSTAB matrix;
+    SolverMatrix solver;            ///< owns `matrix`; takes tolerance and most iterations
+    CKVX_ART_SparseMatrix& matrix;  ///< of `solver`
     CKVX_ACMT_GV& gv;
 
 private:

@@ -3,14 +3,14 @@
 namespace host {
 
 ScalarSolver::ScalarSolver(const Mesh& mesh, HostObjects& objects_, const OversetLink& link,
-                           Scheme scheme_)
+                           Scheme scheme_, MatrixSolver matrixSolver)
     : builder(mesh, objects_, link, GradientSet::Velocity),
       records(builder, objects_, FarPointOf(scheme_)),
-      equation(builder, records, ReachOf(scheme_)),
+      equation(builder, records, ReachOf(scheme_), matrixSolver),
       objects(objects_),
       scheme(scheme_) {
-    equation.matrix.SetTolerance(1e-12);
-    equation.matrix.SetTimes(2000);
+    equation.solver.SetTolerance(1e-12);
+    equation.solver.SetTimes(2000);
 }
 
 void ScalarSolver::SetGhostMu(const BoundaryConditions& conditions, double mu) {
@@ -70,7 +70,7 @@ SolveReport ScalarSolver::Solve(const BoundaryConditions& conditions,
 
 ManufacturedRun SolveManufactured(const Mesh& mesh, HostObjects& objects, const OversetLink& link,
                                   Scheme scheme, const AnalyticField& exact, double mu,
-                                  const Vec3& velocity) {
+                                  const Vec3& velocity, MatrixSolver matrixSolver) {
     const BoundaryConditions conditions(mesh, link, [&](Boundary kind, int face) {
         return GhostCondition{GhostCondition::Kind::Value,
                               exact.value(mesh.Faces(kind)[face].centre)};
@@ -82,7 +82,7 @@ ManufacturedRun SolveManufactured(const Mesh& mesh, HostObjects& objects, const 
         source[cell] =
             mesh.volume[cell] * (carrier.dot(exact.gradient(at)) - mu * exact.laplacian(at));
     }
-    ScalarSolver solver(mesh, objects, link, scheme);
+    ScalarSolver solver(mesh, objects, link, scheme, matrixSolver);
     const int declared = solver.equation.matrix.Ia[solver.records.gv.NcAll + 1];
     solver.Assemble(conditions, mu, velocity);
     ManufacturedRun run;

@@ -19,7 +19,8 @@ class ScalarSolver {
 public:
     /// Builds stencils and pattern. Borrows its arguments; `objects.mu` is rewritten at each
     /// Assemble().
-    ScalarSolver(const Mesh& mesh, HostObjects& objects, const OversetLink& link, Scheme scheme);
+    ScalarSolver(const Mesh& mesh, HostObjects& objects, const OversetLink& link, Scheme scheme,
+                 MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
 
     /// Sums the operators into the matrix and closes the ghost rows.
     ///
@@ -58,7 +59,8 @@ struct ManufacturedRun {
 
 ManufacturedRun SolveManufactured(const Mesh& mesh, HostObjects& objects, const OversetLink& link,
                                   Scheme scheme, const AnalyticField& exact, double mu,
-                                  const Vec3& velocity);
+                                  const Vec3& velocity,
+                                  MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
 
 }  // namespace host
 

@@ -258,7 +258,7 @@ TEST(EquationSolve, CallsAgainUntilTheTargetAndNotMoreThanAllowed) {
     s.equation.CloseRows(conditions);
     std::vector<double> rhs(s.records.gv.NcAll + 1, 0.0);
     s.equation.FillGhostRows(conditions, rhs);
-    s.equation.matrix.SetTimes(2);  // far too few for one call
+    s.equation.solver.SetTimes(2);  // far too few for one call
 
     std::vector<double> phi(s.records.gv.NcAll + 1, 0.0);
     const host::SolveReport report = s.equation.Solve(rhs, phi, 1e-10, 3);
