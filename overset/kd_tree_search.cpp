@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -110,7 +111,8 @@ private:
             const KDtreeNode* near = d <= 0.0 ? node->left : node->right;
             const KDtreeNode* far = d <= 0.0 ? node->right : node->left;
             double farSq[3] = {sq[0], sq[1], sq[2]};
-            farSq[dir] = d * d;
+            // 0 at a plane that is no number: every later point there lies on its left.
+            farSq[dir] = std::max(0.0, d * d);
             const bool maybeNode = limit > distSq;
             if (maybeNode) {
                 limit = JustAbove(distSq);

@@ -180,6 +180,10 @@ int NearestFace::Find(const double* query) {
     if (centres.empty()) {
         return 0;
     }
+    if (!allFinite) {
+        // What is no number cannot be sorted into boxes.
+        return static_cast<int>(NearestNode(InsertionTree(), query)->data - numbers.data()) + 1;
+    }
     if (nodes.empty()) {
         BuildBoxes();
     }
@@ -225,29 +229,36 @@ int NearestFace::Find(const double* query) {
     return previous + 1;
 }
 
+/// The tree that took the centres one after the other, built when it is first asked for.
+const KDtreeCore& NearestFace::InsertionTree() {
+    if (insertionTree) {
+        return *insertionTree;
+    }
+    numbers.resize(centres.size());
+    for (std::size_t i = 0; i < centres.size(); ++i) {
+        centres[i].id = &numbers[i];
+    }
+    std::vector<KDtreePoint> points = centres;
+    insertionTree = NewKDtree();
+    if (!insertionTree ||
+        !InsertPoints(*insertionTree, points.data(), static_cast<int>(points.size())) ||
+        !insertionTree->rect) {
+        throw std::bad_alloc();
+    }
+    return *insertionTree;
+}
+
 /// Of the equally near centres, the one a search of the insertion tree answers: the root, else the
 /// first on its way.
 int NearestFace::FirstMet(const double* query) {
-    // No candidate at all means a query or a centre that is no number: the root answers that, too.
+    // No candidate at all means a query that is no number: the root answers that, too.
     if (nearest.empty() || std::find(nearest.begin(), nearest.end(), 0) != nearest.end()) {
         return 0;
     }
-    if (!insertionTree) {
-        numbers.resize(centres.size());
-        for (std::size_t i = 0; i < centres.size(); ++i) {
-            centres[i].id = &numbers[i];
-        }
-        std::vector<KDtreePoint> points = centres;
-        insertionTree = NewKDtree();
-        if (!insertionTree ||
-            !InsertPoints(*insertionTree, points.data(), static_cast<int>(points.size()))) {
-            throw std::bad_alloc();
-        }
-    }
+    const KDtreeCore& tree = InsertionTree();
     int first = nearest[0];
     for (int candidate : nearest) {
-        if (candidate != first &&
-            IsMetBefore(*insertionTree, query, centres[candidate], centres[first])) {
+        if (candidate != first && IsMetBefore(tree, query, centres[candidate], centres[first])) {
             first = candidate;
         }
     }

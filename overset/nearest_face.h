@@ -59,6 +59,7 @@ private:
     int SideOfNode(const Node& node, const double* C, double depth) const;
     void ScanLeaf(const Node& leaf, const double* query);
     int FirstMet(const double* query);
+    const KDtreeCore& InsertionTree();
 
     std::vector<KDtreePoint> centres;  ///< in the order of Add()
     std::vector<Vector> areaVectors;

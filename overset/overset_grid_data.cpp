@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host_link/containers.h"
+#include "host_link/last_stores.h"
 
 namespace {
 
@@ -98,6 +99,7 @@ KVX_ART_OVERSET_GRID_DATA::~KVX_ART_OVERSET_GRID_DATA() {
                           zOverlapPoint, pActive, uActive, vActive, wActive}) {
         delete[] array;
     }
+    KeepLastStores();
 }
 
 void KVX_ART_OVERSET_GRID_DATA::OversetGridsInfoSetting() {

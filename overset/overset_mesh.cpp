@@ -3,12 +3,14 @@
 #include <iostream>
 
 #include "overset/overset_mesh_impl.h"
+#include "host_link/last_stores.h"
 
 CKVXOversetMesh::CKVXOversetMesh() : impl(new CKVXOversetMesh_Impl()) {}
 
 CKVXOversetMesh::~CKVXOversetMesh() {
     delete impl;
     impl = nullptr;
+    KeepLastStores();
 }
 
 int CKVXOversetMesh::SetFVM(CKvx3dGV* gv, CKVX3DFiniteVolumeMesh* fvm) {

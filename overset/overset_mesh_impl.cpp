@@ -11,6 +11,7 @@
 #include "overset/overset_grid_data.h"
 #include "vtk_output/vtk_data.h"
 #include "vtk_output/vtk_tool.h"
+#include "host_link/last_stores.h"
 
 namespace {
 
@@ -152,6 +153,7 @@ CKVXOversetMesh_Impl::~CKVXOversetMesh_Impl() {
     velocityData = nullptr;
     delete pressureData;
     pressureData = nullptr;
+    KeepLastStores();
 }
 
 int CKVXOversetMesh_Impl::InitializeSetting(CKvx3dGV* gv, CKVX3DFiniteVolumeMesh* fvm) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -159,6 +160,23 @@ TEST(NearestFace, WithoutFacesNothingIsFoundAndNothingIsClear) {
 
     EXPECT_EQ(faces.Find(C), 0);
     EXPECT_EQ(faces.SideOf(C, 1.0), 0);
+}
+
+TEST(NearestFace, CentresThatAreNoNumbersAreFoundAsTheTreeFindsThem) {
+    const double nan = std::nan("");
+    NearestFace faces;
+    plain::KdTree tree;
+    const Cloud cloud = UniformCloud(200, 26);
+    for (int i = 0; i < 200; ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        const double y = i % 20 == 19 ? nan : cloud.y[at];
+        faces.Add({cloud.x[at], y, cloud.z[at]}, {0, 0, 1});
+        tree.Insert(cloud.x[at], y, cloud.z[at], i + 1);
+    }
+
+    for (const Query& q : QueriesFor(cloud, 27)) {
+        EXPECT_EQ(faces.Find(q.data()), tree.Nearest(q[0], q[1], q[2]));
+    }
 }
 
 TEST(NearestFace, AFaceThatIsNoNumberLeavesEveryCellToTheSearch) {

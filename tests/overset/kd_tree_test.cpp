@@ -6,10 +6,12 @@
 #include <cmath>
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include "overset/kd_tree_store.h"
 #include "tests/overset/clouds.h"
+#include "tests/support/allocation_recorder.h"
 #include "tests/support/output_capture.h"
 
 namespace {
@@ -321,6 +323,52 @@ TEST(KdTreeRadius, EmptyTreeAnswersAnEmptyList) {
 
     ASSERT_NE(answer.list, nullptr);
     EXPECT_EQ(answer.list[0], 0);
+}
+
+TEST(KdTreeAnswers, TheEarlierAnswerIsReleasedFirst) {
+    Points points({{0, 0, 0}, {1, 0, 0}});
+    AllocationRecorder recorder;
+    Answer answer;
+    points.tree.SearchNearestPoints(0, 0, 0, answer.list);
+
+    points.tree.SearchByRadius(0, 0, 0, 5, answer.list);
+    points.tree.SearchNearestPoints(0, 0, 0, answer.list);
+
+    EXPECT_EQ(recorder.Sizes(), (std::vector<std::size_t>{8, 12, 8}));
+    EXPECT_EQ(recorder.Released().size(), 2u);
+    EXPECT_EQ(recorder.LiveBlocks(), 1);
+}
+
+TEST(KdTreeMemory, IdsThatCannotBeHadThrow) {
+    Cloud cloud = UniformCloud(30, 3);
+    KVX_ART_KDtree tree;
+    AllocationRecorder recorder;
+    recorder.FailAfter(0);
+
+    EXPECT_THROW(tree.BuildTree(cloud.x.data(), cloud.y.data(), cloud.z.data(), 30),
+                 std::bad_alloc);
+}
+
+TEST(KdTreeMemory, NodesThatCannotBeHadAreAnsweredByFalse) {
+    Cloud cloud = UniformCloud(30, 3);
+    std::vector<int> blocks(30, 1);
+    int id = 1;
+    for (int n : {1, 2}) {
+        KVX_ART_KDtree tree;
+        KVX_ART_KDtree byBlock;
+        AllocationRecorder recorder;
+        recorder.FailAfter(n);
+        EXPECT_FALSE(tree.BuildTree(cloud.x.data(), cloud.y.data(), cloud.z.data(), 30));
+        recorder.FailAfter(n);
+        EXPECT_FALSE(byBlock.BuildTreeByBlockId(cloud.x.data(), cloud.y.data(), cloud.z.data(),
+                                                blocks.data(), 1, 30));
+    }
+    KVX_ART_KDtree tree;
+    AllocationRecorder recorder;
+    recorder.FailAfter(0);
+    EXPECT_FALSE(tree.BuildTree(1.0, 2.0, 3.0, &id));
+    EXPECT_EQ(tree.tree->root, nullptr);
+    EXPECT_TRUE(tree.BuildTree(1.0, 2.0, 3.0, &id));
 }
 
 TEST(KdTreeResults, UnorderedEntriesGoToTheFront) {
