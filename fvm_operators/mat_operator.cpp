@@ -1,5 +1,7 @@
 #include "fvm_operators/mat_operator.h"
 
+#include "host_link/last_stores.h"
+
 namespace KVX_ART_FVM {
 
 CKVX_ART_MatOperator::CKVX_ART_MatOperator(CKVX_ART_SparseMatrix* matrix, CKVX_ACMT_GV* gv) {
@@ -13,6 +15,7 @@ CKVX_ART_MatOperator& CKVX_ART_MatOperator::operator=(const CKVX_ART_MatOperator
 CKVX_ART_MatOperator::~CKVX_ART_MatOperator() {
     artGv = nullptr;
     sparseMatrix = nullptr;
+    KeepLastStores();
 }
 
 void CKVX_ART_MatOperator::DefaultConstructorProcedure(CKVX_ART_SparseMatrix* matrix,

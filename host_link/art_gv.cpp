@@ -5,6 +5,7 @@
 
 #include "host_link/containers.h"
 #include "host_link/face_data.h"
+#include "host_link/last_stores.h"
 
 namespace {
 
@@ -82,6 +83,7 @@ CKVX_ACMT_GV::~CKVX_ACMT_GV() {
     kvxPartFace = nullptr;
     kvxGradient = nullptr;
     kvxCommunication = nullptr;
+    KeepLastStores();
 }
 
 bool CKVX_ACMT_GV::isKvxGv() {

@@ -2,6 +2,7 @@
 
 #include "host_link/art_gv.h"
 #include "host_link/containers.h"
+#include "host_link/last_stores.h"
 
 CMAFVMFaceData::CMAFVMFaceData() = default;
 
@@ -23,6 +24,7 @@ CMAFVMFaceData::~CMAFVMFaceData() {
         }
     }
     linked = false;
+    KeepLastStores();
 }
 
 int CMAFVMFaceData::LinkedDataForAll(const CMAFVMFaceData& other) {
@@ -47,6 +49,7 @@ CMAFVMFaceVariable::~CMAFVMFaceVariable() {
         delete[] right;
     }
     sharedInner = false;
+    KeepLastStores();
 }
 
 bool CMAFVMFaceVariable::NewMemory(CKVX_ACMT_GV* gv) {

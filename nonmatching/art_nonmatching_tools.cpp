@@ -4,6 +4,7 @@
 #include <set>
 #include <vector>
 
+#include "host_link/last_stores.h"
 #include "vtk_output/vtk_tool.h"
 
 namespace {
@@ -31,6 +32,7 @@ art_nonmatching_tools::art_nonmatching_tools() : kvxGv(nullptr), kvxFvm(nullptr)
 art_nonmatching_tools::~art_nonmatching_tools() {
     kvxGv = nullptr;
     kvxFvm = nullptr;
+    KeepLastStores();
 }
 
 void art_nonmatching_tools::SetFVM(CKvx3dGV* gv, CKVX3DFiniteVolumeMesh* fvm) {

@@ -2,8 +2,8 @@
 
 #include <iostream>
 
-#include "overset/overset_mesh_impl.h"
 #include "host_link/last_stores.h"
+#include "overset/overset_mesh_impl.h"
 
 CKVXOversetMesh::CKVXOversetMesh() : impl(new CKVXOversetMesh_Impl()) {}
 

@@ -2,6 +2,8 @@
 
 #include <type_traits>
 
+#include "host_link/last_stores.h"
+
 static_assert(std::is_trivially_copyable_v<MeshCell>, "a cell is a plain value");
 
 MeshCell::MeshCell(int* nodeIds, int nodeCount) : MeshCell(nodeIds, nodeCount, false) {}
@@ -38,6 +40,7 @@ VTK_Block::VTK_Block(VTK_Points* blockPoints, VTK_Cells* blockCells)
 VTK_Block::~VTK_Block() {
     points = nullptr;
     cells = nullptr;
+    KeepLastStores();
 }
 
 void VTK_Block::addPointsData(VTK_Data* data) {

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <locale>
 
+#include "host_link/last_stores.h"
 #include "vtk_output/dir_iterator.h"
 #include "vtk_output/number_text.h"
 #include "vtk_output/platform.h"
@@ -175,6 +176,7 @@ CKVX_ART_VTK_Tool::~CKVX_ART_VTK_Tool() {
     collectionWriter = nullptr;
     delete settings;
     settings = nullptr;
+    KeepLastStores();
 }
 
 bool CKVX_ART_VTK_Tool::Initialize(char* rootDir, char* project, int processId) {

@@ -2,9 +2,11 @@
 
 #include "tests/fvm_operators/operator_host.h"
 #include "tests/support/private_access.h"
+#include "tests/support/undestroyed.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -111,6 +113,19 @@ public:
     using CKVX_ART_MatOperator::isARTGv;
     using CKVX_ART_MatOperator::isARTSMat;
 };
+
+TEST(OperatorConstruction, ADestroyedOperatorShowsNoLinks) {
+    CKVX_ACMT_GV gv;
+    CKVX_ART_SparseMatrix A(2);
+    Undestroyed<CKVX_ART_MatOperator> op(&A, &gv);
+    const void* links[2] = {};
+
+    op->~CKVX_ART_MatOperator();
+
+    std::memcpy(links, op.storage + sizeof(void*), sizeof(links));  // behind the table pointer
+    EXPECT_EQ(links[0], nullptr);
+    EXPECT_EQ(links[1], nullptr);
+}
 
 TEST(OperatorLinks, EachLinkIsToldSeparately) {
     CKVX_ACMT_GV gv;

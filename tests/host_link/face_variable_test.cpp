@@ -136,6 +136,16 @@ TEST(FaceVariable, LinkInnerOnASharingObjectReleasesTheArrayLeftStillShows) {
     EXPECT_EQ(memory.LiveBlocks(), 0);
 }
 
+TEST(FaceVariable, ADestroyedObjectNoLongerShares) {
+    CKVX_ACMT_GV gv;
+    Undestroyed<CMAFVMFaceVariable> variable(&gv, true);
+    const auto at = reinterpret_cast<unsigned char*>(&variable->sharedInner) - variable.storage;
+
+    variable->~CMAFVMFaceVariable();
+
+    EXPECT_EQ(variable.storage[at], 0);
+}
+
 TEST(FaceVariable, CopiesAreViews) {
     CKVX_ACMT_GV gv = Counts();
     const CMAFVMFaceVariable variable(&gv, true);
