@@ -64,10 +64,12 @@ CLI::App* AddHeat(CLI::App& app, HeatCase& heat, RawOptions& raw) {
 CLI::App* AddMms(CLI::App& app, MmsCase& mms, RawOptions& raw) {
     CLI::App* sub = app.add_subcommand(
         "mms", "Order study with a manufactured solution of convection and diffusion");
-    sub->add_option("--mesh", mms.meshFile, "mesh with the numbers n and kind, .geo")
+    sub->add_option("--mesh", mms.meshFile, "mesh with the number n (and kind), .geo")
         ->capture_default_str();
     sub->add_option("--set", raw.sets, "further number in the .geo, name=value; may be repeated");
-    sub->add_option("--kind", mms.kinds, "values of the .geo's kind; default 1,0")->delimiter(',');
+    sub->add_option("--kind", mms.kinds,
+                    "values of the .geo's kind; default 1,0, and none for a --mesh of your own")
+        ->delimiter(',');
     sub->add_option("--n", mms.sizes, "values of the .geo's n, coarse to fine; default 10,20")
         ->delimiter(',')
         ->check(CLI::Range(1, 1000));
@@ -121,7 +123,12 @@ Command ReadCommand(int argc, const char* const* argv) {
         if (mms->count("--mu") > 0) {
             command.mms.mu = raw.mu;
         }
-        std::sort(command.mms.sizes.begin(), command.mms.sizes.end());
+        if (mms->count("--mesh") > 0 && mms->count("--kind") == 0) {
+            command.mms.kinds.clear();
+        }
+        std::vector<int>& sizes = command.mms.sizes;
+        std::sort(sizes.begin(), sizes.end());
+        sizes.erase(std::unique(sizes.begin(), sizes.end()), sizes.end());
     }
     return command;
 }

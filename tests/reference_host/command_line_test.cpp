@@ -35,9 +35,9 @@ TEST(CommandLine, HeatTakesMeshNumbersAndOutput) {
     EXPECT_EQ(command.heat.outputDir, "out");
 }
 
-TEST(CommandLine, MmsTakesListsSortedBySize) {
+TEST(CommandLine, MmsTakesListsWithSizesSortedAndUnique) {
     const Command command =
-        Read({"mms", "--kind", "0", "--n", "20,10", "--scheme", "lud,quick", "--check"});
+        Read({"mms", "--kind", "0", "--n", "20,10,20", "--scheme", "lud,quick", "--check"});
 
     EXPECT_EQ(command.task, Task::Mms);
     EXPECT_EQ(command.mms.kinds, std::vector<int>{0});
@@ -54,6 +54,11 @@ TEST(CommandLine, MmsDefaultsToDiffusionOnTheSingleBoxAndTheOversetPair) {
     EXPECT_EQ(command.mms.sizes, (std::vector<int>{10, 20}));
     EXPECT_EQ(command.mms.schemes, std::vector<Scheme>{Scheme::Diffusion});
     EXPECT_NE(command.mms.meshFile.find("box_annulus_overset.geo"), std::string::npos);
+}
+
+TEST(CommandLine, MmsOnAnotherMeshSetsAKindOnlyIfAsked) {
+    EXPECT_TRUE(Read({"mms", "--mesh", "a.geo"}).mms.kinds.empty());
+    EXPECT_EQ(Read({"mms", "--mesh", "a.geo", "--kind", "3"}).mms.kinds, std::vector<int>{3});
 }
 
 TEST(CommandLine, AllSchemesAreEight) {

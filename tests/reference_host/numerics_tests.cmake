@@ -47,6 +47,6 @@ kvx3d_add_error_test(OutputUnderAFile "cannot be made"
 kvx3d_add_error_test(OutputNotWritable "cannot be written"
   heat --mesh ${meshes}/channel_cylinder_overset.geo --set n=5 --output /proc)
 kvx3d_add_error_test(MmsNeedsItsNumbers "kind"
-  mms --mesh ${meshes}/channel_cylinder_overset.geo --n 5)
+  mms --mesh ${meshes}/channel_cylinder_overset.geo --kind 0 --n 5)
 kvx3d_add_error_test(MissedLimit "L2 error"
   mms --kind 1 --n 20 --scheme quick --mu 1 --check)
