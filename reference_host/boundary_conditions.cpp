@@ -22,4 +22,15 @@ BoundaryConditions::BoundaryConditions(const Mesh& mesh, const OversetLink& link
     }
 }
 
+void BoundaryConditions::SetGhostMu(const Mesh& mesh, HostObjects& objects,
+                                    const std::vector<double>& cellMu) const {
+    for (const Boundary kind : allBoundaries) {
+        for (int face = 1; face <= mesh.FaceCount(kind); ++face) {
+            const bool conducts = At(kind, face).kind != GhostCondition::Kind::ZeroGradient;
+            objects.mu[objects.Ghost(kind, face)] =
+                conducts ? cellMu[mesh.Faces(kind)[face].cell] : 0.0;
+        }
+    }
+}
+
 }  // namespace host

@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "reference_host/host_objects.h"
 #include "reference_host/overset_link.h"
 
 namespace host {
@@ -34,6 +35,13 @@ public:
     const GhostCondition& At(Boundary kind, int face) const {
         return conditions[static_cast<int>(kind)][face];
     }
+
+    /// Writes the diffusion coefficient of each ghost into the host's `mu`: that of the cell beside
+    /// it, but 0 under zero gradient, where the stencil of a skewed cell would conduct something.
+    ///
+    /// @param cellMu  by cell, entries 1..Nc
+    void SetGhostMu(const Mesh& mesh, HostObjects& objects,
+                    const std::vector<double>& cellMu) const;
 
 private:
     std::array<std::vector<GhostCondition>, 4> conditions;  // by Boundary, then by face

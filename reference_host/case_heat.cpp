@@ -6,6 +6,7 @@
 #include <iostream>
 #include <stdexcept>
 
+#include "reference_host/body.h"
 #include "reference_host/progress.h"
 #include "reference_host/result_series.h"
 
@@ -26,22 +27,9 @@ BoundaryConditions HeatConditions(const Mesh& mesh, const OversetLink& link) {
             }};
 }
 
-/// Extent in z.
-double DepthOf(const Mesh& mesh) {
-    double low = mesh.nodes[1][2];
-    double high = low;
-    for (int node = 2; node <= mesh.NodeCount(); ++node) {
-        low = std::min(low, mesh.nodes[node][2]);
-        high = std::max(high, mesh.nodes[node][2]);
-    }
-    return high - low;
-}
-
 void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile) {
-    for (int face = 1; face <= mesh.FaceCount(Boundary::Wall); ++face) {
-        if (IsBody(mesh, link, Boundary::Wall, face)) {
-            return;
-        }
+    if (!BodyFaces(mesh, link).empty()) {
+        return;
     }
     throw std::runtime_error(meshFile +
                              ": nothing to heat: no face of the group \"wall\" lies beside " +
@@ -83,13 +71,6 @@ SolveReport March(const HeatCase& run, HeatProblem& heat, ResultSeries& results)
 }
 
 }  // namespace
-
-bool IsBody(const Mesh& mesh, const OversetLink& link, Boundary kind, int face) {
-    if (kind != Boundary::Wall || mesh.Faces(kind)[face].oversetGroup > 0) {
-        return false;
-    }
-    return !link.IsOverset() || mesh.cavity[mesh.Faces(kind)[face].cell] > 1;
-}
 
 HeatProblem::HeatProblem(const Mesh& mesh_, HostObjects& objects_, const OversetLink& link)
     : mesh(mesh_),
@@ -137,7 +118,7 @@ HeatBalance HeatProblem::Balance() const {
         }
     }
     // Nothing through the outlet: its coefficient is zero in the matrix too.
-    const double depth = mesh.IsQuasi2d() ? DepthOf(mesh) : 1.0;
+    const double depth = mesh.IsQuasi2d() ? mesh.Depth() : 1.0;
     for (double* part : {&balance.body, &balance.inlet, &balance.walls}) {
         *part /= depth;
     }

@@ -41,9 +41,6 @@ struct HeatBalance {
     double Defect() const { return (body - Out()) / body; }
 };
 
-/// True for the faces that are kept hot.
-bool IsBody(const Mesh& mesh, const OversetLink& link, Boundary kind, int face);
-
 /// The case on its mesh, with the temperature it works on; cold at the start.
 class HeatProblem {
 public:

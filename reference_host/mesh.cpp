@@ -33,4 +33,10 @@ bool Mesh::IsQuasi2d() const {
            std::all_of(marks.begin() + 1, marks.end(), [](int mark) { return mark == 3; });
 }
 
+double Mesh::Depth() const {
+    const auto range = std::minmax_element(
+        nodes.begin() + 1, nodes.end(), [](const Vec3& a, const Vec3& b) { return a.z() < b.z(); });
+    return range.second->z() - range.first->z();
+}
+
 }  // namespace host

@@ -53,6 +53,8 @@ struct Mesh {
     /// Every cell has exactly two symmetry faces with opposite normals along z: the mesh is one
     /// cell thick and only the x-y plane is solved.
     bool IsQuasi2d() const;
+    /// Extent in z.
+    double Depth() const;
 };
 
 }  // namespace host

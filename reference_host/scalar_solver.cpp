@@ -13,17 +13,6 @@ ScalarSolver::ScalarSolver(const Mesh& mesh, HostObjects& objects_, const Overse
     equation.solver.SetTimes(2000);
 }
 
-void ScalarSolver::SetGhostMu(const BoundaryConditions& conditions, double mu) {
-    for (const Boundary kind : allBoundaries) {
-        for (int face = 1; face <= builder.mesh.FaceCount(kind); ++face) {
-            // A face without gradient conducts nothing, though on a skewed cell its stencil would.
-            const bool conducts =
-                conditions.At(kind, face).kind != GhostCondition::Kind::ZeroGradient;
-            objects.mu[objects.Ghost(kind, face)] = conducts ? mu : 0.0;
-        }
-    }
-}
-
 void ScalarSolver::AddDiffusion(double mu) {
     KVX_ART_FVM::CKVX_ART_MatOperator operators(&equation.matrix, &records.gv);
     if (scheme == Scheme::Laplace) {
@@ -43,7 +32,8 @@ void ScalarSolver::AddConvection(const Vec3& velocity) {
 
 void ScalarSolver::Assemble(const BoundaryConditions& conditions, double mu, const Vec3& velocity,
                             double storage) {
-    SetGhostMu(conditions, mu);
+    conditions.SetGhostMu(builder.mesh, objects,
+                          std::vector<double>(builder.mesh.CellCount() + 1, mu));
     equation.Clear();
     AddConvection(velocity);
     AddDiffusion(mu);

@@ -41,7 +41,6 @@ public:
     Equation equation;
 
 private:
-    void SetGhostMu(const BoundaryConditions& conditions, double mu);
     void AddConvection(const Vec3& velocity);
     void AddDiffusion(double mu);
 

@@ -58,6 +58,14 @@ void PutBoundary(const BoundaryStencils& stencils, CMAFVMFaceData& record) {
 
 }  // namespace
 
+double Apply(const int* ids, const double* coefs, const std::vector<double>& field) {
+    double sum = 0.0;
+    for (int j = 1; j <= ids[0]; ++j) {
+        sum += coefs[j] * field[ids[j]];
+    }
+    return sum;
+}
+
 StencilRecords::StencilRecords(const StencilBuilder& builder_, HostObjects& objects,
                                FarPoint farPoint)
     : builder(builder_) {
@@ -132,6 +140,24 @@ void StencilRecords::SetFarPoint(FarPoint farPoint) {
 
 void StencilRecords::SetFaceMu(double mu) {
     std::fill(gv.faceMu->left + 1, gv.faceMu->left + gv.Ne + 1, mu);
+}
+
+const CMAFVMFaceData& StencilRecords::Inner(int face) const {
+    return builder.link.Side(face) == FaceSide::DonorIsFirst ? gv.faceDataRight[face]
+                                                             : gv.faceDataLeft[face];
+}
+
+const CMAFVMFaceData& StencilRecords::AtBoundary(Boundary kind, int face) const {
+    switch (kind) {
+        case Boundary::Inlet:
+            return gv.faceDataInlet[face];
+        case Boundary::Outlet:
+            return gv.faceDataOutlet[face];
+        case Boundary::Wall:
+            return gv.faceDataWall[face];
+        default:
+            return gv.faceDataSymm[face];
+    }
 }
 
 }  // namespace host

@@ -1,12 +1,17 @@
 #ifndef KVX3D_REFERENCE_HOST_STENCIL_RECORDS_H
 #define KVX3D_REFERENCE_HOST_STENCIL_RECORDS_H
 
+#include <vector>
+
 #include "host_link/art_gv.h"
 #include "host_link/face_data.h"
 #include "reference_host/host_objects.h"
 #include "reference_host/stencil_builder.h"
 
 namespace host {
+
+/// One stencil of a record on a field: the sum of coefs[j] * field[ids[j]].
+double Apply(const int* ids, const double* coefs, const std::vector<double>& field);
 
 /// The toolbox's view of the host with one set of stencils in it: what the operators walk.
 ///
@@ -27,6 +32,10 @@ public:
     void SetFarPoint(FarPoint farPoint);
     /// Sets the diffusion coefficient of the inner faces, one value for all.
     void SetFaceMu(double mu);
+
+    /// The record of a face's live side; of a face between cut cells an empty one.
+    const CMAFVMFaceData& Inner(int face) const;
+    const CMAFVMFaceData& AtBoundary(Boundary kind, int face) const;
 
 private:
     void FillInnerFaces(FarPoint farPoint);
