@@ -25,15 +25,15 @@ int ExponentGuess(double a) {
     return product >= 0 ? product / scale : -((scale - 1 - product) / scale);
 }
 
-/// a / 10^(exponent - 5): six digits before the point if `exponent` is that of `a`. One rounding,
-/// at most 6e-11 off for a result below 1e6.
+/// a / 10^(exponent - 5): six digits before the point if `exponent` is that of `a`. Rounded once.
 double Scaled(double a, int exponent) {
     const int shift = digitsN - 1 - exponent;
     return shift >= 0 ? a * powerOfTen[shift] : a / powerOfTen[-shift];
 }
 
 /// Decimal exponent and the six rounded digits of `a`, which lies between 1e-12 and 1e15.
-/// False if the last digit hangs on what Scaled() has lost.
+/// False if Scaled() came out on a tie, where its own rounding hides the side that `a` lies on. It
+/// is monotonic and a tie is a double, so everywhere else the side is the right one.
 bool SixDigits(double a, int& exponent, int& digits) {
     exponent = ExponentGuess(a);
     double scaled = Scaled(a, exponent);
@@ -42,7 +42,7 @@ bool SixDigits(double a, int& exponent, int& digits) {
     }
     digits = static_cast<int>(scaled);
     const double rest = scaled - digits;
-    if (std::fabs(rest - 0.5) < 1e-9 || scaled < 1e5) {
+    if (rest == 0.5 || scaled < 1e5) {
         return false;
     }
     digits += rest > 0.5;
