@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstddef>
 #include <iostream>
-#include <memory>
 #include <new>
 #include <vector>
 
@@ -78,19 +77,9 @@ int* NewIds(int n) {
     return new int[static_cast<std::size_t>(std::max(n, 0))];
 }
 
-/// Room for n points, or null.
-std::unique_ptr<KDtreePoint[]> NewPoints(int n) {
-    return std::unique_ptr<KDtreePoint[]>(
-        new (std::nothrow) KDtreePoint[static_cast<std::size_t>(std::max(n, 0))]);
-}
-
 }  // namespace
 
-KVX_ART_KDtree::KVX_ART_KDtree() : tree(NewKDtree()), pointCount(0), ids(nullptr) {
-    if (!tree) {
-        throw std::bad_alloc();
-    }
-}
+KVX_ART_KDtree::KVX_ART_KDtree() : tree(NewKDtree()), pointCount(0), ids(nullptr) {}
 
 KVX_ART_KDtree::~KVX_ART_KDtree() {
     FreeKDtree(tree);
@@ -102,15 +91,17 @@ bool KVX_ART_KDtree::BuildTree(double* x, double* y, double* z, int n) {
     // Nodes of an earlier build still point into the earlier ids, so those are given up, not
     // released.
     ids = NewIds(n);
-    const std::unique_ptr<KDtreePoint[]> points = NewPoints(n);
-    if (!points) {
+    try {
+        std::vector<KDtreePoint> points;
+        points.reserve(static_cast<std::size_t>(std::max(n, 0)));
+        for (int i = 0; i < n; ++i) {
+            ids[i] = i + 1;
+            points.push_back({{x[i], y[i], z[i]}, &ids[i]});
+        }
+        return InsertPoints(*tree, points.data(), n);
+    } catch (const std::bad_alloc&) {
         return false;
     }
-    for (int i = 0; i < n; ++i) {
-        ids[i] = i + 1;
-        points[i] = {{x[i], y[i], z[i]}, &ids[i]};
-    }
-    return InsertPoints(*tree, points.get(), n);
 }
 
 bool KVX_ART_KDtree::BuildTree(const double& x, const double& y, const double& z, int* id) {
@@ -121,18 +112,18 @@ bool KVX_ART_KDtree::BuildTreeByBlockId(double* x, double* y, double* z, int* bl
                                         int n) {
     pointCount = n;
     ids = NewIds(n);
-    const std::unique_ptr<KDtreePoint[]> points = NewPoints(n);
-    if (!points) {
+    try {
+        std::vector<KDtreePoint> points;
+        for (int i = 0; i < n; ++i) {
+            if (blockIds[i] == blockId) {
+                ids[i] = i + 1;
+                points.push_back({{x[i], y[i], z[i]}, &ids[i]});
+            }
+        }
+        return InsertPoints(*tree, points.data(), static_cast<int>(points.size()));
+    } catch (const std::bad_alloc&) {
         return false;
     }
-    int nInBlock = 0;
-    for (int i = 0; i < n; ++i) {
-        if (blockIds[i] == blockId) {
-            ids[i] = i + 1;
-            points[nInBlock++] = {{x[i], y[i], z[i]}, &ids[i]};
-        }
-    }
-    return InsertPoints(*tree, points.get(), nInBlock);
 }
 
 int KVX_ART_KDtree::SearchNearestPoints(const double& x, const double& y, const double& z,

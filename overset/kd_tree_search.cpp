@@ -164,20 +164,17 @@ bool IsMetBefore(const KDtreeCore& core, const double* query, const KDtreePoint&
     }
 }
 
-bool InsertResult(KDtreeResultNode* head, KDtreeNode* node, double distSq) {
-    KDtreeResultNode* entry = new (std::nothrow) KDtreeResultNode;
-    if (!entry) {
-        return false;
-    }
+bool InsertResult(KDtreeResultNode* head, KDtreeNode* node, double distSq) try {
     KDtreeResultNode* before = head;
     if (distSq >= 0.0) {
         while (before->next && before->next->distSq < distSq) {
             before = before->next;
         }
     }
-    *entry = {node, distSq, before->next};
-    before->next = entry;
+    before->next = new KDtreeResultNode{node, distSq, before->next};
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 void ClearResults(KDtreeResultNode* head) {

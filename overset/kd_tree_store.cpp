@@ -41,8 +41,10 @@ constexpr int largestChunk = 4096;  // nodes; chunks double up to this size
 bool AddChunk(KDtreeStore& store, int capacity) {
     const std::size_t bytes =
         sizeof(NodeChunk) + cacheLine + sizeof(NodeBlock) * static_cast<std::size_t>(capacity);
-    char* memory = new (std::nothrow) char[bytes];
-    if (!memory) {
+    char* memory = nullptr;
+    try {
+        memory = new char[bytes];
+    } catch (const std::bad_alloc&) {
         return false;
     }
     const std::size_t start = reinterpret_cast<std::size_t>(memory + sizeof(NodeChunk));
@@ -82,17 +84,21 @@ KDtreeNode* NewNode(KDtreeStore& store, const KDtreePoint& point, int dir) {
     return PlaceNode(*store.chunks, point, dir);
 }
 
+/// A box that holds one point, or null.
+KDtreeRect* NewRect(int dim, const double* xyz) try {
+    RectBlock* block = new RectBlock;
+    std::copy(xyz, xyz + 3, block->min);
+    std::copy(xyz, xyz + 3, block->max);
+    block->rect = {dim, block->min, block->max};
+    return &block->rect;
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
+
 /// Extends the bounding box. A box that cannot be made is tried again with the next point.
 void ExtendRect(KDtreeCore& core, const double* xyz) {
     if (!core.rect) {
-        RectBlock* block = new (std::nothrow) RectBlock;
-        if (!block) {
-            return;
-        }
-        std::copy(xyz, xyz + 3, block->min);
-        std::copy(xyz, xyz + 3, block->max);
-        block->rect = {core.dim, block->min, block->max};
-        core.rect = &block->rect;
+        core.rect = NewRect(core.dim, xyz);
         return;
     }
     for (int axis = 0; axis < 3; ++axis) {
@@ -315,14 +321,12 @@ void CallInPostOrder(KDtreeNode* node, void (*destructor)(int*)) {
 }  // namespace
 
 KDtreeCore* NewKDtree() {
-    KDtreeStore* store = new (std::nothrow) KDtreeStore;
-    if (store) {
-        store->dim = 3;
-        store->root = nullptr;
-        store->rect = nullptr;
-        store->destructor = nullptr;
-        store->chunks = nullptr;
-    }
+    KDtreeStore* store = new KDtreeStore;
+    store->dim = 3;
+    store->root = nullptr;
+    store->rect = nullptr;
+    store->destructor = nullptr;
+    store->chunks = nullptr;
     return store;
 }
 

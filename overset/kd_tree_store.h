@@ -5,8 +5,8 @@
 
 /// Memory, growth and search of KDtreeCore; internal to the overset folder.
 ///
-/// Nodes lie in chunks, each beside its coordinates, so that a visit costs one cache line. No
-/// function here throws: memory that cannot be had is answered by false or null.
+/// Nodes lie in chunks, each beside its coordinates, so that a visit costs one cache line. Unless
+/// said otherwise nothing here throws: memory that cannot be had is answered by false.
 
 /// A point on its way into a tree.
 struct KDtreePoint {
@@ -14,7 +14,8 @@ struct KDtreePoint {
     int* id;  ///< not owned
 };
 
-/// An empty tree, or null.
+/// An empty tree.
+/// @throws std::bad_alloc  no memory for it
 KDtreeCore* NewKDtree();
 
 /// Calls the tree's `destructor` for each node, children before parents, and releases all.

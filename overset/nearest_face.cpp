@@ -240,8 +240,7 @@ const KDtreeCore& NearestFace::InsertionTree() {
     }
     std::vector<KDtreePoint> points = centres;
     insertionTree = NewKDtree();
-    if (!insertionTree ||
-        !InsertPoints(*insertionTree, points.data(), static_cast<int>(points.size())) ||
+    if (!InsertPoints(*insertionTree, points.data(), static_cast<int>(points.size())) ||
         !insertionTree->rect) {
         throw std::bad_alloc();
     }

@@ -290,7 +290,7 @@ TEST(SecondPair, OutsideCutReadsTheLinkedGeometryAndMargin) {
 TEST(SecondPair, OutsideCutSaysWhenNothingIsCutAndWarnsOfTheGridType) {
     BoxHost host = Inside()
                        .WithComponentGrid(2, 2, 2, {20, 0, 0}, {2, 2, 2})
-                       .WithComponentGrid(1, 1, 1, {30, 0, 0}, {1, 1, 1});
+                       .WithComponentGrid(2, 1, 1, {30, 0, 0}, {2, 1, 1});
     Cutting<BoxHost> cutting(host);
     cutting.holes.SetCutGridLayer(2);
     OutputCapture output;
@@ -298,6 +298,7 @@ TEST(SecondPair, OutsideCutSaysWhenNothingIsCutAndWarnsOfTheGridType) {
     cutting.holes.CutOutsideDomainComponentCell();
 
     EXPECT_EQ(output.Out(),
+              "Warning: Can not get the overset grid type.\n"
               "Warning: Can not get the overset grid type.\n"
               "\tNo Compoenet Cell Ouside Domain.\n");
 }
