@@ -82,6 +82,16 @@ BoundarySide SideOf(CKVX_ART_SparseMatrix& matrix, const BoundaryFaces& kind, in
 // In every scheme below the factors are formed as written, (weight * constant) * flux: another
 // association rounds differently, and matrices are compared bit for bit.
 
+/// The Face stencil whatever the flux, and the ghost cell on boundary faces, outflow too: the
+/// central face value of a boundary face is its ghost unknown.
+void AddCentral(const InnerSide& side, double weight) {
+    side.AddFace(weight * side.flux);
+}
+
+void AddCentral(const BoundarySide& side, double weight) {
+    side.row.AddCell(side.ghost, weight * side.flux);
+}
+
 /// Upstream cell's own unknown.
 void AddCellUpwind(const InnerSide& side, double weight) {
     if (side.Positive()) {
@@ -134,6 +144,10 @@ void AddTwoPointUpwind(const InnerSide& side, double weight, double near, double
     }
 }
 
+void AddLinearUpwind(const InnerSide& side, double weight) {
+    AddTwoPointUpwind(side, weight, 1.5, -0.5);
+}
+
 /// Linear upwind on a boundary face. Outflow has the sense of a positive flux, so Left is the
 /// interior cell, FarLeft the point behind it, and no boundary record needs a Right stencil.
 void AddLinearUpwind(const BoundarySide& side, double weight) {
@@ -143,6 +157,12 @@ void AddLinearUpwind(const BoundarySide& side, double weight) {
     } else {
         side.AddIncoming(weight);
     }
+}
+
+/// First-order values in the pattern of the linear upwind: callers may switch between the two on
+/// one matrix without an insertion.
+void AddHybrid(const InnerSide& side, double weight) {
+    AddTwoPointUpwind(side, weight, 1.0, 0.0);
 }
 
 /// Quadratic upstream interpolation on a uniform grid: upstream, far upstream, downstream.
@@ -160,23 +180,24 @@ void AddQuick(const InnerSide& side, double weight) {
     }
 }
 
-/// The whole central scheme, shared by the operator of that name and the switch.
-void AssembleCentral(CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& gv, double weight,
-                     const CMAFVMFaceVariableAll& flux) {
+using InnerScheme = void (*)(const InnerSide&, double);
+using BoundaryScheme = void (*)(const BoundarySide&, double);
+
+/// The walk of every scheme: each inner face seen from both its cells, then the boundary faces.
+/// Inline, so that every operator has a walk of its own with the schemes built in.
+inline void AddFluxes(CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& gv, double weight,
+                      const CMAFVMFaceVariableAll* flux, InnerScheme addInner,
+                      BoundaryScheme addBoundary) {
     for (int i = 1; i <= gv.Ne; ++i) {
-        const InnerSide first = FirstSide(matrix, gv, flux, i);
-        first.AddFace(weight * first.flux);
-        const InnerSide second = SecondSide(matrix, gv, flux, i);
-        second.AddFace(weight * second.flux);
+        addInner(FirstSide(matrix, gv, *flux, i), weight);
+        addInner(SecondSide(matrix, gv, *flux, i), weight);
     }
     if (!gv.useBoundaryFaces) {
         return;
     }
-    for (const BoundaryFaces& kind : BoundaryKinds(gv, &flux)) {
+    for (const BoundaryFaces& kind : BoundaryKinds(gv, flux)) {
         for (int i = 1; i <= kind.n; ++i) {
-            // Outflow too: the central face value of a boundary face is its ghost unknown.
-            const BoundarySide side = SideOf(matrix, kind, i);
-            side.row.AddCell(side.ghost, weight * side.flux);
+            addBoundary(SideOf(matrix, kind, i), weight);
         }
     }
 }
@@ -185,95 +206,38 @@ void AssembleCentral(CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& gv, doub
 
 bool CKVX_ART_MatOperator::ConvectionOperator(bool upwind, double weight,
                                               CMAFVMFaceVariableAll* flux) {
-    if (!upwind) {
-        AssembleCentral(*sparseMatrix, *artGv, weight, *flux);
-        return true;
-    }
-    for (int i = 1; i <= artGv->Ne; ++i) {
-        AddCellUpwind(FirstSide(*sparseMatrix, *artGv, *flux, i), weight);
-        AddCellUpwind(SecondSide(*sparseMatrix, *artGv, *flux, i), weight);
-    }
-    if (!artGv->useBoundaryFaces) {
-        return true;
-    }
-    for (const BoundaryFaces& kind : BoundaryKinds(*artGv, flux)) {
-        for (int i = 1; i <= kind.n; ++i) {
-            AddCellUpwind(SideOf(*sparseMatrix, kind, i), weight);
-        }
+    if (upwind) {
+        AddFluxes(*sparseMatrix, *artGv, weight, flux, AddCellUpwind, AddCellUpwind);
+    } else {
+        AddFluxes(*sparseMatrix, *artGv, weight, flux, AddCentral, AddCentral);
     }
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorCD(double weight, CMAFVMFaceVariableAll* flux) {
-    AssembleCentral(*sparseMatrix, *artGv, weight, *flux);
+    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddCentral, AddCentral);
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorLUD(double weight, CMAFVMFaceVariableAll* flux) {
-    for (int i = 1; i <= artGv->Ne; ++i) {
-        AddTwoPointUpwind(FirstSide(*sparseMatrix, *artGv, *flux, i), weight, 1.5, -0.5);
-        AddTwoPointUpwind(SecondSide(*sparseMatrix, *artGv, *flux, i), weight, 1.5, -0.5);
-    }
-    if (!artGv->useBoundaryFaces) {
-        return true;
-    }
-    for (const BoundaryFaces& kind : BoundaryKinds(*artGv, flux)) {
-        for (int i = 1; i <= kind.n; ++i) {
-            AddLinearUpwind(SideOf(*sparseMatrix, kind, i), weight);
-        }
-    }
+    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddLinearUpwind, AddLinearUpwind);
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorFU(double weight, CMAFVMFaceVariableAll* flux) {
-    for (int i = 1; i <= artGv->Ne; ++i) {
-        AddStencilUpwind(FirstSide(*sparseMatrix, *artGv, *flux, i), weight);
-        AddStencilUpwind(SecondSide(*sparseMatrix, *artGv, *flux, i), weight);
-    }
-    if (!artGv->useBoundaryFaces) {
-        return true;
-    }
-    for (const BoundaryFaces& kind : BoundaryKinds(*artGv, flux)) {
-        for (int i = 1; i <= kind.n; ++i) {
-            AddStencilUpwind(SideOf(*sparseMatrix, kind, i), weight);
-        }
-    }
+    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddStencilUpwind, AddStencilUpwind);
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorQUICK(double weight, CMAFVMFaceVariableAll* flux) {
-    for (int i = 1; i <= artGv->Ne; ++i) {
-        AddQuick(FirstSide(*sparseMatrix, *artGv, *flux, i), weight);
-        AddQuick(SecondSide(*sparseMatrix, *artGv, *flux, i), weight);
-    }
-    if (!artGv->useBoundaryFaces) {
-        return true;
-    }
-    for (const BoundaryFaces& kind : BoundaryKinds(*artGv, flux)) {
-        for (int i = 1; i <= kind.n; ++i) {
-            // No point lies downstream of a boundary face, so the scheme steps down there.
-            AddLinearUpwind(SideOf(*sparseMatrix, kind, i), weight);
-        }
-    }
+    // No point lies downstream of a boundary face, so the scheme steps down there.
+    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddQuick, AddLinearUpwind);
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorHybrid(double weight, CMAFVMFaceVariableAll* flux) {
-    for (int i = 1; i <= artGv->Ne; ++i) {
-        // The far-upstream weight of 0.0 stays: callers get the pattern of the linear upwind and
-        // may switch schemes on one matrix without an insertion.
-        AddTwoPointUpwind(FirstSide(*sparseMatrix, *artGv, *flux, i), weight, 1.0, 0.0);
-        AddTwoPointUpwind(SecondSide(*sparseMatrix, *artGv, *flux, i), weight, 1.0, 0.0);
-    }
-    if (!artGv->useBoundaryFaces) {
-        return true;
-    }
-    for (const BoundaryFaces& kind : BoundaryKinds(*artGv, flux)) {
-        for (int i = 1; i <= kind.n; ++i) {
-            // The cell itself and not the record's Left stencil: no boundary record is read here.
-            AddCellUpwind(SideOf(*sparseMatrix, kind, i), weight);
-        }
-    }
+    // The cell itself and not the record's Left stencil: no boundary record is read here.
+    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddHybrid, AddCellUpwind);
     return true;
 }
 
