@@ -63,11 +63,14 @@ TEST(MeshReaderFaults, ParameterIsUnknown) {
                 HasSubstr("there is no parameter \"m\": see its DefineConstant"));
 }
 
-TEST(MeshReaderFaults, ParameterIsNoWord) {
-    EXPECT_THAT(ErrorOf([] {
-                    ReadShipped(boxGeo, {{"n|x", 5}});
-                }),
-                HasSubstr("there is no parameter \"n|x\""));
+TEST(MeshReaderFaults, ParameterIsAVariableWithoutAName) {
+    // A plain variable, the tail and the head of a parameter, no word at all, and nothing.
+    for (const char* variable : {"dz", "ind", "kin", "n|x", ""}) {
+        EXPECT_THAT(ErrorOf([&] {
+                        ReadShipped(boxGeo, {{variable, 5}});
+                    }),
+                    HasSubstr("there is no parameter \"" + std::string(variable) + "\""));
+    }
 }
 
 TEST(MeshReaderFaults, ParameterForAMeshFile) {
