@@ -26,11 +26,21 @@ void AddParameter(const std::string& text, MeshParameters& parameters) {
     parameters[text.substr(0, equals)] = value;
 }
 
-Scheme ReadScheme(const std::string& name) {
-    if (const auto scheme = SchemeNamed(name)) {
+MeshParameters ReadParameters(const std::vector<std::string>& sets) {
+    MeshParameters parameters;
+    for (const std::string& text : sets) {
+        AddParameter(text, parameters);
+    }
+    return parameters;
+}
+
+Scheme ReadScheme(const std::string& name, bool convecting = false) {
+    const auto scheme = SchemeNamed(name);
+    if (scheme && (!convecting || Convects(*scheme))) {
         return *scheme;
     }
-    throw std::runtime_error("--scheme takes " + SchemeNames() + ", not \"" + name + "\"");
+    throw std::runtime_error("--scheme takes " + SchemeNames(convecting) + ", not \"" + name +
+                             "\"");
 }
 
 std::string ShippedMesh(const std::string& name) {
@@ -42,7 +52,40 @@ struct RawOptions {
     std::vector<std::string> sets;
     std::vector<std::string> schemes;
     double mu = 0.0;
+    double relaxation = 0.0;
+    std::string matrixSolver = Name(MatrixSolver::Bicgstab);
+    std::string whole = "none";
 };
+
+void AddSolver(CLI::App* sub, RawOptions& raw) {
+    sub->add_option("--solver", raw.matrixSolver,
+                    "matrix solver: bicgstab (the toolbox's) or samg (the external library's)")
+        ->check(CLI::IsMember({Name(MatrixSolver::Bicgstab), Name(MatrixSolver::Samg)}))
+        ->capture_default_str();
+}
+
+CLI::App* AddCylinder(CLI::App& app, CylinderCase& cylinder, RawOptions& raw) {
+    CLI::App* sub = app.add_subcommand(
+        "cylinder", "Laminar flow around a cylinder in a channel, compared with benchmark 2D-1");
+    sub->add_option("--mesh", cylinder.meshFile, "mesh, .geo or .msh")->capture_default_str();
+    sub->add_option("--set", raw.sets, "number in the .geo, name=value; may be repeated");
+    sub->add_option("--scheme", raw.schemes, "one of: " + SchemeNames(true) + "; default lud")
+        ->expected(1);
+    sub->add_option("--relaxation", raw.relaxation,
+                    "of the momentum equations, between 0 and 1; default by the mesh: 0.9 up to "
+                    "10 cells a diameter, 0.95 at 20, 0.975 at 40")
+        ->check(CLI::Range(0.01, 0.999));
+    sub->add_option("--output", cylinder.outputDir, "directory of the result files")
+        ->capture_default_str();
+    sub->add_option("--steps-every", cylinder.stepsEvery, "iterations between two result files")
+        ->check(CLI::Range(1, 1000000))
+        ->capture_default_str();
+    sub->add_option("--iterations", cylinder.maxIterations, "most iterations")
+        ->check(CLI::Range(1, 1000000))
+        ->capture_default_str();
+    sub->add_flag("--check", cylinder.check, "exit 1 if a figure misses its limit");
+    return sub;
+}
 
 CLI::App* AddHeat(CLI::App& app, HeatCase& heat, RawOptions& raw) {
     CLI::App* sub = app.add_subcommand("heat",
@@ -58,6 +101,7 @@ CLI::App* AddHeat(CLI::App& app, HeatCase& heat, RawOptions& raw) {
     sub->add_option("--first-step", heat.firstStep, "size of the first time step")
         ->check(CLI::PositiveNumber)
         ->capture_default_str();
+    AddSolver(sub, raw);
     return sub;
 }
 
@@ -78,6 +122,38 @@ CLI::App* AddMms(CLI::App& app, MmsCase& mms, RawOptions& raw) {
         ->check(CLI::PositiveNumber);
     sub->add_option("--output", mms.outputDir, "directory of result files; default: none written");
     sub->add_flag("--check", mms.check, "exit 1 if an order or error misses its limit");
+    AddSolver(sub, raw);
+    return sub;
+}
+
+CLI::App* AddNonmatching(CLI::App& app, NonmatchingCase& nonmatching, RawOptions& raw) {
+    CLI::App* sub = app.add_subcommand(
+        "nonmatching", "Order study across an interface of two blocks whose faces do not match");
+    sub->add_option("--mesh", nonmatching.meshFile, "mesh with the numbers n and m, .geo")
+        ->capture_default_str();
+    sub->add_option("--set", raw.sets, "further number in the .geo, name=value; may be repeated");
+    sub->add_option("--n", nonmatching.n, "values of the .geo's n, coarse to fine; default 8,16")
+        ->delimiter(',')
+        ->check(CLI::Range(1, 1000));
+    sub->add_option("--m", nonmatching.m, "values of the .geo's m, one for each n; default 12,24")
+        ->delimiter(',')
+        ->check(CLI::Range(1, 1000));
+    sub->add_option("--whole", raw.whole, "block whose interface faces are not cut")
+        ->check(CLI::IsMember({"none", "block0", "block1"}))
+        ->capture_default_str();
+    sub->add_option("--scheme", raw.schemes, "all, or of: " + SchemeNames())->delimiter(',');
+    sub->add_option("--output", nonmatching.outputDir, "directory of the result files")
+        ->capture_default_str();
+    sub->add_flag("--check", nonmatching.check, "exit 1 if an order misses its limit");
+    AddSolver(sub, raw);
+    return sub;
+}
+
+CLI::App* AddDump(CLI::App& app, DumpCase& dump, RawOptions& raw) {
+    CLI::App* sub = app.add_subcommand(
+        "dump", "Everything the toolbox linked, and its overset report, as text");
+    sub->add_option("--mesh", dump.meshFile, "mesh, .geo or .msh")->required();
+    sub->add_option("--set", raw.sets, "number in the .geo, name=value; may be repeated");
     return sub;
 }
 
@@ -93,6 +169,39 @@ std::vector<Scheme> ReadSchemes(const std::vector<std::string>& names) {
     return schemes.empty() ? std::vector<Scheme>{Scheme::Diffusion} : schemes;
 }
 
+void Complete(CylinderCase& cylinder, const CLI::App& given, const RawOptions& raw) {
+    cylinder.parameters = ReadParameters(raw.sets);
+    if (!raw.schemes.empty()) {
+        cylinder.scheme = ReadScheme(raw.schemes.front(), /*convecting=*/true);
+    }
+    if (given.count("--relaxation") > 0) {
+        cylinder.relaxation = raw.relaxation;
+    }
+}
+
+void Complete(MmsCase& mms, const CLI::App& given, const RawOptions& raw) {
+    mms.parameters = ReadParameters(raw.sets);
+    mms.matrixSolver = *MatrixSolverNamed(raw.matrixSolver);
+    mms.schemes = ReadSchemes(raw.schemes);
+    if (given.count("--mu") > 0) {
+        mms.mu = raw.mu;
+    }
+    if (given.count("--mesh") > 0 && given.count("--kind") == 0) {
+        mms.kinds.clear();
+    }
+    std::sort(mms.sizes.begin(), mms.sizes.end());
+    mms.sizes.erase(std::unique(mms.sizes.begin(), mms.sizes.end()), mms.sizes.end());
+}
+
+void Complete(NonmatchingCase& nonmatching, const RawOptions& raw) {
+    nonmatching.parameters = ReadParameters(raw.sets);
+    nonmatching.matrixSolver = *MatrixSolverNamed(raw.matrixSolver);
+    nonmatching.schemes = ReadSchemes(raw.schemes);
+    if (raw.whole != "none") {
+        nonmatching.whole = raw.whole == "block0" ? WholeFaces::Block0 : WholeFaces::Block1;
+    }
+}
+
 }  // namespace
 
 Command ReadCommand(int argc, const char* const* argv) {
@@ -100,9 +209,14 @@ Command ReadCommand(int argc, const char* const* argv) {
     RawOptions raw;
     CLI::App app("A small flow solver that hosts KVX3DMeshlessToolbox", "reference_host");
     app.require_subcommand(1);
+    command.cylinder.meshFile = ShippedMesh("channel_cylinder_overset.geo");
     command.mms.meshFile = ShippedMesh("box_annulus_overset.geo");
+    command.nonmatching.meshFile = ShippedMesh("nonmatching_blocks.geo");
+    const CLI::App* cylinder = AddCylinder(app, command.cylinder, raw);
+    const CLI::App* dump = AddDump(app, command.dump, raw);
     const CLI::App* heat = AddHeat(app, command.heat, raw);
     const CLI::App* mms = AddMms(app, command.mms, raw);
+    const CLI::App* nonmatching = AddNonmatching(app, command.nonmatching, raw);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
@@ -111,24 +225,22 @@ Command ReadCommand(int argc, const char* const* argv) {
     } catch (const CLI::ParseError& error) {
         throw std::runtime_error(error.what());
     }
-    if (heat->parsed()) {
+    if (cylinder->parsed()) {
+        command.task = Task::Cylinder;
+        Complete(command.cylinder, *cylinder, raw);
+    } else if (dump->parsed()) {
+        command.task = Task::Dump;
+        command.dump.parameters = ReadParameters(raw.sets);
+    } else if (heat->parsed()) {
         command.task = Task::Heat;
-    }
-    for (const std::string& text : raw.sets) {
-        AddParameter(text, heat->parsed() ? command.heat.parameters : command.mms.parameters);
-    }
-    if (mms->parsed()) {
+        command.heat.parameters = ReadParameters(raw.sets);
+        command.heat.matrixSolver = *MatrixSolverNamed(raw.matrixSolver);
+    } else if (mms->parsed()) {
         command.task = Task::Mms;
-        command.mms.schemes = ReadSchemes(raw.schemes);
-        if (mms->count("--mu") > 0) {
-            command.mms.mu = raw.mu;
-        }
-        if (mms->count("--mesh") > 0 && mms->count("--kind") == 0) {
-            command.mms.kinds.clear();
-        }
-        std::vector<int>& sizes = command.mms.sizes;
-        std::sort(sizes.begin(), sizes.end());
-        sizes.erase(std::unique(sizes.begin(), sizes.end()), sizes.end());
+        Complete(command.mms, *mms, raw);
+    } else if (nonmatching->parsed()) {
+        command.task = Task::Nonmatching;
+        Complete(command.nonmatching, raw);
     }
     return command;
 }

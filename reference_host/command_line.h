@@ -1,19 +1,25 @@
 #ifndef KVX3D_REFERENCE_HOST_COMMAND_LINE_H
 #define KVX3D_REFERENCE_HOST_COMMAND_LINE_H
 
+#include "reference_host/case_cylinder.h"
+#include "reference_host/case_dump.h"
 #include "reference_host/case_heat.h"
 #include "reference_host/case_mms.h"
+#include "reference_host/case_nonmatching.h"
 
 namespace host {
 
-enum class Task { ShowHelp, Heat, Mms };
+enum class Task { ShowHelp, Cylinder, Heat, Mms, Nonmatching, Dump };
 
 /// What the command line asked for. Only the chosen task's case is filled.
 struct Command {
     Task task = Task::ShowHelp;
     std::string help;  ///< text of --help
+    CylinderCase cylinder;
     HeatCase heat;
     MmsCase mms;
+    NonmatchingCase nonmatching;
+    DumpCase dump;
 };
 
 /// Reads the command line; the only place that knows it.

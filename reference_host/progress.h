@@ -40,6 +40,37 @@ private:
     const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
 };
 
+/// Reports an iteration that ends when a change is small enough: on a terminal one line that is
+/// redrawn, with a bar of the orders of magnitude gained and the time left; elsewhere a plain line
+/// every tenth iteration and for the last.
+class IterationProgress {
+public:
+    /// @param task    word in front of each line
+    /// @param target  change at which the iteration ends, above 0
+    IterationProgress(std::string task, double target, std::ostream& out, bool terminal);
+    /// Ends the redrawn line; elsewhere prints the last iteration if that is still to be told.
+    ~IterationProgress();
+    IterationProgress(const IterationProgress&) = delete;
+    IterationProgress& operator=(const IterationProgress&) = delete;
+
+    /// Reports that one more iteration is done.
+    /// @param status  what it reached besides the change
+    void Done(double change, const std::string& status);
+
+private:
+    double FractionDone(double change);
+
+    const std::string task;
+    const double target;
+    std::ostream& out;
+    const bool terminal;
+    int iteration = 0;
+    double firstChange = 0.0;
+    double fraction = 0.0;    // never falls: residuals may wiggle, a bar should not
+    std::string pendingLine;  // last plain line that was not printed
+    const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+};
+
 }  // namespace host
 
 #endif
