@@ -72,11 +72,12 @@ SolveReport March(const HeatCase& run, HeatProblem& heat, ResultSeries& results)
 
 }  // namespace
 
-HeatProblem::HeatProblem(const Mesh& mesh_, HostObjects& objects_, const OversetLink& link)
+HeatProblem::HeatProblem(const Mesh& mesh_, HostObjects& objects_, const OversetLink& link,
+                         MatrixSolver matrixSolver)
     : mesh(mesh_),
       objects(objects_),
       conditions(HeatConditions(mesh_, link)),
-      solver(mesh_, objects_, link, Scheme::Diffusion),
+      solver(mesh_, objects_, link, Scheme::Diffusion, matrixSolver),
       temperature(objects_.CellAndGhostCount() + 1, 0.0) {}
 
 SolveReport HeatProblem::Advance(double step) {
@@ -131,7 +132,7 @@ int RunHeat(const HeatCase& run) {
     HostObjects objects(mesh, run.outputDir);
     OversetLink link(mesh, objects);
     RequireBody(mesh, link, run.meshFile);
-    HeatProblem heat(mesh, objects, link);
+    HeatProblem heat(mesh, objects, link, run.matrixSolver);
     ResultSeries results(mesh, objects, link, run.outputDir, "Temperature", "HeatFlux");
     const SolveReport steady = March(run, heat, results);
     PrintBalance(heat.Balance(), mesh.IsQuasi2d());

@@ -27,6 +27,7 @@ struct HeatCase {
     std::string outputDir = "heat_results";
     int steps = 12;           ///< time steps before the steady state
     double firstStep = 0.01;  ///< size of the first, in diameters^2 / diffusivity
+    MatrixSolver matrixSolver = MatrixSolver::Bicgstab;
 };
 
 /// Heat conducted out of the domain per unit time through each kind of face; on a one-cell-thick
@@ -45,7 +46,8 @@ struct HeatBalance {
 class HeatProblem {
 public:
     /// Borrows its arguments.
-    HeatProblem(const Mesh& mesh, HostObjects& objects, const OversetLink& link);
+    HeatProblem(const Mesh& mesh, HostObjects& objects, const OversetLink& link,
+                MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
 
     /// One implicit Euler step; a step of 0 solves the steady state.
     SolveReport Advance(double step);

@@ -65,15 +65,11 @@ public:
     }
 
     MmsLevel Solve(Scheme scheme) {
-        const double mu = run.mu.value_or(Convects(scheme) ? 0.01 : 1.0);
         const ManufacturedRun result =
-            SolveManufactured(mesh, objects, link, scheme, exact, mu, carrier);
-        if (!result.solve.Converged()) {
-            throw std::runtime_error(
-                fmt::format("{}, n = {}, {}: residual {:.1e} after {} solver calls, wanted {:.1e}",
-                            run.meshFile, size, Name(scheme), result.solve.finalResidual,
-                            result.solve.calls, result.solve.target));
-        }
+            SolveManufactured(mesh, objects, link, scheme, exact,
+                              run.mu.value_or(DefaultMu(scheme)), carrier, run.matrixSolver);
+        RequireConverged(result.solve,
+                         fmt::format("{}, n = {}, {}", run.meshFile, size, Name(scheme)));
         if (series) {
             Publish(result.phi);
         }
@@ -135,23 +131,6 @@ void PrintRow(const MmsStudy& study, const char* grid, const MmsLevel& level,
         "{:<12} {:>4} {:>4} {:>7}  {:<10} {:9.3e} {:>6}  {:9.3e} {:>6} {:>6}\n", Name(study.scheme),
         KindText(study.kind), level.size, level.activeCells, grid, norms.l2, order(&ErrorNorms::l2),
         norms.max, order(&ErrorNorms::max), level.solve.iterations);
-}
-
-void PrintTable(const std::vector<MmsStudy>& studies) {
-    std::cout << fmt::format("{:<12} {:>4} {:>4} {:>7}  {:<10} {:>9} {:>6}  {:>9} {:>6} {:>6}\n",
-                             "scheme", "kind", "n", "cells", "grid", "L2 error", "order",
-                             "max error", "order", "solver");
-    for (const MmsStudy& study : studies) {
-        const MmsLevel* before = nullptr;
-        for (const MmsLevel& level : study.levels) {
-            PrintRow(study, "all", level, level.all, before, before ? &before->all : nullptr);
-            for (std::size_t g = 0; g < level.byGrid.size(); ++g) {
-                PrintRow(study, GridName(g), level, level.byGrid[g], before,
-                         before ? &before->byGrid[g] : nullptr);
-            }
-            before = &level;
-        }
-    }
 }
 
 /// L2 errors at n = 20 on kind 1 (single box) and kind 0 (overset pair), as this discretisation
@@ -256,6 +235,47 @@ std::vector<std::string> Misses(const MmsStudy& study) {
     return misses;
 }
 
+double DefaultMu(Scheme scheme) {
+    return Convects(scheme) ? 0.01 : 1.0;
+}
+
+void RequireConverged(const SolveReport& solve, const std::string& what) {
+    if (!solve.Converged()) {
+        throw std::runtime_error(
+            fmt::format("{}: residual {:.1e} after {} solver calls, wanted {:.1e}", what,
+                        solve.finalResidual, solve.calls, solve.target));
+    }
+}
+
+void PrintTable(const std::vector<MmsStudy>& studies) {
+    std::cout << fmt::format("{:<12} {:>4} {:>4} {:>7}  {:<10} {:>9} {:>6}  {:>9} {:>6} {:>6}\n",
+                             "scheme", "kind", "n", "cells", "grid", "L2 error", "order",
+                             "max error", "order", "solver");
+    for (const MmsStudy& study : studies) {
+        const MmsLevel* before = nullptr;
+        for (const MmsLevel& level : study.levels) {
+            PrintRow(study, "all", level, level.all, before, before ? &before->all : nullptr);
+            for (std::size_t g = 0; g < level.byGrid.size(); ++g) {
+                PrintRow(study, GridName(g), level, level.byGrid[g], before,
+                         before ? &before->byGrid[g] : nullptr);
+            }
+            before = &level;
+        }
+    }
+}
+
+int ReportMisses(const std::vector<MmsStudy>& studies) {
+    int missCount = 0;
+    for (const MmsStudy& study : studies) {
+        for (const std::string& miss : Misses(study)) {
+            std::cerr << "reference_host: " << miss << '\n';
+            ++missCount;
+        }
+    }
+    std::cout << (missCount == 0 ? "All limits reached.\n" : "Limits missed, see above.\n");
+    return missCount == 0 ? 0 : 1;
+}
+
 std::vector<MmsStudy> RunKind(const MmsCase& run, std::optional<int> kind) {
     std::vector<MmsStudy> studies;
     for (const Scheme scheme : run.schemes) {
@@ -282,15 +302,7 @@ int RunMms(const MmsCase& run) {
     if (!run.check) {
         return 0;
     }
-    int missCount = 0;
-    for (const MmsStudy& study : studies) {
-        for (const std::string& miss : Misses(study)) {
-            std::cerr << "reference_host: " << miss << '\n';
-            ++missCount;
-        }
-    }
-    std::cout << (missCount == 0 ? "All limits reached.\n" : "Limits missed, see above.\n");
-    return missCount == 0 ? 0 : 1;
+    return ReportMisses(studies);
 }
 
 }  // namespace host

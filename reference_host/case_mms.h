@@ -26,8 +26,9 @@ struct MmsCase {
     std::vector<int> sizes = {10, 20};  ///< values of the .geo's `n`, cells per unit length
     std::vector<Scheme> schemes = {Scheme::Diffusion};
     std::optional<double> mu;  ///< default 1 for pure diffusion, else 0.01
-    bool check = false;        ///< compare with the limits
-    std::string outputDir;     ///< a result series per mesh, one step a scheme; empty: none
+    MatrixSolver matrixSolver = MatrixSolver::Bicgstab;
+    bool check = false;     ///< compare with the limits
+    std::string outputDir;  ///< a result series per mesh, one step a scheme; empty: none
 };
 
 /// Errors of one run, over all active cells and over each grid.
@@ -62,6 +63,19 @@ struct MmsStudy {
 
 /// What misses the limits, one sentence each: orders between the two finest levels, errors on all.
 std::vector<std::string> Misses(const MmsStudy& study);
+
+/// Diffusion coefficient of a study that names none: 1 for pure diffusion, else 0.01.
+double DefaultMu(Scheme scheme);
+
+/// @throws std::runtime_error  "<what>: residual ...", if the solve missed its target
+void RequireConverged(const SolveReport& solve, const std::string& what);
+
+/// Prints errors and orders of all levels on standard output.
+void PrintTable(const std::vector<MmsStudy>& studies);
+
+/// Prints what misses the limits on standard error and the verdict on standard output.
+/// @return 0, or 1 if anything misses
+int ReportMisses(const std::vector<MmsStudy>& studies);
 
 /// Runs all schemes on one kind of mesh at all sizes; each mesh is made and cut once.
 /// @param kind  value of the .geo's `kind`; none: the file has no such number

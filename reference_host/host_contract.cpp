@@ -152,7 +152,7 @@ void CheckInnerFaces(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m,
             pairs.Add(name);
             continue;
         }
-        if (gv.cavityId[owner] != gv.cavityId[neighbor]) {
+        if (gv.cavityId[owner] != gv.cavityId[neighbor] && m.nonmatchingFace[face] != 1) {
             cavities.Add(name);
         }
         const Vec3 area(m.nxe[face], m.nye[face], m.nze[face]);
@@ -208,6 +208,9 @@ int CheckCavities(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m,
     // The toolbox counts the cavities of all cells but the last.
     const std::set<int> ids(gv.cavityId + 1, gv.cavityId + std::max(m.Nc, 2));
     const int nGrids = static_cast<int>(ids.size());
+    if (*ids.begin() == 0 && *ids.rbegin() == 1) {
+        return 1;  // the two sides of a non-matching interface: nothing to cut
+    }
     if (ids.count(gv.cavityId[m.Nc]) == 0) {
         lines.push_back(
             fmt::format("cell {} {} is the only one of cavity {} and the last of all: give the "

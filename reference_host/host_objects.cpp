@@ -87,6 +87,7 @@ void HostObjects::FillInnerFaces(const Mesh& mesh) {
         innerAreas.Set(i, face.area);
         owner[i] = face.owner;
         neighbor[i] = face.neighbor;
+        nonmatching[i] = face.nonmatching ? 1 : 0;
     }
 
     fvm.xe = innerCentres.x.data();

@@ -20,7 +20,8 @@ struct InnerFace {
     int neighbor = 0;  ///< cell on the side it points to
     Vec3 centre = Vec3::Zero();
     Vec3 area = Vec3::Zero();
-    std::vector<int> nodes;  ///< node ids in order around the face
+    std::vector<int> nodes;    ///< node ids in order around the face; none at an interface
+    bool nonmatching = false;  ///< of an interface whose two sides do not match
 };
 
 struct BoundaryFace {
@@ -37,9 +38,11 @@ struct Mesh {
     std::vector<std::vector<int>> cellNodes;  ///< node ids per cell in VTK's linear order
     std::vector<Vec3> cellCentre;
     std::vector<double> volume;
-    std::vector<int> cavity;  ///< 1 background, 2 component1, 3 component2
+    std::vector<int> cavity;  ///< 1 background, 2 component1, 3 component2; 0 block0, 1 block1
     std::vector<InnerFace> innerFaces;
     std::array<std::vector<BoundaryFace>, 4> boundaryFaces;  ///< by Boundary
+    /// Where block0 and block1 meet: the faces of each, not matched and not cut.
+    std::array<std::vector<BoundaryFace>, 2> interfaceFaces;
 
     int CellCount() const { return static_cast<int>(cellCentre.size()) - 1; }
     int NodeCount() const { return static_cast<int>(nodes.size()) - 1; }

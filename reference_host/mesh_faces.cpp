@@ -128,8 +128,8 @@ void RefuseSharedNodes(const Mesh& mesh) {
             throw std::runtime_error(fmt::format(
                 "node {} {} belongs to {} (cell {}) and to {} (cell {}): give each volume its own "
                 "points, curves and surfaces, and merge nothing",
-                node, At(mesh.nodes[node]), CavityName(mesh.cavity[other]), other,
-                CavityName(mesh.cavity[cell]), cell));
+                node, At(mesh.nodes[node]), GridName(mesh, other), other, GridName(mesh, cell),
+                cell));
         }
     }
 }
@@ -159,6 +159,11 @@ FaceTable MatchCells(const Mesh& mesh) {
     return table;
 }
 
+std::string NameOf(const NamedFace& face) {
+    return face.interfaceSide < 0 ? FaceName(face.kind, face.oversetGroup)
+                                  : fmt::format("interface{}", face.interfaceSide);
+}
+
 /// What keeps a named face from naming `half`, as the end of a sentence; empty if nothing does.
 std::string NameFault(const Mesh& mesh, const std::vector<NamedFace>& named, const NamedFace& face,
                       const FaceTable& table, const HalfFace& half) {
@@ -173,11 +178,15 @@ std::string NameFault(const Mesh& mesh, const std::vector<NamedFace>& named, con
     if (half.name > 0) {
         const NamedFace& other = named[half.name - 1];
         return fmt::format("beside cell {} is in \"{}\" already: keep it in one group", half.cell,
-                           FaceName(other.kind, other.oversetGroup));
+                           NameOf(other));
+    }
+    if (face.interfaceSide >= 0 && mesh.cavity[half.cell] != face.interfaceSide) {
+        return fmt::format("lies beside {} (cell {}): {} is where block{} meets the other",
+                           GridName(mesh, half.cell), half.cell, NameOf(face), face.interfaceSide);
     }
     if (face.oversetGroup > 0 && mesh.cavity[half.cell] != face.oversetGroup + 1) {
         return fmt::format("lies beside {} (cell {}): overset{} is the outer boundary of {}",
-                           CavityName(mesh.cavity[half.cell]), half.cell, face.oversetGroup,
+                           GridName(mesh, half.cell), half.cell, face.oversetGroup,
                            CavityName(face.oversetGroup + 1));
     }
     return "";
@@ -190,8 +199,7 @@ void MatchNames(const Mesh& mesh, const std::vector<NamedFace>& named, FaceTable
         HalfFace& half = table.halves[table.Find(KeyOf(face.nodes))];
         const std::string fault = NameFault(mesh, named, face, table, half);
         if (!fault.empty()) {
-            throw std::runtime_error(fmt::format("the \"{}\" face {} {}",
-                                                 FaceName(face.kind, face.oversetGroup),
+            throw std::runtime_error(fmt::format("the \"{}\" face {} {}", NameOf(face),
                                                  At(NodeMean(mesh, face.nodes)), fault));
         }
         half.name = static_cast<int>(i) + 1;
@@ -214,7 +222,7 @@ void RefuseNamelessFaces(const Mesh& mesh, const FaceTable& table) {
             "surfaces into a group (inlet, outlet, wall, symmetry, overset1, overset2), or join "
             "the volumes that should meet there",
             count, At(NodeMean(mesh, NodesOf(mesh, first->cell, first->local))), first->cell,
-            CavityName(mesh.cavity[first->cell])));
+            GridName(mesh, first->cell)));
     }
 }
 
@@ -228,6 +236,7 @@ void BuildFaces(Mesh& mesh, const std::vector<NamedFace>& named) {
 
     mesh.innerFaces.assign(1, {});
     mesh.boundaryFaces.fill(std::vector<BoundaryFace>(1));
+    mesh.interfaceFaces.fill(std::vector<BoundaryFace>(1));
     for (std::size_t i = 1; i < table.halves.size(); ++i) {
         const HalfFace& half = table.halves[i];
         if (half.partner > static_cast<int>(i)) {
@@ -242,7 +251,9 @@ void BuildFaces(Mesh& mesh, const std::vector<NamedFace>& named) {
             face.cell = half.cell;
             face.oversetGroup = name.oversetGroup;
             face.nodes = NodesOf(mesh, half.cell, half.local);
-            mesh.boundaryFaces[static_cast<int>(name.kind)].push_back(std::move(face));
+            auto& faces = name.interfaceSide < 0 ? mesh.boundaryFaces[static_cast<int>(name.kind)]
+                                                 : mesh.interfaceFaces[name.interfaceSide];
+            faces.push_back(std::move(face));
         }
     }
 }

@@ -12,10 +12,13 @@ struct NamedFace {
     Boundary kind = Boundary::Wall;
     int oversetGroup = 0;    ///< 1 or 2 on an overset boundary, else 0
     std::vector<int> nodes;  ///< node ids in any order
+    /// 0 or 1: where block0 or block1 meets the other without matching it. -1 elsewhere.
+    int interfaceSide = -1;
 };
 
-/// Fills innerFaces and boundaryFaces (cells, groups, node lists; no geometry) by matching the
-/// sorted node lists of all cell faces and all named faces. Time grows like the number of cells.
+/// Fills innerFaces, boundaryFaces and interfaceFaces (cells, groups, node lists; no geometry) by
+/// matching the sorted node lists of all cell faces and all named faces. Time grows like the number
+/// of cells.
 ///
 /// Inner faces are numbered with their owner, which is the cell of lower id; boundary faces with
 /// their cell, each kind on its own. Node lists run counter-clockwise seen from outside the owner.

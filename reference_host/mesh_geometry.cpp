@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <Eigen/Geometry>
+#include <algorithm>
 #include <stdexcept>
 
 #include "reference_host/messages.h"
@@ -22,20 +23,13 @@ void ForEachEdge(const Mesh& mesh, const std::vector<int>& nodeIds, Visit visit)
 
 template <class Face>
 void ComputeFace(const Mesh& mesh, Face& face) {
-    const Vec3 middle = NodeMean(mesh, face.nodes);
-    face.area.setZero();
-    ForEachEdge(mesh, face.nodes, [&](const Vec3& a, const Vec3& b) {
-        face.area += 0.5 * (a - middle).cross(b - middle);
-    });
-    // Weights are the triangles' areas as seen along the face's normal; a face of no area keeps
-    // its node mean, and its cell is refused for its volume.
-    Vec3 moment = Vec3::Zero();
-    ForEachEdge(mesh, face.nodes, [&](const Vec3& a, const Vec3& b) {
-        const Vec3 triangle = 0.5 * (a - middle).cross(b - middle);
-        moment += triangle.dot(face.area) / 3.0 * ((a - middle) + (b - middle));
-    });
-    const double areaSquared = face.area.squaredNorm();
-    face.centre = areaSquared > 0 ? Vec3(middle + moment / areaSquared) : middle;
+    std::vector<Vec3> corners;
+    for (int node : face.nodes) {
+        corners.push_back(mesh.nodes[node]);
+    }
+    const PolygonGeometry polygon = GeometryOf(corners);
+    face.area = polygon.area;
+    face.centre = polygon.centre;
 }
 
 /// Sums over the faces of each cell; entry 0 unused.
@@ -96,6 +90,32 @@ Vec3 NodeMean(const Mesh& mesh, const std::vector<int>& nodeIds) {
     return sum / static_cast<double>(nodeIds.size());
 }
 
+PolygonGeometry GeometryOf(const std::vector<Vec3>& corners) {
+    const std::size_t n = corners.size();
+    Vec3 middle = Vec3::Zero();
+    for (const Vec3& corner : corners) {
+        middle += corner;
+    }
+    middle /= static_cast<double>(n);
+    PolygonGeometry polygon;
+    const auto triangle = [&](std::size_t i) -> Vec3 {
+        return 0.5 * (corners[i] - middle).cross(corners[(i + 1) % n] - middle);
+    };
+    for (std::size_t i = 0; i < n; ++i) {
+        polygon.area += triangle(i);
+    }
+    // Weights are the triangles' areas as seen along the polygon's normal; one of no area keeps
+    // its corners' mean, and the cell of such a face is refused for its volume.
+    Vec3 moment = Vec3::Zero();
+    for (std::size_t i = 0; i < n; ++i) {
+        moment += triangle(i).dot(polygon.area) / 3.0 *
+                  ((corners[i] - middle) + (corners[(i + 1) % n] - middle));
+    }
+    const double areaSquared = polygon.area.squaredNorm();
+    polygon.centre = areaSquared > 0 ? Vec3(middle + moment / areaSquared) : middle;
+    return polygon;
+}
+
 void ComputeGeometry(Mesh& mesh) {
     const std::size_t n = mesh.cellNodes.size();
     CellSums sums(n);
@@ -115,6 +135,12 @@ void ComputeGeometry(Mesh& mesh) {
             sums.AddFace(mesh, face.cell, face.nodes, face.area, 1.0);
         }
     }
+    for (std::vector<BoundaryFace>& side : mesh.interfaceFaces) {
+        for (std::size_t i = 1; i < side.size(); ++i) {
+            ComputeFace(mesh, side[i]);
+            sums.AddFace(mesh, side[i].cell, side[i].nodes, side[i].area, 1.0);
+        }
+    }
 
     mesh.volume = sums.volume;
     mesh.cellCentre.assign(n, Vec3::Zero());
@@ -122,6 +148,29 @@ void ComputeGeometry(Mesh& mesh) {
         CheckCell(mesh, sums, static_cast<int>(cell));
         mesh.cellCentre[cell] = sums.apex[cell] + sums.moment[cell] / sums.volume[cell];
     }
+}
+
+double LargestGap(const Mesh& mesh) {
+    std::vector<Vec3> area(mesh.cellCentre.size(), Vec3::Zero());
+    std::vector<double> surface(area.size(), 0.0);
+    const auto add = [&](int cell, const Vec3& outward) {
+        area[cell] += outward;
+        surface[cell] += outward.norm();
+    };
+    for (int i = 1; i <= mesh.InnerFaceCount(); ++i) {
+        add(mesh.innerFaces[i].owner, mesh.innerFaces[i].area);
+        add(mesh.innerFaces[i].neighbor, -mesh.innerFaces[i].area);
+    }
+    for (Boundary kind : allBoundaries) {
+        for (int i = 1; i <= mesh.FaceCount(kind); ++i) {
+            add(mesh.Faces(kind)[i].cell, mesh.Faces(kind)[i].area);
+        }
+    }
+    double gap = 0.0;
+    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+        gap = std::max(gap, area[cell].norm() / surface[cell]);
+    }
+    return gap;
 }
 
 }  // namespace host

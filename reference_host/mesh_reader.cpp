@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -23,20 +24,26 @@ namespace {
 struct SurfaceGroup {
     Boundary kind = Boundary::Wall;
     int oversetGroup = 0;
+    int interfaceSide = -1;
 };
 
 const std::map<std::string, int> cavityOfGroup = {
-    {"background", 1}, {"component1", 2}, {"component2", 3}};
-const std::map<std::string, SurfaceGroup> surfaceGroups = {
-    {"inlet", {Boundary::Inlet, 0}},       {"outlet", {Boundary::Outlet, 0}},
-    {"wall", {Boundary::Wall, 0}},         {"overset1", {Boundary::Wall, 1}},
-    {"symmetry", {Boundary::Symmetry, 0}}, {"overset2", {Boundary::Wall, 2}}};
+    {"background", 1}, {"component1", 2}, {"component2", 3}, {"block0", 0}, {"block1", 1}};
+const std::map<std::string, SurfaceGroup> surfaceGroups = {{"inlet", {Boundary::Inlet}},
+                                                           {"outlet", {Boundary::Outlet}},
+                                                           {"wall", {Boundary::Wall}},
+                                                           {"symmetry", {Boundary::Symmetry}},
+                                                           {"overset1", {Boundary::Wall, 1}},
+                                                           {"overset2", {Boundary::Wall, 2}},
+                                                           {"interface0", {Boundary::Wall, 0, 0}},
+                                                           {"interface1", {Boundary::Wall, 0, 1}}};
 
 /// Elements of one type in one volume or surface, nodes still as Gmsh's tags.
 struct ElementBlock {
     int type = 0;
     std::size_t nodesEach = 0;
     int cavity = 0;        // of volumes
+    std::string group;     // of volumes
     SurfaceGroup surface;  // of surfaces
     std::vector<std::size_t> nodes;
 };
@@ -85,8 +92,8 @@ std::vector<std::pair<std::size_t, Vec3>> ReadNodes() {
 }
 
 std::string KnownNames(int dim) {
-    return dim == 3 ? "background, component1, component2"
-                    : "inlet, outlet, wall, symmetry, overset1, overset2";
+    return dim == 3 ? "background, component1, component2, block0, block1"
+                    : "inlet, outlet, wall, symmetry, overset1, overset2, interface0, interface1";
 }
 
 /// Group name of each volume (dim 3) or surface (dim 2) that is in one.
@@ -178,6 +185,7 @@ void ReadVolumes(GmshMesh& found) {
         for (ElementBlock& block : blocks) {
             CheckElementType(found, block, 3, entity.second);
             block.cavity = cavityOfGroup.at(group->second);
+            block.group = group->second;
             found.volumes.push_back(std::move(block));
         }
     }
@@ -189,6 +197,37 @@ void ReadSurfaces(GmshMesh& found) {
             CheckElementType(found, block, 2, entity);
             block.surface = surfaceGroups.at(name);
             found.surfaces.push_back(std::move(block));
+        }
+    }
+}
+
+/// Two blocks, each with its side of the interface, or none: they have no place in an overset mesh.
+void RefuseIncompleteBlocks(const GmshMesh& found) {
+    std::set<std::string> groups;
+    std::array<bool, 2> hasSide = {};
+    for (const ElementBlock& block : found.volumes) {
+        groups.insert(block.group);
+    }
+    for (const ElementBlock& block : found.surfaces) {
+        if (block.surface.interfaceSide >= 0) {
+            hasSide[block.surface.interfaceSide] = true;
+        }
+    }
+    const std::size_t nBlocks = groups.count("block0") + groups.count("block1");
+    if (nBlocks == 0 && !hasSide[0] && !hasSide[1]) {
+        return;
+    }
+    if (nBlocks != 2 || groups.size() != 2) {
+        throw std::runtime_error(
+            "a mesh with a non-matching interface has the physical volume groups \"block0\" and "
+            "\"block1\" and no other: name its volumes so");
+    }
+    for (int side = 0; side < 2; ++side) {
+        if (!hasSide[side]) {
+            throw std::runtime_error(fmt::format(
+                "physical surface group \"interface{}\" is missing: put the surfaces of block{} "
+                "that lie on the other block into it",
+                side, side));
         }
     }
 }
@@ -274,7 +313,8 @@ Mesh BuildMesh(const GmshMesh& found) {
     std::vector<NamedFace> named;
     for (const ElementBlock& block : found.surfaces) {
         for (std::size_t i = 0; i < block.nodes.size() / block.nodesEach; ++i) {
-            named.push_back({block.surface.kind, block.surface.oversetGroup, nodesOf(block, i)});
+            named.push_back({block.surface.kind, block.surface.oversetGroup, nodesOf(block, i),
+                             block.surface.interfaceSide});
         }
     }
     BuildFaces(mesh, named);
@@ -364,6 +404,7 @@ GmshMesh ReadModel(const std::string& file, const MeshParameters& parameters) {
         ReadVolumes(found);
         ReadSurfaces(found);
     });
+    RefuseIncompleteBlocks(found);
     RefuseMissingGroups(found);
     return found;
 }

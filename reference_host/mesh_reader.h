@@ -15,7 +15,9 @@ using MeshParameters = std::map<std::string, double>;
 /// Gmsh meshes on the spot.
 ///
 /// Physical groups say what is what. Volumes: background, component1, component2. Surfaces: inlet,
-/// outlet, wall, symmetry, overset1, overset2. Cells are linear tetrahedra, hexahedra, prisms and
+/// outlet, wall, symmetry, overset1, overset2. Two grids that meet without matching are the volumes
+/// block0 and block1, their faces there the surfaces interface0 and interface1; see JoinInterface()
+/// for what makes one mesh of them. Cells are linear tetrahedra, hexahedra, prisms and
 /// pyramids, numbered in the order of Gmsh's volumes and elements; an inner face is numbered with
 /// its lower cell, which is its owner. Gmsh is started and ended in the call, so two calls must
 /// not overlap.

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "reference_host/mesh_geometry.h"
@@ -18,6 +19,11 @@ std::string CellAt(const Mesh& mesh, int cell) {
 
 std::string CavityName(int cavity) {
     return cavity == 1 ? "background" : fmt::format("component{}", cavity - 1);
+}
+
+std::string GridName(const Mesh& mesh, int cell) {
+    const bool hasBlocks = std::count(mesh.cavity.begin() + 1, mesh.cavity.end(), 0) > 0;
+    return hasBlocks ? fmt::format("block{}", mesh.cavity[cell]) : CavityName(mesh.cavity[cell]);
 }
 
 std::string FaceName(Boundary kind, int oversetGroup) {

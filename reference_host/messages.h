@@ -17,6 +17,9 @@ std::string CellAt(const Mesh& mesh, int cell);
 /// Name of the physical group of volumes that becomes cavity 1, 2 or 3.
 std::string CavityName(int cavity);
 
+/// Name of the physical group of volumes that `cell` came from.
+std::string GridName(const Mesh& mesh, int cell);
+
 /// Name of the physical group of a boundary face: "wall", "overset1", ...
 std::string FaceName(Boundary kind, int oversetGroup);
 
