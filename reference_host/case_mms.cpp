@@ -119,6 +119,10 @@ private:
     int stepCount = 0;
 };
 
+std::string IterationText(const SolveReport& solve) {
+    return solve.iterations > 0 ? std::to_string(solve.iterations) : "-";  // SAMG tells none
+}
+
 /// One row: errors of a grid on a level, and their orders against the level before.
 void PrintRow(const MmsStudy& study, const char* grid, const MmsLevel& level,
               const ErrorNorms& norms, const MmsLevel* before, const ErrorNorms* normsBefore) {
@@ -130,7 +134,7 @@ void PrintRow(const MmsStudy& study, const char* grid, const MmsLevel& level,
     std::cout << fmt::format(
         "{:<12} {:>4} {:>4} {:>7}  {:<10} {:9.3e} {:>6}  {:9.3e} {:>6} {:>6}\n", Name(study.scheme),
         KindText(study.kind), level.size, level.activeCells, grid, norms.l2, order(&ErrorNorms::l2),
-        norms.max, order(&ErrorNorms::max), level.solve.iterations);
+        norms.max, order(&ErrorNorms::max), IterationText(level.solve));
 }
 
 /// L2 errors at n = 20 on kind 1 (single box) and kind 0 (overset pair), as this discretisation

@@ -24,7 +24,9 @@ std::string PrepareLevel(const NonmatchingCase& run, std::size_t level) {
     return directory.string();
 }
 
-MmsLevel SolveOn(BlockPair& pair, const NonmatchingCase& run, Scheme scheme, int size,
+/// One scheme on one mesh; the solution becomes the next step of the series, with its error as the
+/// vector's x component.
+MmsLevel SolveOn(BlockPair& pair, const NonmatchingCase& run, Scheme scheme, int size, int step,
                  ResultSeries& series) {
     const AnalyticField exact = WaveFor(pair.mesh);
     const ManufacturedRun result =
@@ -35,7 +37,6 @@ MmsLevel SolveOn(BlockPair& pair, const NonmatchingCase& run, Scheme scheme, int
         pair.objects.pressure[cell] = result.phi[cell];
         pair.objects.u[cell] = result.phi[cell] - exact.value(pair.mesh.cellCentre[cell]);
     }
-    const int step = static_cast<int>(scheme) + 1;
     series.Write(step, step);
     MmsLevel level;
     level.size = size;
@@ -60,8 +61,9 @@ void RunLevel(const NonmatchingCase& run, std::size_t level, std::vector<MmsStud
     const std::string solution = (std::filesystem::path(directory) / "solution").string();
     PrepareOutputDirectory(solution);
     ResultSeries series(pair.mesh, pair.objects, pair.link, solution, "Solution", "Error");
+    int step = 0;
     for (MmsStudy& study : studies) {
-        study.levels.push_back(SolveOn(pair, run, study.scheme, run.n[level], series));
+        study.levels.push_back(SolveOn(pair, run, study.scheme, run.n[level], ++step, series));
     }
     series.Finish();
 }
