@@ -65,7 +65,7 @@ bool VTK_CollectionWriter::writeStep() {
                                      fileExtension(block->blockType);
         const std::string fullPath = settings->stepDir + settings->separator + fileName;
         const std::string relativePath = DataDirName(*settings) + settings->separator + fileName;
-        // A block of another type has no writer yet keeps its place in the series: its record goes
+        // A block of another type has no writer but keeps its place in the series: its record goes
         // out, with a name without extension.
         if (block->blockType == 0 && !writeVTUFile(fullPath, block)) {
             std::cout << "File: " << fullPath << " Open Error" << std::endl;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <random>
 #include <string>
 #include <type_traits>
@@ -8,6 +9,7 @@
 #include "nonmatching/art_nonmatching_tools.h"
 #include "tests/support/box_host.h"
 #include "tests/support/output_capture.h"
+#include "tests/support/undestroyed.h"
 
 namespace {
 
@@ -64,6 +66,19 @@ TEST(NonmatchingTools, StoreTheLinksAndFreeNothing) {
     }
 
     EXPECT_EQ(host.fvm.Nc, 2);
+}
+
+TEST(NonmatchingTools, ShowNoLinksOnceDestroyed) {
+    BoxHost host = Row(2, {});
+    Undestroyed<art_nonmatching_tools> tools;
+    tools->SetFVM(&host.gv, &host.fvm);
+    const void* links[2] = {&host, &host};
+
+    tools->~art_nonmatching_tools();
+
+    std::memcpy(links, tools.storage, sizeof(links));
+    EXPECT_EQ(links[0], nullptr);
+    EXPECT_EQ(links[1], nullptr);
 }
 
 TEST(NonmatchingPreprocess, WithoutFlaggedFacesReportsZeros) {

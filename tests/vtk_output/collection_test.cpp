@@ -197,6 +197,18 @@ TEST_F(CollectionWithoutDirectory, ARecordFileThatDoesNotOpenLosesTheRecordsOnly
     EXPECT_EQ(capture.Out(), "");
 }
 
+TEST_F(CollectionWithoutDirectory, AStepBeforeInitializeGoesBelowTheFileSystemsRoot) {
+    OutputCapture capture;
+    tool.settings->project = "missing/Run";
+    tool.newBlockData(&one.block);
+
+    EXPECT_FALSE(tool.OutputRun(0.25, 1));
+
+    const std::string file = tool.settings->separator + "missing/Run_Itr1_T0.25_P0_B1.vtu";
+    EXPECT_EQ(capture.FlushedOut(),
+              "Opne File: " + file + " With Error\nFile: " + file + " Open Error\n");
+}
+
 // --- post-run on a single machine ---
 
 TEST_F(CollectionOfProcess5, PostRunWritesTheSeriesAndDeletesTheRecords) {

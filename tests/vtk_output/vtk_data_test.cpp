@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstring>
 #include <type_traits>
 
+#include "tests/support/undestroyed.h"
 #include "tests/vtk_output/output_support.h"
 
 namespace {
@@ -129,6 +131,19 @@ TEST(VtkBlock, DestructionLeavesTheRecordsUsable) {
     EXPECT_EQ(one.points.count, 4);
 }
 
+TEST(VtkBlock, ADestroyedBlockShowsNoRecords) {
+    Tetrahedron one;
+    Undestroyed<VTK_Block> block(&one.points, &one.cells);
+    const std::size_t at = offsetof(VTK_Block, points);
+    const void* records[2] = {&one, &one};
+
+    block->~VTK_Block();
+
+    std::memcpy(records, block.storage + at, sizeof(records));
+    EXPECT_EQ(records[0], nullptr);
+    EXPECT_EQ(records[1], nullptr);
+}
+
 TEST(VtkTool, StartsEmptyWithTheSystemsSeparator) {
     CKVX_ART_VTK_Tool tool;
 
@@ -177,6 +192,18 @@ TEST(VtkTool, CopiesShareTheParts) {
     }
 
     delete tool;
+}
+
+TEST(VtkTool, ADestroyedToolShowsNoParts) {
+    Undestroyed<CKVX_ART_VTK_Tool> tool;
+    const void* parts[3] = {&tool, &tool, &tool};
+
+    tool->~CKVX_ART_VTK_Tool();
+
+    std::memcpy(parts, tool.storage + sizeof(void*), sizeof(parts));  // behind the table pointer
+    for (const void* part : parts) {
+        EXPECT_EQ(part, nullptr);
+    }
 }
 
 TEST(VtkTool, SkipsPartsThatAreNullAtDestruction) {
