@@ -3,41 +3,12 @@
 
 #include "host_link/art_gv.h"
 #include "host_link/face_data.h"
+#include "linear_algebra/csr_rows.h"
 #include "linear_algebra/sparse_matrix.h"
 
 #include <array>
 
-#if defined(__GNUC__) && defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace KVX_ART_FVM {
-
-/// Position of the first entry of Ja[begin .. end - 1] that equals `col`, or 0 if there is none.
-///
-/// Where a linear scan stops is what a processor guesses worst, and assembly is little else than
-/// such scans. Eight columns are compared without a branch; the answer is that of the plain loop.
-inline int PositionOf(int col, const int* Ja, int begin, int end) {
-    int k = begin;
-#if defined(__GNUC__) && defined(__SSE2__)
-    const __m128i wanted = _mm_set1_epi32(col);
-    for (; k + 8 <= end; k += 8) {
-        const __m128i* four = reinterpret_cast<const __m128i*>(Ja + k);
-        const __m128i low = _mm_cmpeq_epi32(_mm_loadu_si128(four), wanted);
-        const __m128i high = _mm_cmpeq_epi32(_mm_loadu_si128(four + 1), wanted);
-        const int equal = _mm_movemask_epi8(_mm_packs_epi32(low, high));  // two bits a column
-        if (equal != 0) {
-            return k + __builtin_ctz(static_cast<unsigned>(equal)) / 2;
-        }
-    }
-#endif
-    for (; k < end; ++k) {
-        if (Ja[k] == col) {
-            return k;
-        }
-    }
-    return 0;
-}
 
 /// One matrix row, as one side of a face adds to it.
 struct FaceRow {
@@ -69,7 +40,7 @@ private:
         const int end = matrix.Ia[row + 1];
         const int nTerms = id[0];
         for (int j = 1; j <= nTerms; ++j) {
-            const int k = PositionOf(id[j], matrix.Ja, begin, end);
+            const int k = KVX3DART::PositionOf(id[j], matrix.Ja, begin, end);
             if (k == 0) {
                 return j - 1;
             }

@@ -5,6 +5,7 @@
 namespace {
 
 using KVX3DART::CsrRows;
+using KVX3DART::RowProduct;
 
 constexpr int chunkLength = 64;  // entries whose positions are gathered at a time
 
@@ -68,23 +69,6 @@ double UpperSum(const CsrRows& A, int i, double latest, const double* result) {
     return sum;
 }
 
-/// Row times vector, diagonal and all.
-double RowProduct(const CsrRows& A, int i, const double* x) {
-    const int end = A.Ia[i + 1];
-    int k = A.Ia[i];
-    double sum = 0.0;
-    for (; k + 3 < end; k += 4) {
-        sum += x[A.Ja[k]] * A.Aa[k];
-        sum += x[A.Ja[k + 1]] * A.Aa[k + 1];
-        sum += x[A.Ja[k + 2]] * A.Aa[k + 2];
-        sum += x[A.Ja[k + 3]] * A.Aa[k + 3];
-    }
-    for (; k < end; ++k) {
-        sum += x[A.Ja[k]] * A.Aa[k];
-    }
-    return sum;
-}
-
 /// Rows 1..last of A x.
 void RowProducts(const CsrRows& A, const double* x, double* product, int last) {
     for (int i = 1; i <= last; ++i) {
@@ -112,9 +96,9 @@ KVX3DART::RowShape KVX3DART::InspectRows(const CsrRows& A) {
     return shape;
 }
 
-void KVX3DART::ForwardSweep(const CsrRows& A, bool partitioned, const double* D, const double* rhs,
-                            double* y, int first, int last) {
-    if (!partitioned) {
+void KVX3DART::ForwardSweep(const DiluSweeps& sweeps, const double* rhs, int first, int last) {
+    const auto& [A, shape, D, y] = sweeps;
+    if (!shape.partitioned) {
         for (int i = first; i <= last; ++i) {
             y[i] = (rhs[i] - ScatteredSum(A, i, 1, i - 1, y)) * D[i];
         }
@@ -127,16 +111,17 @@ void KVX3DART::ForwardSweep(const CsrRows& A, bool partitioned, const double* D,
     }
 }
 
-void KVX3DART::BackwardSweep(const CsrRows& A, const double* D, const double* y, double* result) {
+void KVX3DART::BackwardSweep(const DiluSweeps& sweeps, double* result) {
+    const auto& [A, shape, D, y] = sweeps;
     for (int i = A.n; i >= 1; --i) {
         result[i] = y[i] - ScatteredSum(A, i, i + 1, A.n, result) * D[i];
     }
 }
 
-void KVX3DART::BackwardSweepWithProduct(const CsrRows& A, const RowShape& shape, const double* D,
-                                        const double* y, double* result, double* product) {
+void KVX3DART::BackwardSweepWithProduct(const DiluSweeps& sweeps, double* result, double* product) {
+    const auto& [A, shape, D, y] = sweeps;
     if (!shape.partitioned) {
-        BackwardSweep(A, D, y, result);
+        BackwardSweep(sweeps, result);
         RowProducts(A, result, product, A.n);
         return;
     }

@@ -10,19 +10,34 @@ namespace {
 using KVX3DART::BackwardSweep;
 using KVX3DART::BackwardSweepWithProduct;
 using KVX3DART::CsrRows;
+using KVX3DART::DiluSweeps;
 using KVX3DART::ForwardSweep;
 using KVX3DART::InspectRows;
-using KVX3DART::RowShape;
+using KVX3DART::PositionOf;
+using KVX3DART::RowProduct;
 
 constexpr double eps = 1e-30;   // zero test of the recurrence and guard of its denominators
 constexpr int blockRows = 512;  // rows updated before they are swept: they stay in the cache
+
+// Sums over rows have one accumulator each and run upwards: results are compared bit for bit.
 
 /// True below the zero test, false for not-a-number: that iterates on until `times` ends it.
 bool Vanishes(double value) {
     return eps > std::abs(value);
 }
 
-/// One accumulator, ascending.
+/// r = b - A x, rHat = r
+/// @return r . r
+double FirstResidual(const CsrRows& A, const double* b, const double* x, double* r, double* rHat) {
+    double rr = 0.0;
+    for (int i = 1; i <= A.n; ++i) {
+        r[i] = b[i] - RowProduct(A, i, x);
+        rHat[i] = r[i];
+        rr += rHat[i] * rHat[i];
+    }
+    return rr;
+}
+
 double Dot(int n, const double* a, const double* b) {
     double sum = 0.0;
     for (int i = 1; i <= n; ++i) {
@@ -31,21 +46,61 @@ double Dot(int n, const double* a, const double* b) {
     return sum;
 }
 
-/// p = (p - omega v) beta + r
-void UpdateDirection(int first, int last, double omega, double beta, const double* v,
-                     const double* r, double* p) {
-    for (int i = first; i <= last; ++i) {
-        p[i] = (p[i] - omega * v[i]) * beta + r[i];
+/// Two products of one vector: the passes over the vectors are what they cost.
+struct DotPair {
+    double withOther;
+    double withItself;
+};
+
+/// a . b and a . a
+DotPair DotBoth(int n, const double* a, const double* b) {
+    DotPair dots{0.0, 0.0};
+    for (int i = 1; i <= n; ++i) {
+        dots.withOther += a[i] * b[i];
+        dots.withItself += a[i] * a[i];
+    }
+    return dots;
+}
+
+/// p = (p - omega v) beta + r, swept forward.
+void SweepNextDirection(const DiluSweeps& sweeps, double omega, double beta, const double* v,
+                        const double* r, double* p) {
+    const int n = sweeps.A.n;
+    for (int first = 1; first <= n; first += blockRows) {
+        const int last = std::min(first + blockRows - 1, n);
+        for (int i = first; i <= last; ++i) {
+            p[i] = (p[i] - omega * v[i]) * beta + r[i];
+        }
+        ForwardSweep(sweeps, p, first, last);
     }
 }
 
-/// x = x + alpha pHat, s = r - alpha v
-void AlphaStep(int first, int last, double alpha, const double* pHat, const double* v,
+/// x = x + alpha pHat, and s = r - alpha v, swept forward.
+void AlphaStep(const DiluSweeps& sweeps, double alpha, const double* pHat, const double* v,
                const double* r, double* x, double* s) {
-    for (int i = first; i <= last; ++i) {
-        x[i] = x[i] + alpha * pHat[i];
-        s[i] = r[i] - alpha * v[i];
+    const int n = sweeps.A.n;
+    for (int first = 1; first <= n; first += blockRows) {
+        const int last = std::min(first + blockRows - 1, n);
+        for (int i = first; i <= last; ++i) {
+            x[i] = x[i] + alpha * pHat[i];
+            s[i] = r[i] - alpha * v[i];
+        }
+        ForwardSweep(sweeps, s, first, last);
     }
+}
+
+/// x = x + omega sHat, r = s - omega t
+/// @return r . rHat and r . r
+DotPair OmegaStep(int n, double omega, const double* sHat, const double* s, const double* t,
+                  const double* rHat, double* x, double* r) {
+    DotPair dots{0.0, 0.0};
+    for (int i = 1; i <= n; ++i) {
+        x[i] = x[i] + omega * sHat[i];
+        r[i] = s[i] - omega * t[i];
+        dots.withOther += r[i] * rHat[i];
+        dots.withItself += r[i] * r[i];
+    }
+    return dots;
 }
 
 }  // namespace
@@ -85,12 +140,8 @@ bool CKVX_ART_MatSolver_BiCGSTAB::MatSolve(const double* b, double* x) {
         CompressIndex();
     }
     MakeDiagFrontCSR();
-    double rr = 0.0;
-    for (int i = 1; i <= rowsN; ++i) {
-        r[i] = b[i] - DotProduct(i, x);
-        rHat[i] = r[i];
-        rr += rHat[i] * rHat[i];
-    }
+    const CsrRows A{rowsN, Ia, Ja, Aa};
+    const double rr = FirstResidual(A, b, x, r, rHat);
     const double norm = std::sqrt(rr);
     if (Vanishes(norm)) {
         Rnorm = norm;
@@ -100,35 +151,28 @@ bool CKVX_ART_MatSolver_BiCGSTAB::MatSolve(const double* b, double* x) {
     if (times < 1) {
         return true;
     }
-    const CsrRows A{rowsN, Ia, Ja, Aa};
-    const RowShape shape = InspectRows(A);
+    const DiluSweeps sweeps{A, InspectRows(A), D, y};
     double rho = 1.0;
     double omega = 1.0;
     double alpha = 0.0;
-    double rhoNext = rr;  // r and rHat are still equal
+    DotPair residual{rr, rr};  // with rHat and with itself: the two are still equal
     for (int iter = 1;; ++iter) {
         const double rhoOld = rho + eps;
-        rho = rhoNext;
+        rho = residual.withOther;
         if (Vanishes(rho)) {
             return true;
         }
-        double beta = 0.0;
-        if (iter > 1) {
-            beta = (rho / rhoOld) * (alpha / (omega + eps));
+        if (iter == 1) {
+            std::copy(r + 1, r + rowsN + 1, p + 1);
+            ForwardSweep(sweeps, p, 1, rowsN);
+        } else {
+            const double beta = (rho / rhoOld) * (alpha / (omega + eps));
             if (Vanishes(beta)) {
                 return true;
             }
+            SweepNextDirection(sweeps, omega, beta, v, r, p);
         }
-        for (int first = 1; first <= rowsN; first += blockRows) {
-            const int last = std::min(first + blockRows - 1, rowsN);
-            if (iter == 1) {
-                std::copy(r + first, r + last + 1, p + first);
-            } else {
-                UpdateDirection(first, last, omega, beta, v, r, p);
-            }
-            ForwardSweep(A, shape.partitioned, D, p, y, first, last);
-        }
-        BackwardSweepWithProduct(A, shape, D, y, pHat, v);
+        BackwardSweepWithProduct(sweeps, pHat, v);
         const double sigma = Dot(rowsN, v, rHat);
         if (Vanishes(sigma)) {
             return true;
@@ -137,18 +181,9 @@ bool CKVX_ART_MatSolver_BiCGSTAB::MatSolve(const double* b, double* x) {
         if (Vanishes(alpha)) {
             return true;
         }
-        for (int first = 1; first <= rowsN; first += blockRows) {
-            const int last = std::min(first + blockRows - 1, rowsN);
-            AlphaStep(first, last, alpha, pHat, v, r, x, s);
-            ForwardSweep(A, shape.partitioned, D, s, y, first, last);
-        }
-        BackwardSweepWithProduct(A, shape, D, y, sHat, t);
-        double ts = 0.0;
-        double tt = 0.0;
-        for (int i = 1; i <= rowsN; ++i) {
-            ts += t[i] * s[i];
-            tt += t[i] * t[i];
-        }
+        AlphaStep(sweeps, alpha, pHat, v, r, x, s);
+        BackwardSweepWithProduct(sweeps, sHat, t);
+        const auto [ts, tt] = DotBoth(rowsN, t, s);
         if (Vanishes(tt)) {
             return true;
         }
@@ -156,15 +191,8 @@ bool CKVX_ART_MatSolver_BiCGSTAB::MatSolve(const double* b, double* x) {
         if (Vanishes(omega)) {
             return true;
         }
-        rr = 0.0;
-        rhoNext = 0.0;
-        for (int i = 1; i <= rowsN; ++i) {
-            x[i] = x[i] + omega * sHat[i];
-            r[i] = s[i] - omega * t[i];
-            rr += r[i] * r[i];
-            rhoNext += r[i] * rHat[i];
-        }
-        const double rnorm = std::sqrt(rr);
+        residual = OmegaStep(rowsN, omega, sHat, s, t, rHat, x, r);
+        const double rnorm = std::sqrt(residual.withItself);
         if (iter == 1) {
             Rnorm = rnorm;
         }
@@ -186,18 +214,15 @@ void CKVX_ART_MatSolver_BiCGSTAB::DILU(double* invD) {
             if (j <= i || j > rowsN) {
                 continue;
             }
-            for (int m = Ia[j] + 1; m < Ia[j + 1]; ++m) {
-                if (Ja[m] == i) {
-                    invD[j] = invD[j] - Aa[m] * invD[i] * Aa[k];
-                    break;
-                }
+            if (const int m = PositionOf(i, Ja, Ia[j] + 1, Ia[j + 1])) {
+                invD[j] = invD[j] - Aa[m] * invD[i] * Aa[k];
             }
         }
     }
 }
 
 void CKVX_ART_MatSolver_BiCGSTAB::SolveDILU(double* invD, double* rhs, double* result) {
-    const CsrRows A{rowsN, Ia, Ja, Aa};
-    ForwardSweep(A, false, invD, rhs, y, 1, rowsN);
-    BackwardSweep(A, invD, y, result);
+    const DiluSweeps sweeps{{rowsN, Ia, Ja, Aa}, {false, 0}, invD, y};
+    ForwardSweep(sweeps, rhs, 1, rowsN);
+    BackwardSweep(sweeps, result);
 }

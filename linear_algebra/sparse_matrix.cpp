@@ -5,6 +5,8 @@
 #include <memory>
 #include <utility>
 
+#include "linear_algebra/csr_rows.h"
+
 CKVX_ART_SparseMatrix::CKVX_ART_SparseMatrix(int n) {
     DefaultConstructorProcedure(n, n);
 }
@@ -190,21 +192,7 @@ double CKVX_ART_SparseMatrix::GetOffDiagonalValueTimesVectorSum(int row, double 
 }
 
 double CKVX_ART_SparseMatrix::DotProduct(int row, double* x) {
-    const int end = Ia[row + 1];
-    int k = Ia[row];
-    // One sum, unrolled only in its bookkeeping: products are added in storage order, because
-    // results are compared bit for bit.
-    double sum = 0.0;
-    for (; k + 3 < end; k += 4) {
-        sum += x[Ja[k]] * Aa[k];
-        sum += x[Ja[k + 1]] * Aa[k + 1];
-        sum += x[Ja[k + 2]] * Aa[k + 2];
-        sum += x[Ja[k + 3]] * Aa[k + 3];
-    }
-    for (; k < end; ++k) {
-        sum += x[Ja[k]] * Aa[k];
-    }
-    return sum;
+    return KVX3DART::RowProduct({rowsN, Ia, Ja, Aa}, row, x);
 }
 
 void CKVX_ART_SparseMatrix::DebugRun() {

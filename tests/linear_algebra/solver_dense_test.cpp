@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <random>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "tests/linear_algebra/dense_matrix.h"
 #include "tests/linear_algebra/private_access.h"
 #include "tests/linear_algebra/recording_matrix_solver.h"
 
@@ -29,42 +29,6 @@ using Dense = CKVX_ACMT_MatSolver_Dense;
 using Ints = std::vector<int>;
 using Doubles = std::vector<double>;
 
-/// A 1-based matrix with the row table that the solver reads.
-class Matrix {
-public:
-    Matrix(int rows, int cols) : cells(rows + 1, Doubles(cols + 1, 0.0)) {
-        for (Doubles& row : cells) {
-            table.push_back(row.data());
-        }
-    }
-    explicit Matrix(const std::vector<Doubles>& rows)
-        : Matrix(static_cast<int>(rows.size()), static_cast<int>(rows[0].size())) {
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            std::copy(rows[i].begin(), rows[i].end(), cells[i + 1].begin() + 1);
-        }
-    }
-    Matrix(const Matrix&) = delete;
-    Matrix& operator=(const Matrix&) = delete;
-
-    operator double**() { return table.data(); }
-    Doubles Row(int i) const { return {cells[i].begin() + 1, cells[i].end()}; }
-
-private:
-    std::vector<Doubles> cells;
-    std::vector<double*> table;
-};
-
-/// Diagonally dominant with fixed random entries: no pivoting needed.
-void FillDominant(Matrix& A, int n, unsigned seed) {
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<double> number(-1.0, 1.0);
-    for (int i = 1; i <= n; ++i) {
-        for (int j = 1; j <= n; ++j) {
-            A[i][j] = number(random) + (i == j ? n : 0.0);
-        }
-    }
-}
-
 class DenseSolver : public testing::Test {
 protected:
     DenseSolver() { TheRecord() = SolverRecord{}; }
@@ -74,9 +38,6 @@ protected:
 using DenseSolverObject = DenseSolver;
 using DenseElimination = DenseSolver;
 using DenseExternalPath = DenseSolver;
-using DenseInverse = DenseSolver;
-using DenseProduct = DenseSolver;
-using DensePrinting = DenseSolver;
 
 // The object
 
@@ -355,156 +316,6 @@ TEST_F(DenseExternalPath, ConversionAloneKeepsAllSigns) {
     EXPECT_EQ(Ints(dense.Ia, dense.Ia + 5), (Ints{0, 1, 4, 7, 10}));
     EXPECT_EQ(Ints(dense.Ja, dense.Ja + 10), (Ints{0, 1, 2, 3, 2, 1, 3, 3, 1, 2}));
     EXPECT_EQ(Doubles(dense.Aa, dense.Aa + 10), (Doubles{0, -5, 1, 0, -6, -2, 3, -9, 7, 8}));
-}
-
-// Inverse
-
-TEST_F(DenseInverse, TwoByTwoByHand) {
-    Matrix A({{4, 2}, {2, 2}});
-    Matrix inverse(2, 2);
-
-    dense.Inverse(A, inverse, 2);
-
-    EXPECT_EQ(inverse.Row(1), (Doubles{0.5, -0.5}));
-    EXPECT_EQ(inverse.Row(2), (Doubles{-0.5, 1.0}));
-    EXPECT_EQ(A.Row(1), (Doubles{4, 2}));
-}
-
-TEST_F(DenseInverse, LeavesTheOutputOfASingleNumberAlone) {
-    Matrix A({Doubles{4}});
-    Matrix inverse({Doubles{9}});
-
-    dense.Inverse(A, inverse, 1);
-    EXPECT_EQ(inverse[1][1], 9.0);
-
-    dense.Inverse(A, inverse, 0);
-    EXPECT_EQ(inverse[1][1], 9.0);
-}
-
-TEST_F(DenseInverse, AZeroFirstPivotGivesNonFiniteNumbers) {
-    Matrix A({{0, 1}, {1, 0}});
-    Matrix inverse(2, 2);
-
-    dense.Inverse(A, inverse, 2);
-
-    EXPECT_FALSE(std::isfinite(inverse[1][1]));
-}
-
-TEST_F(DenseInverse, TimesTheMatrixIsTheIdentity) {
-    for (int n : {2, 3, 5, 12, 40}) {
-        Matrix A(n, n);
-        Matrix inverse(n, n);
-        FillDominant(A, n, 5);
-        dense.Inverse(A, inverse, n);
-        for (int i = 1; i <= n; ++i) {
-            for (int j = 1; j <= n; ++j) {
-                double sum = 0.0;
-                for (int k = 1; k <= n; ++k) {
-                    sum += A[i][k] * inverse[k][j];
-                }
-                // Dominant by a factor near 2: a few rounding errors an entry.
-                ASSERT_NEAR(sum, i == j ? 1.0 : 0.0, 1e-13) << n << ": " << i << ", " << j;
-            }
-        }
-    }
-}
-
-TEST_F(DenseInverse, MayOverwriteTheMatrix) {
-    Matrix A({{4, 2}, {2, 2}});
-
-    dense.Inverse(A, A, 2);
-
-    EXPECT_EQ(A.Row(2), (Doubles{-0.5, 1.0}));
-}
-
-// Product
-
-TEST_F(DenseProduct, ByHand) {
-    Matrix A({{1, 2, 3}, {4, 5, 6}});
-    Matrix B({{1, 0}, {0, 1}, {2, 2}});
-    Matrix C(2, 2);
-
-    dense.Multiply(A, B, C, 2, 3, 2);
-
-    EXPECT_EQ(C.Row(1), (Doubles{7, 8}));
-    EXPECT_EQ(C.Row(2), (Doubles{16, 17}));
-}
-
-TEST_F(DenseProduct, MayOverwriteAFactor) {
-    Matrix A({{1, 2}, {3, 4}});
-    Matrix B({{0, 1}, {1, 0}});
-
-    dense.Multiply(A, B, A, 2, 2, 2);
-    EXPECT_EQ(A.Row(1), (Doubles{2, 1}));
-    EXPECT_EQ(A.Row(2), (Doubles{4, 3}));
-
-    dense.Multiply(A, B, B, 2, 2, 2);
-    EXPECT_EQ(B.Row(1), (Doubles{1, 2}));
-}
-
-TEST_F(DenseProduct, AddsInAscendingOrder) {
-    Matrix A({Doubles{1, 1, 1}});
-    Matrix B({Doubles{1}, Doubles{1e16}, Doubles{-1e16}});
-    Matrix C(1, 1);
-
-    dense.Multiply(A, B, C, 1, 3, 1);
-
-    EXPECT_EQ(C[1][1], 0.0);
-}
-
-// Printing
-
-template <typename Call>
-std::string Printed(Call call) {
-    testing::internal::CaptureStdout();
-    call();
-    return testing::internal::GetCapturedStdout();
-}
-
-const std::string kRule = "----------------------------------------\n";
-
-TEST_F(DensePrinting, MatrixInFieldsOfTen) {
-    Matrix A({{1, -2.5, 1.0 / 3.0}, {1e-20, 0, 1234567}});
-
-    EXPECT_EQ(Printed([&] { dense.CheckMatrix(A, 2, 3); }),
-              "<Matrix>\n"
-              "         1      -2.5  0.333333\n"
-              "     1e-20         01.23457e+06\n"
-              "</Matrix>\n");
-}
-
-TEST_F(DensePrinting, SystemUnderItsTwoHeadings) {
-    Matrix A({{1, 2}, {3, 4}});
-    double rhs[] = {0.0, 0.5, -0.25};
-
-    EXPECT_EQ(Printed([&] { dense.CheckMatrix(A, rhs, 2); }), kRule + "LHS\n" + kRule +
-                                                                  "         1         2\n"
-                                                                  "         3         4\n" +
-                                                                  kRule + "RHS\n" + kRule +
-                                                                  "       0.5\n"
-                                                                  "     -0.25\n");
-}
-
-TEST_F(DensePrinting, CompressedRowsWithTheirZeros) {
-    Matrix A({{-1, 0}, {3, 4}});
-
-    EXPECT_EQ(Printed([&] { dense.CheckCSR(A, 2); }), kRule + "NonZeroData\n" + kRule +
-                                                          "        -1\n"
-                                                          "         0\n"
-                                                          "         4\n"
-                                                          "         3\n" +
-                                                          kRule + "NonZeroID\n" + kRule +
-                                                          "         1\n"
-                                                          "         2\n"
-                                                          "         2\n"
-                                                          "         1\n" +
-                                                          kRule + "NonZeroCount\n" + kRule +
-                                                          "         1\n"
-                                                          "         3\n"
-                                                          "         5\n");
-    EXPECT_EQ(dense.Ia, nullptr);
-    EXPECT_EQ(dense.Ja, nullptr);
-    EXPECT_EQ(dense.Aa, nullptr);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "fvm_operators/face_rows.h"
+#include "linear_algebra/csr_rows.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-using KVX_ART_FVM::PositionOf;
+using KVX3DART::PositionOf;
 
 TEST(PositionOf, EveryColumnOfEveryRowLengthIsFound) {
     for (int length = 0; length <= 40; ++length) {
