@@ -1,9 +1,10 @@
+#include "overset/overset_mesh_impl.h"
+
 #include <cmath>
 
 #include "host_link/containers.h"
 #include "host_link/host_interface.h"
 #include "overset/overset_grid_data.h"
-#include "overset/overset_mesh_impl.h"
 #include "vtk_output/vtk_data.h"
 #include "vtk_output/vtk_tool.h"
 
