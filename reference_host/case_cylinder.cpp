@@ -14,6 +14,7 @@
 #include "reference_host/benchmark_2d1.h"
 #include "reference_host/body.h"
 #include "reference_host/cell_size.h"
+#include "reference_host/donor_table.h"
 #include "reference_host/flow_solver.h"
 #include "reference_host/interrupt.h"
 #include "reference_host/progress.h"
@@ -215,6 +216,7 @@ int RunCylinder(const CylinderCase& run) {
     HostObjects objects(mesh, run.outputDir);
     OversetLink link(mesh, objects);
     RequireBody(mesh, link, run.meshFile);
+    WriteDonorTable(mesh, link, run.outputDir);
     const double relaxation = run.relaxation.value_or(DefaultRelaxation(CellsPerDiameter(mesh)));
     CylinderRun cylinder(run, mesh, objects, link, relaxation);
     const End end = cylinder.Run();

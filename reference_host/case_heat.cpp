@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "reference_host/body.h"
+#include "reference_host/donor_table.h"
 #include "reference_host/progress.h"
 #include "reference_host/result_series.h"
 
@@ -132,6 +133,7 @@ int RunHeat(const HeatCase& run) {
     HostObjects objects(mesh, run.outputDir);
     OversetLink link(mesh, objects);
     RequireBody(mesh, link, run.meshFile);
+    WriteDonorTable(mesh, link, run.outputDir);
     HeatProblem heat(mesh, objects, link, run.matrixSolver);
     ResultSeries results(mesh, objects, link, run.outputDir, "Temperature", "HeatFlux");
     const SolveReport steady = March(run, heat, results);
