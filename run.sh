@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Builds the toolbox and its reference host, runs the heated cylinder on an overset mesh made by
-# Gmsh, checks the files that came out and draws them. Installs missing Debian packages first.
+# Builds the toolbox and its reference host, runs two cases on overset meshes made by Gmsh, checks
+# the files that came out and draws them. Installs missing Debian packages first.
 #
-#   ./run.sh             results and pictures under results/heat
+#   ./run.sh             heated cylinder and flow benchmark 2D-1, results under results/
 #   ./run.sh 20          the same with 20 background cells per cylinder diameter (default 10)
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -15,17 +15,24 @@ case "$cells_per_diameter" in
 esac
 
 bash cmake/install_packages.sh
-mkdir -p build results/heat
+mkdir -p build results
 cmake -S . -B build/run -G Ninja -DCMAKE_BUILD_TYPE=Release -DKVX3D_BUILD_TESTS=OFF \
     >build/run.configure.log 2>&1 || { cat build/run.configure.log >&2; exit 1; }
 cmake --build build/run -j "$(nproc)"
 
-build/run/reference_host/reference_host heat \
-    --mesh reference_host/meshes/channel_cylinder_overset.geo --set "n=$cells_per_diameter" \
-    --output results/heat
+mesh=(--mesh reference_host/meshes/channel_cylinder_overset.geo --set "n=$cells_per_diameter")
+series=VTK_Overset_Flow_Results.pvd
+pictures=reference_host/pictures
 
-series=results/heat/VTK_Overset_Flow_Results.pvd
-/usr/bin/python3 tests/support/check_vtu.py "$series"
-/usr/bin/python3 reference_host/pictures/draw_heat.py "$series" results/heat/heat.png
-echo "Results:  $series (open in ParaView)"
-echo "Picture:  results/heat/heat.png"
+echo "== Heated cylinder"
+build/run/reference_host/reference_host heat "${mesh[@]}" --output results/heat
+/usr/bin/python3 tests/support/check_vtu.py "results/heat/$series"
+/usr/bin/python3 "$pictures/draw_heat.py" "results/heat/$series" results/heat/heat.png
+
+echo "== Flow around a cylinder, benchmark 2D-1"
+build/run/reference_host/reference_host cylinder "${mesh[@]}" --output results/cylinder
+/usr/bin/python3 tests/support/check_vtu.py "results/cylinder/$series"
+/usr/bin/python3 "$pictures/draw_cylinder.py" results/cylinder
+
+echo "Series for ParaView:  results/heat/$series, results/cylinder/$series"
+echo "Pictures:             results/heat/heat.png, results/cylinder/{grids,flow,history}.png"

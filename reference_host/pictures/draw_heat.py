@@ -16,8 +16,6 @@ from matplotlib.collections import PolyCollection
 
 import vtu_series
 
-GRID_COLOURS = ["#3b6ea5", "#c8553d", "#5a8f4e"]
-
 
 def show(axes, collection, window, title):
     axes.add_collection(collection)
@@ -34,7 +32,7 @@ def main(pvd, png):
     grid = vtu_series.read(path)
     outlines = vtu_series.flat_cells(grid)
     temperature = vtu_series.cell_array(grid, "Pressure")
-    colours = [GRID_COLOURS[i % len(GRID_COLOURS)] for i in vtu_series.regions(grid)]
+    colours = [vtu_series.GRID_COLOURS[i] for i in vtu_series.regions(grid)]
     near = (0.2, 3.8, 0.2, 3.8)
     bounds = grid.GetBounds()
 

@@ -8,6 +8,8 @@ import numpy as np
 import vtk
 from vtk.util.numpy_support import vtk_to_numpy
 
+GRID_COLOURS = ["#3b6ea5", "#c8553d", "#5a8f4e"]  # background, first and second component
+
 
 def steps(pvd):
     """(time, path) of every data set of a collection, in its order."""
