@@ -95,6 +95,11 @@ KDtreeRect* NewRect(int dim, const double* xyz) try {
     return nullptr;
 }
 
+void FreeRect(KDtreeCore& core) {
+    delete reinterpret_cast<RectBlock*>(core.rect);
+    core.rect = nullptr;
+}
+
 /// Extends the bounding box. A box that cannot be made is tried again with the next point.
 void ExtendRect(KDtreeCore& core, const double* xyz) {
     if (!core.rect) {
@@ -339,7 +344,7 @@ void FreeKDtree(KDtreeCore* core) {
         CallInPostOrder(store->root, store->destructor);
     }
     FreeChunks(store->chunks);
-    delete reinterpret_cast<RectBlock*>(store->rect);
+    FreeRect(*store);
     delete store;
 }
 
@@ -373,6 +378,7 @@ bool InsertPoints(KDtreeCore& core, KDtreePoint* points, int n) {
         TopDownBuild(*store.chunks).Run(core, points, n);
     } catch (const std::bad_alloc&) {
         core.root = nullptr;
+        FreeRect(core);
         store.chunks->used = store.chunks->capacity;
         return false;
     }

@@ -87,9 +87,7 @@ KVX_ART_OVERSET_GRID_DATA::~KVX_ART_OVERSET_GRID_DATA() {
     delete[] NCellOfGrid;
     delete[] cavityToGrid;
     // Releases all rows but the last: cells of the last grid stay where trees still point to them.
-    if (cellOfGrid) {
-        freeIntRows(cellOfGrid);
-    }
+    freeIntRows(cellOfGrid);
     for (int* table : {wallBCGroup, cellState, physicalWall, backgroundWall, overlapInnerFace,
                        overlapWallIndex, overlapTableC}) {
         delete[] table;

@@ -3,7 +3,6 @@
 #include <iostream>
 
 #include "host_link/last_stores.h"
-#include "overset/overset_mesh_impl.h"
 
 CKVXOversetMesh::CKVXOversetMesh() : impl(new CKVXOversetMesh_Impl()) {}
 

@@ -4,11 +4,8 @@
 #include <cstdint>
 
 #include "host_link/export.h"
+#include "overset/overset_mesh_impl.h"
 #include "overset/overset_types.h"
-
-class CKvx3dGV;
-class CKVX3DFiniteVolumeMesh;
-class CKVXOversetMesh_Impl;
 
 /// Overset meshes for a host: one host mesh made of cavities that overlap in space, a background
 /// grid and up to two component grids.
@@ -21,6 +18,8 @@ class CKVXOversetMesh_Impl;
 /// and the first component grid only.
 ///
 /// One call at a time per object, on the caller's thread.
+///
+/// Tables and trees can be read behind `impl`; this header declares all of them.
 class KVX3D_API CKVXOversetMesh {
 public:
     CKVXOversetMesh();

@@ -7,9 +7,7 @@
 
 #include "host_link/containers.h"
 #include "host_link/last_stores.h"
-#include "overset/kd_tree.h"
 #include "overset/kd_tree_store.h"
-#include "overset/overset_grid_data.h"
 #include "vtk_output/vtk_data.h"
 #include "vtk_output/vtk_tool.h"
 

@@ -3,12 +3,11 @@
 
 #include "host_link/export.h"
 #include "overset/hole_cutting.h"
+#include "overset/kd_tree.h"
+#include "overset/overset_grid_data.h"
 #include "overset/overset_types.h"
 
-class CKvx3dGV;
-class CKVX3DFiniteVolumeMesh;
 class CKVX_ART_VTK_Tool;
-class KVX_ART_KDtree;
 class VTK_Block;
 class VTK_Cells;
 class VTK_Data;
