@@ -2,8 +2,10 @@
 
 #include <cmath>
 #include <iostream>
+#include <new>
 
 #include "host_link/art_gv.h"
+#include "overset/kd_tree.h"
 #include "overset/nearest_face.h"
 #include "overset/overset_grid_data.h"
 
@@ -13,9 +15,6 @@ constexpr int nonActive = 1;  // cellState
 
 constexpr const char* noGridState = "Warning: Can not get the overset grid state.";
 constexpr const char* noGridType = "Warning: Can not get the overset grid type.";
-
-/// Which side of the shifted plane of its nearest face a cell must lie on to be cut.
-enum CutSide { Behind = -1, InFront = 1 };
 
 /// Edge length of a cell from its volume. Neighbouring cells of a mesh often have the same volume,
 /// and the power costs more than the rest of the test.
@@ -39,78 +38,91 @@ void Cut(KVX_ART_OVERSET_GRID_DATA& gridData, int cell) {
     gridData.cellState[cell] = nonActive;
 }
 
-/// One pass over the cells of one grid. Warns of cells without a grid, cuts or leaves those whose
-/// case is clear from afar, and stops at each of the others with its nearest face.
-class CuttingPass {
+/// The cells of one grid, in ascending order, with a warning for each cell without a grid.
+class GridCells {
 public:
-    CuttingPass(KVX_ART_OVERSET_GRID_DATA& data, const CKVX_ACMT_GV& mesh, NearestFace& judges,
-                int layers)
-        : gridData(data), geometry(mesh), faces(judges), layer(layers) {}
+    GridCells(const KVX_ART_OVERSET_GRID_DATA& data, const CKVX_ACMT_GV& mesh, int wantedGrid,
+              const char* noGridWarning)
+        : gridData(data), geometry(mesh), wanted(wantedGrid), warning(noGridWarning) {}
 
-    /// Goes to the next cell that needs a test of its own; false behind the last.
-    bool Next(int wantedGrid, CutSide cutSide, const char* warning) {
+    /// Goes to the next cell; false behind the last.
+    bool Next() {
         while (++cell <= geometry.Nc) {
             const int grid = gridData.cavityToGrid[gridData.cavityId[cell]];
+            if (grid == wanted) {
+                C[0] = geometry.xc[cell];
+                C[1] = geometry.yc[cell];
+                C[2] = geometry.zc[cell];
+                h = sizes.Of(geometry.volume[cell]);
+                return true;
+            }
             if (grid < OversetGrid_Background || grid > OversetGrid_Component2) {
                 std::cout << warning << std::endl;
-            }
-            if (grid != wantedGrid) {
-                continue;
-            }
-            const double C[3] = {geometry.xc[cell], geometry.yc[cell], geometry.zc[cell]};
-            h = sizes.Of(geometry.volume[cell]);
-            const int side = faces.SideOf(C, layer * h);
-            if (side == cutSide) {
-                Cut(gridData, cell);
-            }
-            if (side == 0 && LoadNearest(C)) {
-                return true;
             }
         }
         return false;
     }
 
     int cell = 0;
-    double h = 0.0;  ///< size of the cell
-    double CP[3];    ///< from the centre of its nearest face to its own
-    double S[3];     ///< area vector of that face
+    double C[3];     ///< centre of the cell
+    double h = 0.0;  ///< its size
 
 private:
-    bool LoadNearest(const double* C) {
-        const int r = faces.Find(C);
-        if (r == 0) {
-            return false;
-        }
-        const double* P = faces.Centre(r);
-        for (int axis = 0; axis < 3; ++axis) {
-            CP[axis] = C[axis] - P[axis];
-            S[axis] = faces.AreaVector(r)[axis];
-        }
-        return true;
-    }
-
-    KVX_ART_OVERSET_GRID_DATA& gridData;
+    const KVX_ART_OVERSET_GRID_DATA& gridData;
     const CKVX_ACMT_GV& geometry;
-    NearestFace& faces;
-    const int layer;
+    const int wanted;
+    const char* const warning;
     CellSize sizes;
 };
 
-/// The background's physical walls, area vectors from `geometry`.
-void AddBackgroundWalls(NearestFace& walls, const KVX_ART_OVERSET_GRID_DATA& data,
-                        const CKVX_ACMT_GV& geometry) {
+/// What a cell is judged by: the way to its centre from that of its nearest face, and the area
+/// vector of that face.
+struct Judgement {
+    Judgement(const double* C, const double* P, const double* areaVector)
+        : CP{C[0] - P[0], C[1] - P[1], C[2] - P[2]},
+          S{areaVector[0], areaVector[1], areaVector[2]} {}
+    double CP[3];
+    double S[3];
+};
+
+/// Nearest of the points that a caller linked by hand, for the second pair. Its tables may be
+/// longer than the arrays they lead to: what is read is what belongs to an answer.
+class LinkedPoints {
+public:
+    LinkedPoints(double* x, double* y, double* z, int n) {
+        if (n > 0 && !tree.BuildTree(&x[1], &y[1], &z[1], n)) {
+            throw std::bad_alloc();
+        }
+    }
+    LinkedPoints(const LinkedPoints&) = delete;
+    LinkedPoints& operator=(const LinkedPoints&) = delete;
+    ~LinkedPoints() { delete[] found; }
+
+    /// Position of the point nearest to C, from 1; 0 if there is none.
+    int Nearest(const double* C) {
+        return tree.SearchNearestPoints(C[0], C[1], C[2], found) == 1 ? found[1] : 0;
+    }
+
+private:
+    KVX_ART_KDtree tree;
+    int* found = nullptr;
+};
+
+/// The background's physical walls.
+void AddBackgroundWalls(NearestFace& walls, const KVX_ART_OVERSET_GRID_DATA& data) {
     for (int i = 1; i <= data.NBackgroundWall; ++i) {
         const int face = data.backgroundWall[i];
         walls.Add({data.xBackgroundWall[i], data.yBackgroundWall[i], data.zBackgroundWall[i]},
-                  {geometry.nxWall[face], geometry.nyWall[face], geometry.nzWall[face]});
+                  {data.nxWall[face], data.nyWall[face], data.nzWall[face]});
     }
 }
 
 /// The outer faces of component grid 1; with a fixed vector in place of the area vectors if that
 /// is wanted: the centre of the last face.
 void AddOuterFaces(NearestFace& faces, const KVX_ART_OVERSET_GRID_DATA& data, bool fixedVector) {
-    // A mesh of one grid has no group to read and nothing that overlaps.
-    const int n = data.hasOversetGrids ? data.oversetBCFaceCount[1] : 0;
+    // A mesh of one grid need not have a group to read.
+    const bool hasGroup = data.hasOversetGrids || data.NOversetBC > 0;
+    const int n = hasGroup ? data.oversetBCFaceCount[1] : 0;
     for (int i = 1; i <= n; ++i) {
         const int face = data.oversetBCWallFace[1][i];
         const int last = data.oversetBCWallFace[1][n];
@@ -123,22 +135,17 @@ void AddOuterFaces(NearestFace& faces, const KVX_ART_OVERSET_GRID_DATA& data, bo
     }
 }
 
-/// The caller's overlap points. Before an outside cut each is a face of group 1; after it the
-/// first are what remains of the group, the others inner faces on the new boundary.
-void AddOverlapPoints(NearestFace& points, const KVX_ART_OVERSET_GRID_DATA& data,
-                      const CKVX_ACMT_GV& geometry, bool outsideCellsCut) {
-    for (int r = 1; r <= data.NOverlapPoint; ++r) {
-        const NearestFace::Vector P = {data.xOverlapPoint[r], data.yOverlapPoint[r],
-                                       data.zOverlapPoint[r]};
-        if (outsideCellsCut && r > data.NOverlapWallPoint) {
-            const int face = data.overlapInnerFace[r - data.NOverlapWallPoint];
-            points.Add(P, {geometry.nxe[face], geometry.nye[face], geometry.nze[face]});
-        } else {
-            const int i = outsideCellsCut ? data.overlapWallIndex[r] : r;
-            const int face = data.oversetBCWallFace[1][i];
-            points.Add(P, {geometry.nxWall[face], geometry.nyWall[face], geometry.nzWall[face]});
-        }
+/// Area vector that belongs to overlap point r. Before an outside cut the point is a face of
+/// group 1; after it the first points are what remains of the group, the others inner faces on the
+/// new boundary.
+NearestFace::Vector VectorOfOverlapPoint(int r, const KVX_ART_OVERSET_GRID_DATA& data,
+                                         const CKVX_ACMT_GV& geometry, bool outsideCellsCut) {
+    if (outsideCellsCut && r > data.NOverlapWallPoint) {
+        const int face = data.overlapInnerFace[r - data.NOverlapWallPoint];
+        return {geometry.nxe[face], geometry.nye[face], geometry.nze[face]};
     }
+    const int face = data.oversetBCWallFace[1][outsideCellsCut ? data.overlapWallIndex[r] : r];
+    return {geometry.nxWall[face], geometry.nyWall[face], geometry.nzWall[face]};
 }
 
 }  // namespace
@@ -179,14 +186,21 @@ double CKVX_ART_HoleCutting::Norm(double* const a) {
 
 void CKVX_ART_HoleCutting::OutsideDomainCutting(int layer) {
     NearestFace walls;
-    AddBackgroundWalls(walls, *gridData, *gridData);
-    CuttingPass pass(*gridData, *gridData, walls, layer);
+    AddBackgroundWalls(walls, *gridData);
     // Grid 3 is left alone: a second component may reach through the domain's walls.
-    while (pass.Next(OversetGrid_Component1, InFront, noGridState)) {
-        // Not divided by the area: both sides carry it, and a division would round differently
-        // near the margin.
-        if (Innerproduct(pass.CP, pass.S) > -(Norm(pass.S) * layer * pass.h)) {
-            Cut(*gridData, pass.cell);
+    GridCells cells(*gridData, *gridData, OversetGrid_Component1, noGridState);
+    while (cells.Next()) {
+        const int side = walls.SideOf(cells.C, layer * cells.h);
+        const int r = side == 0 ? walls.Find(cells.C) : 0;
+        bool isCut = side > 0;
+        if (r > 0) {
+            Judgement by(cells.C, walls.Centre(r), walls.AreaVector(r));
+            // Not divided by the area: both sides carry it, and a division would round differently
+            // near the margin.
+            isCut = Innerproduct(by.CP, by.S) > -(Norm(by.S) * layer * cells.h);
+        }
+        if (isCut) {
+            Cut(*gridData, cells.cell);
         }
     }
     outsideCellsCut = gridData->NNonActiveCell != 0;
@@ -205,10 +219,17 @@ void CKVX_ART_HoleCutting::OverlapRegionCutting(int layer) {
     // group's last face. Which background cells remain, and with them the donors, depends on that
     // vector; the area vectors would move the hole.
     AddOuterFaces(outerFaces, *gridData, outsideCellsCut);
-    CuttingPass pass(*gridData, *gridData, outerFaces, layer);
-    while (pass.Next(OversetGrid_Background, Behind, noGridState)) {
-        if (Innerproduct(pass.CP, pass.S) < -(Norm(pass.S) * layer * pass.h)) {
-            Cut(*gridData, pass.cell);
+    GridCells cells(*gridData, *gridData, OversetGrid_Background, noGridState);
+    while (cells.Next()) {
+        const int side = outerFaces.SideOf(cells.C, layer * cells.h);
+        const int r = side == 0 ? outerFaces.Find(cells.C) : 0;
+        bool isCut = side < 0;
+        if (r > 0) {
+            Judgement by(cells.C, outerFaces.Centre(r), outerFaces.AreaVector(r));
+            isCut = Innerproduct(by.CP, by.S) < -(Norm(by.S) * layer * cells.h);
+        }
+        if (isCut) {
+            Cut(*gridData, cells.cell);
         }
     }
     // Includes the cells of the outside cut: the count is that of the mesh, not of the step.
@@ -216,18 +237,27 @@ void CKVX_ART_HoleCutting::OverlapRegionCutting(int layer) {
 }
 
 void CKVX_ART_HoleCutting::CutOutsideDomainComponentCell() {
-    NearestFace walls;
-    AddBackgroundWalls(walls, *gridData, *artGv);
-    CuttingPass pass(*gridData, *artGv, walls, cutGridLayer);
-    while (pass.Next(OversetGrid_Component1, InFront, noGridType)) {
-        if (Innerproduct(pass.CP, pass.S) > -(Norm(pass.S) * cutGridLayer * pass.h)) {
-            Cut(*gridData, pass.cell);
+    const KVX_ART_OVERSET_GRID_DATA& data = *gridData;
+    LinkedPoints walls(data.xBackgroundWall, data.yBackgroundWall, data.zBackgroundWall,
+                       data.NBackgroundWall);
+    GridCells cells(data, *artGv, OversetGrid_Component1, noGridType);
+    while (cells.Next()) {
+        const int r = walls.Nearest(cells.C);
+        if (r == 0) {
+            continue;
+        }
+        const int face = data.backgroundWall[r];
+        const double P[3] = {data.xBackgroundWall[r], data.yBackgroundWall[r],
+                             data.zBackgroundWall[r]};
+        const double S[3] = {artGv->nxWall[face], artGv->nyWall[face], artGv->nzWall[face]};
+        Judgement by(cells.C, P, S);
+        if (Innerproduct(by.CP, by.S) > -(Norm(by.S) * cutGridLayer * cells.h)) {
+            Cut(*gridData, cells.cell);
         }
     }
-    outsideCellsCut = gridData->NNonActiveCell != 0;
+    outsideCellsCut = data.NNonActiveCell != 0;
     if (outsideCellsCut) {
-        std::cout << "\t<Succeed> Non Active Cell Number = " << gridData->NNonActiveCell
-                  << std::endl;
+        std::cout << "\t<Succeed> Non Active Cell Number = " << data.NNonActiveCell << std::endl;
     } else {
         // [sic] the wording is part of the interface and compared as text.
         std::cout << "\tNo Compoenet Cell Ouside Domain." << std::endl;
@@ -235,13 +265,21 @@ void CKVX_ART_HoleCutting::CutOutsideDomainComponentCell() {
 }
 
 void CKVX_ART_HoleCutting::CutBackgroundCells() {
-    NearestFace points;
-    AddOverlapPoints(points, *gridData, *artGv, outsideCellsCut);
-    CuttingPass pass(*gridData, *artGv, points, cutGridLayer);
-    while (pass.Next(OversetGrid_Background, Behind, noGridType)) {
-        if (Innerproduct(pass.CP, pass.S) < -(Norm(pass.S) * cutGridLayer * pass.h)) {
-            Cut(*gridData, pass.cell);
+    const KVX_ART_OVERSET_GRID_DATA& data = *gridData;
+    LinkedPoints points(data.xOverlapPoint, data.yOverlapPoint, data.zOverlapPoint,
+                        data.NOverlapPoint);
+    GridCells cells(data, *artGv, OversetGrid_Background, noGridType);
+    while (cells.Next()) {
+        const int r = points.Nearest(cells.C);
+        if (r == 0) {
+            continue;
+        }
+        const double P[3] = {data.xOverlapPoint[r], data.yOverlapPoint[r], data.zOverlapPoint[r]};
+        const NearestFace::Vector S = VectorOfOverlapPoint(r, data, *artGv, outsideCellsCut);
+        Judgement by(cells.C, P, S.data());
+        if (Innerproduct(by.CP, by.S) < -(Norm(by.S) * cutGridLayer * cells.h)) {
+            Cut(*gridData, cells.cell);
         }
     }
-    std::cout << "\t<Succeed> Non Active Cell Number = " << gridData->NNonActiveCell << std::endl;
+    std::cout << "\t<Succeed> Non Active Cell Number = " << data.NNonActiveCell << std::endl;
 }

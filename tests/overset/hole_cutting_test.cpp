@@ -246,6 +246,26 @@ TEST(OverlapCut, AMeshOfOneGridIsLeftWhole) {
               "\t  No Compoenet Cell Ouside Domain.\n\t  Non Active Cell Number = 0\n");
 }
 
+TEST(OverlapCut, AMeshOfOneGridIsCutByItsGroupIfItHasOne) {
+    BoxHost host(4, 4, 2);
+    int nGroups[1] = {1};
+    int nFaces[2] = {0, 1};
+    int faces[2] = {0, 1};
+    int* rows[2] = {nullptr, faces};
+    host.gv.NOversetBCGroup = nGroups;
+    host.gv.oversetBCFaceCount = nFaces;
+    host.gv.oversetBCWallFace = rows;
+    Cutting<BoxHost> cutting(host);
+    OutputCapture output;
+
+    cutting.holes.OverlapRegionCutting(2);
+
+    // Of the four rows behind the one face, two lie deeper than two cells.
+    EXPECT_FALSE(cutting.data.hasOversetGrids);
+    EXPECT_EQ(cutting.CutCells().size(), 16u);
+    EXPECT_EQ(output.Out(), "\t  Non Active Cell Number = 16\n");
+}
+
 TEST(BothCuts, TheSecondComponentGridStaysWholeAndCutsNothing) {
     BoxHost host = Inside().WithComponentGrid(6, 6, 2, {20, -3, 0}, {6, 6, 2});
     Cutting<BoxHost> cutting(host);
@@ -336,6 +356,9 @@ void FillOverlapPoints(KVX_ART_OVERSET_GRID_DATA& data, int nWall, std::vector<i
     for (std::size_t i = 0; i < innerFaces.size(); ++i) {
         const auto r = static_cast<std::size_t>(nWall) + 1 + i;
         data.overlapInnerFace[1 + i] = innerFaces[i];
+        if (innerFaces[i] > data.Ne) {
+            continue;
+        }
         data.xOverlapPoint[r] = data.xe[innerFaces[i]];
         data.yOverlapPoint[r] = data.ye[innerFaces[i]];
         data.zOverlapPoint[r] = data.ze[innerFaces[i]];
@@ -345,7 +368,6 @@ void FillOverlapPoints(KVX_ART_OVERSET_GRID_DATA& data, int nWall, std::vector<i
 TEST(SecondPair, BackgroundCutAfterAnOutsideCutMixesWallAndInnerFaces) {
     BoxHost host = Inside();
     Cutting<BoxHost> cutting(host);
-    std::vector<int> innerFaces;
     FillOverlapPoints(cutting.data, cutting.data.oversetBCFaceCount[1],
                       {host.InnerFaceBetween(host.CellAt(0, 1, 1, 1), host.CellAt(0, 2, 1, 1))});
     cutting.holes.SetCutGridLayer(2);
@@ -387,6 +409,25 @@ TEST(SecondPair, BackgroundCutWithoutAnOutsideCutTakesGroupFacesByPosition) {
     // Point 1 lies on the last face (y = 9), its vector is that of the first one (x = 3, to -x).
     EXPECT_EQ(cutting.data.cellState[host.CellAt(0, 12, 1, 1)], 1);
     EXPECT_EQ(cutting.data.cellState[host.CellAt(0, 1, 1, 1)], 2);
+}
+
+TEST(SecondPair, EntriesOfPointsThatAreNoAnswerAreNotRead) {
+    const int noSuchEntry = 1 << 28;
+    BoxHost host = StickingOut();
+    Cutting<BoxHost> cutting(host);
+    KVX_ART_OVERSET_GRID_DATA& data = cutting.data;
+    FillOverlapPoints(data, 1, {1, noSuchEntry});
+    data.xOverlapPoint[3] = data.xBackgroundWall[1] = 1e6;
+    data.yOverlapPoint[3] = data.yBackgroundWall[1] = 1e6;
+    data.backgroundWall[1] = noSuchEntry;
+    cutting.holes.SetCutGridLayer(0);
+    OutputCapture output;
+
+    cutting.holes.CutOutsideDomainComponentCell();
+    cutting.holes.CutBackgroundCells();
+
+    EXPECT_TRUE(cutting.holes.outsideCellsCut);
+    EXPECT_GE(data.NNonActiveCell, 24);
 }
 
 template <typename Host>
