@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <iostream>
@@ -30,6 +31,9 @@ const char* GridName(std::size_t grid) {
 MeshParameters ParametersOf(const MmsCase& run, std::optional<int> kind, int size) {
     MeshParameters parameters = run.parameters;
     parameters["n"] = size;
+    if (run.depth) {
+        parameters["nz"] = std::max(1.0, std::round(*run.depth * size));
+    }
     if (kind) {
         parameters["kind"] = *kind;
     }

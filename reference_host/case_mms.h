@@ -27,8 +27,9 @@ struct MmsCase {
     std::vector<Scheme> schemes = {Scheme::Diffusion};
     std::optional<double> mu;  ///< default 1 for pure diffusion, else 0.01
     MatrixSolver matrixSolver = MatrixSolver::Bicgstab;
-    bool check = false;     ///< compare with the limits
-    std::string outputDir;  ///< a result series per mesh, one step a scheme; empty: none
+    std::optional<double> depth;  ///< thickness of the mesh: sets the .geo's `nz` to depth * n
+    bool check = false;           ///< compare with the limits
+    std::string outputDir;        ///< a result series per mesh, one step a scheme; empty: none
 };
 
 /// Errors of one run, over all active cells and over each grid.

@@ -117,6 +117,9 @@ CLI::App* AddMms(CLI::App& app, MmsCase& mms, RawOptions& raw) {
     sub->add_option("--n", mms.sizes, "values of the .geo's n, coarse to fine; default 10,20")
         ->delimiter(',')
         ->check(CLI::Range(1, 1000));
+    sub->add_option("--depth", mms.depth,
+                    "thickness of the mesh, sets the .geo's nz to depth * n; default: one cell")
+        ->check(CLI::PositiveNumber);
     sub->add_option("--scheme", raw.schemes, "all, or of: " + SchemeNames())->delimiter(',');
     sub->add_option("--mu", raw.mu, "diffusion coefficient; default 1, with convection 0.01")
         ->check(CLI::PositiveNumber);

@@ -122,6 +122,21 @@ TEST(MmsOnOtherMeshes, PrismBackgroundIsSecondOrder) {
     }
 }
 
+TEST(MmsOnOtherMeshes, LayersInDepthAreSecondOrder) {
+    MmsCase run;
+    run.meshFile = ShippedMesh(boxFile);
+    run.depth = 0.4;  // 4 and 8 layers: refined in all three directions
+    OutputCapture quiet;
+
+    const std::vector<MmsStudy> studies = host::RunKind(run, 0);
+
+    ASSERT_EQ(studies.size(), 1u);
+    const MmsLevel& coarse = studies[0].levels[0];
+    const MmsLevel& fine = studies[0].levels[1];
+    EXPECT_GT(host::Order(coarse.all.l2, fine.all.l2, 10, 20), 1.75);
+    EXPECT_GT(host::Order(coarse.all.max, fine.all.max, 10, 20), 1.5);
+}
+
 TEST(MmsRun, PrintsATableAndWritesResultsOfASingleGrid) {
     TempDirectory results;
     MmsCase run;

@@ -61,6 +61,11 @@ TEST(CommandLine, MmsOnAnotherMeshSetsAKindOnlyIfAsked) {
     EXPECT_EQ(Read({"mms", "--mesh", "a.geo", "--kind", "3"}).mms.kinds, std::vector<int>{3});
 }
 
+TEST(CommandLine, MmsTakesADepth) {
+    EXPECT_FALSE(Read({"mms"}).mms.depth.has_value());
+    EXPECT_EQ(Read({"mms", "--depth", "0.4"}).mms.depth, 0.4);
+}
+
 TEST(CommandLine, AllSchemesAreEight) {
     EXPECT_EQ(Read({"mms", "--scheme", "all"}).mms.schemes.size(), 8u);
 }
@@ -105,6 +110,7 @@ TEST(CommandLine, EveryMistakeIsOneLine) {
         {"mms", "--n", "0"},
         {"mms", "--n", "10;20"},
         {"mms", "--mu", "-1"},
+        {"mms", "--depth", "0"},
         {"mms", "stray"},
     };
     for (const auto& words : mistakes) {
