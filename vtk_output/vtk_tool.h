@@ -82,7 +82,8 @@ public:
 ///
 /// Failures print a line on standard output and answer false; nothing throws or stops the run. A
 /// tool destroyed without a post-run leaves step files and records on disk. Names must be free of
-/// blanks: the merge reads the record file word by word.
+/// blanks: the merge reads the record file word by word. A directory and a name in it may have 256
+/// characters together: a longer record file is not merged, a longer step file ends the move.
 ///
 /// A copy shares all parts with its source, and only one of the two may be destroyed.
 class KVX3D_API CKVX_ART_VTK_Tool {

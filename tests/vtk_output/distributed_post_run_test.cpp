@@ -182,6 +182,16 @@ TEST_F(MoveOfData, ASubdirectoryEndsTheMove) {
     EXPECT_EQ(ReadFile(target.Path() / "Run_0/sub"), "");
 }
 
+TEST_F(MoveOfData, ANameTooLongToReadEndsTheMove) {
+    const std::string longName(250, 'n');
+    WriteFile(Step(longName), "x");
+
+    EXPECT_FALSE(tool_access::MoveDataFolder(process.tool, target.Text()));
+
+    EXPECT_EQ(capture.Out(), openError);
+    EXPECT_EQ(ReadFile(Step(longName)), "x");
+}
+
 TEST_F(MoveOfData, FilesMovedBeforeAFailureStayMoved) {
     for (int file = 0; file < 20; ++file) {
         WriteFile(Step("f" + std::to_string(file)), "x");

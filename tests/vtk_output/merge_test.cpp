@@ -57,6 +57,18 @@ TEST_F(Merge, TakesNamesThatHoldTheWholeText) {
                                         "b.vtkcollection.bak", "dir.vtkcollection_1"}));
 }
 
+TEST_F(Merge, LeavesOutANameTooLongToRead) {
+    const std::string longName = ".vtkcollection_" + std::string(230, '1');
+    WriteFile(In(longName), "1 0 1 1 f\n");
+    WriteFile(In("Run.vtkcollection_2"), "1 0 2 1 f\n");
+
+    EXPECT_EQ(tool.pvdWriter->findCollectionFiles(),
+              std::vector<std::string>{"Run.vtkcollection_2"});
+    EXPECT_TRUE(tool.pvdWriter->mergeCollections());
+
+    EXPECT_EQ(Names(dir.Path()), std::vector<std::string>{longName});
+}
+
 TEST_F(Merge, AMissingRootHoldsNoNames) {
     tool.settings->rootDir = In("missing");
 
