@@ -172,7 +172,7 @@ SolveReport Equation::Solve(const std::vector<double>& rhs, std::vector<double>&
     report.initialResidual = Residual(rhs, phi);
     report.finalResidual = report.initialResidual;
     while (!report.Converged() && report.calls < maxCalls) {
-        report.iterations += solver.Solve(rhs, phi);
+        report.iterations += solver.Solve(rhs, phi, report.target);
         ++report.calls;
         report.finalResidual = Residual(rhs, phi);
     }

@@ -1,5 +1,8 @@
 #include "reference_host/solver_matrix.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace host {
 
 const char* Name(MatrixSolver solver) {
@@ -19,6 +22,7 @@ SolverMatrix::SolverMatrix(int rows, MatrixSolver solver) {
     if (solver == MatrixSolver::Samg) {
         auto made = std::make_unique<CKVX_ART_MatSolver_SAMG>(rows);
         samg = made.get();
+        samgTolerance = samg->GetTolerance();
         matrix = std::move(made);
     } else {
         auto made = std::make_unique<CKVX_ART_MatSolver_BiCGSTAB>(rows);
@@ -28,16 +32,20 @@ SolverMatrix::SolverMatrix(int rows, MatrixSolver solver) {
 }
 
 void SolverMatrix::SetTolerance(double tolerance) {
-    samg ? samg->SetTolerance(tolerance) : bicgstab->SetTolerance(tolerance);
+    if (samg) {
+        samgTolerance = tolerance;
+    } else {
+        bicgstab->SetTolerance(tolerance);
+    }
 }
 
 void SolverMatrix::SetTimes(int times) {
     samg ? samg->SetTimes(times) : bicgstab->SetTimes(times);
 }
 
-int SolverMatrix::Solve(const std::vector<double>& b, std::vector<double>& x) {
+int SolverMatrix::Solve(const std::vector<double>& b, std::vector<double>& x, double target) {
     if (samg) {
-        SolveCorrection(b, x);
+        SolveCorrection(b, x, target);
         return 0;
     }
     // A call that stops before its first iteration leaves the count of the one before.
@@ -46,11 +54,18 @@ int SolverMatrix::Solve(const std::vector<double>& b, std::vector<double>& x) {
     return bicgstab->iterTimes;
 }
 
-void SolverMatrix::SolveCorrection(const std::vector<double>& b, std::vector<double>& x) {
+void SolverMatrix::SolveCorrection(const std::vector<double>& b, std::vector<double>& x,
+                                   double target) {
     std::vector<double> defect(x.size(), 0.0);
+    double squares = 0.0;
     for (int row = 1; row <= matrix->GetRowsN(); ++row) {
         defect[row] = b[row] - matrix->DotProduct(row, x.data());
+        squares += defect[row] * defect[row];
     }
+    if (squares == 0.0) {
+        return;
+    }
+    samg->SetTolerance(std::max(samgTolerance, 0.5 * target / std::sqrt(squares)));
     std::vector<double> correction(x.size(), 0.0);
     samg->MatSolve(defect.data(), correction.data());
     for (int row = 1; row <= matrix->GetRowsN(); ++row) {

@@ -43,17 +43,20 @@ public:
     /// Improves x towards A x = b, once. SAMG measures by the right-hand side alone and would take
     /// a fair first guess for the solution, so it solves for the correction.
     ///
-    /// @param[in]     b  entries 1..rows
-    /// @param[in,out] x  first guess and result, entries 1..rows
+    /// @param[in]     b       entries 1..rows
+    /// @param[in,out] x       first guess and result, entries 1..rows
+    /// @param         target  2-norm of the residual that is good enough, even if the tolerance
+    ///                        asks for less; BiCGSTAB has no use for it
     /// @return iterations; SAMG tells none: 0
-    int Solve(const std::vector<double>& b, std::vector<double>& x);
+    int Solve(const std::vector<double>& b, std::vector<double>& x, double target = 0.0);
 
 private:
-    void SolveCorrection(const std::vector<double>& b, std::vector<double>& x);
+    void SolveCorrection(const std::vector<double>& b, std::vector<double>& x, double target);
 
     std::unique_ptr<CKVX_ART_SparseMatrix> matrix;
     CKVX_ART_MatSolver_BiCGSTAB* bicgstab = nullptr;  // `matrix`, or null
     CKVX_ART_MatSolver_SAMG* samg = nullptr;          // `matrix`, or null
+    double samgTolerance = 0.0;
 };
 
 }  // namespace host
