@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <vector>
 
@@ -51,16 +53,27 @@ void operator delete[](void* memory, std::size_t) noexcept {
 
 namespace {
 
-/// What an array build came to when its n-th allocation failed.
+/// What a build came to when its n-th allocation failed.
 enum class Outcome { Threw, Refused, Built, NothingFailed };
 
-Outcome BuildWithFailure(KVX_ART_KDtree& tree, Cloud& cloud, int nth) {
+using Build = bool (*)(KVX_ART_KDtree& tree, Cloud& cloud);
+
+bool ByArray(KVX_ART_KDtree& tree, Cloud& cloud) {
+    return tree.BuildTree(cloud.x.data(), cloud.y.data(), cloud.z.data(), cloud.Size());
+}
+
+bool ByBlockId(KVX_ART_KDtree& tree, Cloud& cloud) {
+    static std::vector<int> blockIds;
+    blockIds.assign(cloud.x.size(), 4);
+    return tree.BuildTreeByBlockId(cloud.x.data(), cloud.y.data(), cloud.z.data(), blockIds.data(),
+                                   4, cloud.Size());
+}
+
+Outcome BuildWithFailure(Build build, KVX_ART_KDtree& tree, Cloud& cloud, int nth) {
     allocationsLeft = nth - 1;
     Outcome outcome = Outcome::Threw;
     try {
-        const int n = static_cast<int>(cloud.x.size());
-        const bool built = tree.BuildTree(cloud.x.data(), cloud.y.data(), cloud.z.data(), n);
-        outcome = built ? Outcome::Built : Outcome::Refused;
+        outcome = build(tree, cloud) ? Outcome::Built : Outcome::Refused;
     } catch (const std::bad_alloc&) {
     }
     const bool failed = allocationsLeft == never;
@@ -68,31 +81,89 @@ Outcome BuildWithFailure(KVX_ART_KDtree& tree, Cloud& cloud, int nth) {
     return failed ? outcome : Outcome::NothingFailed;
 }
 
+/// The tree takes a point and answers with it.
+void ExpectUsable(KVX_ART_KDtree& tree) {
+    int id = 77;
+    int* found = nullptr;
+    EXPECT_TRUE(tree.BuildTree(9.0, 9.0, 9.0, &id));
+    EXPECT_EQ(tree.SearchNearestPoints(0.0, 0.0, 0.0, found), 1);
+    EXPECT_EQ(found[1], 77);
+    delete[] found;
+}
+
+/// Fails each allocation of a build in turn. The ids throw; what belongs to the nodes is answered
+/// by false, and the box of a tree is done without.
+void ExpectRefusalsToLeaveAnEmptyTree(Build build, Cloud& cloud) {
+    build(*std::make_unique<KVX_ART_KDtree>(), cloud);  // what the build keeps for itself
+    Outcome outcome = Outcome::Threw;
+    int nRefused = 0;
+    for (int nth = 1; outcome != Outcome::NothingFailed; ++nth) {
+        KVX_ART_KDtree tree;
+
+        outcome = BuildWithFailure(build, tree, cloud, nth);
+
+        ASSERT_EQ(outcome == Outcome::Threw, nth == 1) << nth;
+        if (outcome == Outcome::Built || outcome == Outcome::NothingFailed) {
+            continue;
+        }
+        nRefused += outcome == Outcome::Refused ? 1 : 0;
+        EXPECT_EQ(tree.tree->root, nullptr) << nth;
+        EXPECT_EQ(tree.tree->rect, nullptr) << nth;
+        ExpectUsable(tree);
+    }
+    EXPECT_GT(nRefused, 0);
+}
+
 class KdTreeOutOfMemory : public testing::TestWithParam<int> {};
 
 TEST_P(KdTreeOutOfMemory, ARefusedBuildLeavesAnEmptyTreeThatCanStillGrow) {
     Cloud cloud = UniformCloud(GetParam(), 5);
-    int id = 77;
-    Outcome outcome = Outcome::Threw;
-    for (int nth = 1; outcome != Outcome::NothingFailed; ++nth) {
-        KVX_ART_KDtree tree;
 
-        outcome = BuildWithFailure(tree, cloud, nth);
-
-        ASSERT_EQ(outcome == Outcome::Threw, nth == 1) << nth;  // the ids, and nothing else
-        if (outcome != Outcome::Threw && outcome != Outcome::Refused) {
-            continue;
-        }
-        int* found = nullptr;
-        EXPECT_EQ(tree.tree->root, nullptr) << nth;
-        EXPECT_EQ(tree.tree->rect, nullptr) << nth;
-        EXPECT_TRUE(tree.BuildTree(9.0, 9.0, 9.0, &id));
-        EXPECT_EQ(tree.SearchNearestPoints(0.0, 0.0, 0.0, found), 1);
-        EXPECT_EQ(found[1], 77) << nth;
-        delete[] found;
-    }
+    ExpectRefusalsToLeaveAnEmptyTree(ByArray, cloud);
+    ExpectRefusalsToLeaveAnEmptyTree(ByBlockId, cloud);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, KdTreeOutOfMemory, testing::Values(1, 8, 9, 3000));
+
+TEST(KdTreeOutOfMemorySinglePoint, ANodeThatCannotBeHadIsAnsweredByFalse) {
+    KVX_ART_KDtree tree;
+    int id = 1;
+    allocationsLeft = 0;
+
+    EXPECT_FALSE(tree.BuildTree(1.0, 2.0, 3.0, &id));
+
+    EXPECT_EQ(tree.tree->root, nullptr);
+    ExpectUsable(tree);
+}
+
+TEST(KdTreeOutOfMemorySinglePoint, ABoxThatCannotBeHadIsDoneWithout) {
+    KVX_ART_KDtree tree;
+    int id = 1;
+    int* found = nullptr;
+    allocationsLeft = 1;  // the node succeeds
+
+    EXPECT_TRUE(tree.BuildTree(1.0, 2.0, 3.0, &id));
+
+    EXPECT_EQ(allocationsLeft, never);
+    EXPECT_EQ(tree.tree->rect, nullptr);
+    EXPECT_EQ(tree.SearchByRadius(1.0, 2.0, 3.0, 1.0, found), 1);
+    delete[] found;
+}
+
+TEST(KdTreeOutOfMemoryRadius, AnEntryThatCannotBeHadEndsTheSearchAndTheAnswerStays) {
+    Cloud cloud = UniformCloud(3, 5);
+    KVX_ART_KDtree tree;
+    ByArray(tree, cloud);
+    int* found = new int[1]{0};
+    for (int nth : {1, 2, 3}) {
+        allocationsLeft = nth - 1;
+
+        EXPECT_EQ(tree.SearchByRadius(0.0, 0.0, 0.0, 1e9, found), -1) << nth;
+
+        EXPECT_EQ(found[0], 0);
+    }
+    EXPECT_EQ(tree.SearchByRadius(0.0, 0.0, 0.0, 1e9, found), 3);
+    delete[] found;
+}
 
 }  // namespace

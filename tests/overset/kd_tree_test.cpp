@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstddef>
 #include <memory>
-#include <new>
 #include <vector>
 
 #include "overset/kd_tree_store.h"
@@ -337,38 +336,6 @@ TEST(KdTreeAnswers, TheEarlierAnswerIsReleasedFirst) {
     EXPECT_EQ(recorder.Sizes(), (std::vector<std::size_t>{8, 12, 8}));
     EXPECT_EQ(recorder.Released().size(), 2u);
     EXPECT_EQ(recorder.LiveBlocks(), 1);
-}
-
-TEST(KdTreeMemory, IdsThatCannotBeHadThrow) {
-    Cloud cloud = UniformCloud(30, 3);
-    KVX_ART_KDtree tree;
-    AllocationRecorder recorder;
-    recorder.FailAfter(0);
-
-    EXPECT_THROW(tree.BuildTree(cloud.x.data(), cloud.y.data(), cloud.z.data(), 30),
-                 std::bad_alloc);
-}
-
-TEST(KdTreeMemory, NodesThatCannotBeHadAreAnsweredByFalse) {
-    Cloud cloud = UniformCloud(30, 3);
-    std::vector<int> blocks(30, 1);
-    int id = 1;
-    {
-        KVX_ART_KDtree tree;
-        KVX_ART_KDtree byBlock;
-        AllocationRecorder recorder;
-        recorder.FailAfter(1);  // the ids succeed
-        EXPECT_FALSE(tree.BuildTree(cloud.x.data(), cloud.y.data(), cloud.z.data(), 30));
-        recorder.FailAfter(1);
-        EXPECT_FALSE(byBlock.BuildTreeByBlockId(cloud.x.data(), cloud.y.data(), cloud.z.data(),
-                                                blocks.data(), 1, 30));
-    }
-    KVX_ART_KDtree tree;
-    AllocationRecorder recorder;
-    recorder.FailAfter(0);
-    EXPECT_FALSE(tree.BuildTree(1.0, 2.0, 3.0, &id));
-    EXPECT_EQ(tree.tree->root, nullptr);
-    EXPECT_TRUE(tree.BuildTree(1.0, 2.0, 3.0, &id));
 }
 
 TEST(KdTreeResults, UnorderedEntriesGoToTheFront) {
