@@ -41,9 +41,11 @@ InletProfile Inflow(const Mesh& mesh) {
 
 Result Measure(const FlowSolver& flow) {
     constexpr double pressureUnit = 0.04;  // the benchmark's mean velocity 0.2, squared
-    const double depth = flow.MomentumPart().builder.mesh.Depth();
-    const Vec3 force = ForceOnBody(flow);
-    const StagnationPressures stagnation = PressuresAtStagnation(flow);
+    const Momentum& momentum = flow.MomentumPart();
+    const double depth = momentum.builder.mesh.Depth();
+    const Vec3 force = ForceOnBody(momentum, flow.Fields());
+    const StagnationPressures stagnation =
+        PressuresAtStagnation(momentum.builder, flow.Fields().pressure);
     Result result;
     result.cd = 2.0 * force.x() / depth;
     result.cl = 2.0 * force.y() / depth;

@@ -22,7 +22,7 @@ namespace host {
 /// thesis, University of Heidelberg, 1998.
 namespace benchmark2d1 {
 
-constexpr double viscosity = 1.0 / 20.0;
+constexpr double reynolds = 20.0;
 constexpr double dragCoefficient = 5.57953523384;
 constexpr double liftCoefficient = 0.010618948146;
 constexpr double pressureDifference = 0.11752016697;

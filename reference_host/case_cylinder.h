@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "reference_host/benchmark_2d1.h"
 #include "reference_host/mesh_reader.h"
 #include "reference_host/scheme.h"
 
@@ -20,6 +21,7 @@ struct CylinderCase {
     std::string meshFile;
     MeshParameters parameters;  ///< numbers for a .geo
     Scheme scheme = Scheme::LinearUpwind;
+    double reynolds = benchmark2d1::reynolds;  ///< by diameter and mean inflow velocity
     std::optional<double> relaxation;  ///< of momentum; default by the mesh's cells per diameter
     std::string outputDir = "cylinder_results";
     int stepsEvery = 20;       ///< iterations between two steps of the result series
@@ -30,8 +32,8 @@ struct CylinderCase {
 /// Background cells per diameter, by the smallest of them.
 int CellsPerDiameter(const Mesh& mesh);
 
-/// Runs the case, prints its progress and a table against the published values, writes a result
-/// series (time is the iteration) and the residual history `history.csv`.
+/// Runs the case, prints its progress and a table against the published values (at their Reynolds
+/// number), writes a result series (time is the iteration) and the residual history `history.csv`.
 ///
 /// Ctrl-C ends the run after its iteration: results and table of what was reached are kept.
 ///

@@ -3,19 +3,25 @@
 #include <algorithm>
 #include <cmath>
 
+#include "reference_host/body.h"
+
 namespace host {
 
 namespace {
 
 BoundaryConditions VelocityConditions(const Mesh& mesh, const OversetLink& link,
-                                      const InletProfile& inlet, int component) {
+                                      const InletProfile& inlet, const Vec3& farWalls,
+                                      int component) {
     return {mesh, link, [&](Boundary kind, int face) -> GhostCondition {
                 if (kind == Boundary::Outlet) {
                     return {GhostCondition::Kind::ZeroGradient, 0.0};
                 }
-                const bool enters = kind == Boundary::Inlet;
-                return {GhostCondition::Kind::Value,
-                        enters ? inlet(mesh.Faces(kind)[face].centre)[component] : 0.0};
+                if (kind == Boundary::Inlet) {
+                    return {GhostCondition::Kind::Value,
+                            inlet(mesh.Faces(kind)[face].centre)[component]};
+                }
+                const bool rests = IsBody(mesh, link, kind, face);
+                return {GhostCondition::Kind::Value, rests ? 0.0 : farWalls[component]};
             }};
 }
 
@@ -29,9 +35,11 @@ BoundaryConditions PressureConditions(const Mesh& mesh, const OversetLink& link)
 
 }  // namespace
 
-FlowConditions::FlowConditions(const Mesh& mesh, const OversetLink& link, const InletProfile& inlet)
-    : velocity{VelocityConditions(mesh, link, inlet, 0), VelocityConditions(mesh, link, inlet, 1),
-               VelocityConditions(mesh, link, inlet, 2)},
+FlowConditions::FlowConditions(const Mesh& mesh, const OversetLink& link, const InletProfile& inlet,
+                               const Vec3& farWalls)
+    : velocity{VelocityConditions(mesh, link, inlet, farWalls, 0),
+               VelocityConditions(mesh, link, inlet, farWalls, 1),
+               VelocityConditions(mesh, link, inlet, farWalls, 2)},
       pressure(PressureConditions(mesh, link)) {}
 
 FlowFields::FlowFields(int cellAndGhostCount) : pressure(cellAndGhostCount + 1, 0.0) {

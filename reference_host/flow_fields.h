@@ -15,10 +15,12 @@ namespace host {
 /// Velocity at a point of the inlet.
 using InletProfile = std::function<Vec3(const Vec3& point)>;
 
-/// What the boundary says about each unknown of a flow: velocity given at inlets and at rest on
-/// walls, pressure zero at outlets, zero gradient elsewhere.
+/// What the boundary says about each unknown of a flow: velocity given at inlets and on walls,
+/// pressure zero at outlets, zero gradient elsewhere. The body is at rest.
 struct FlowConditions {
-    FlowConditions(const Mesh& mesh, const OversetLink& link, const InletProfile& inlet);
+    /// @param farWalls  velocity of the walls that are not the body, in their planes
+    FlowConditions(const Mesh& mesh, const OversetLink& link, const InletProfile& inlet,
+                   const Vec3& farWalls = Vec3::Zero());
 
     std::array<BoundaryConditions, 3> velocity;  ///< components x, y, z
     BoundaryConditions pressure;                 ///< also of the pressure correction

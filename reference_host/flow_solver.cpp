@@ -16,7 +16,7 @@ FlowSolver::FlowSolver(const Mesh& mesh_, HostObjects& objects, const OversetLin
                        const FlowSettings& settings)
     : mesh(mesh_),
       link(link_),
-      conditions(mesh_, link_, settings.inlet),
+      conditions(mesh_, link_, settings.inlet, settings.farWalls),
       momentum(mesh_, objects, link_, conditions, settings.scheme, settings.mu,
                settings.relaxation),
       pressure(mesh_, objects, link_, conditions, settings.relaxation),
@@ -24,6 +24,8 @@ FlowSolver::FlowSolver(const Mesh& mesh_, HostObjects& objects, const OversetLin
       flux(&momentum.records.gv, /*shared=*/false) {
     momentum.equation.solver.SetTolerance(settings.momentumTolerance);
     pressure.equation.solver.SetTolerance(settings.pressureTolerance);
+    momentum.equation.solver.SetTimes(settings.maxSolverIterations);
+    pressure.equation.solver.SetTimes(settings.maxSolverIterations);
     Start(settings.inlet);
 }
 

@@ -11,11 +11,14 @@ namespace host {
 /// What a steady laminar flow is solved with. Density is 1.
 struct FlowSettings {
     InletProfile inlet;
-    double mu = 0.0;  ///< viscosity
+    double mu = 0.0;               ///< viscosity
+    Vec3 farWalls = Vec3::Zero();  ///< velocity of the walls that are not the body
     Scheme scheme = Scheme::LinearUpwind;
     double relaxation = 0.9;          ///< a of the momentum equations, between 0 and 1
     double momentumTolerance = 1e-2;  ///< residual reductions of the linear solver
     double pressureTolerance = 1e-1;
+    int maxSolverIterations = 2000;  ///< of one linear solve: some matrices, as of central
+                                     ///< differences at low viscosity, are beyond the solver
 };
 
 /// Relaxation that suits a mesh with this many cells across the unit length: 1 - a ~ 1 / n.
@@ -51,6 +54,7 @@ public:
     const FlowFields& Fields() const { return fields; }
     const CMAFVMFaceVariableAll& Flux() const { return flux; }
     const Momentum& MomentumPart() const { return momentum; }
+    const PressureCorrection& PressurePart() const { return pressure; }
 
 private:
     void Start(const InletProfile& inlet);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
-#include <vector>
 
 #include "reference_host/body.h"
 
@@ -59,10 +58,8 @@ double OnTheLine(std::vector<Sample>& samples) {
 
 }  // namespace
 
-Vec3 ForceOnBody(const FlowSolver& flow) {
-    const Momentum& momentum = flow.MomentumPart();
+Vec3 ForceOnBody(const Momentum& momentum, const FlowFields& fields) {
     const StencilBuilder& builder = momentum.builder;
-    const FlowFields& fields = flow.Fields();
     Vec3 force = Vec3::Zero();
     for (const int face : BodyFaces(builder.mesh, builder.link)) {
         const CMAFVMFaceData& record = momentum.records.AtBoundary(Boundary::Wall, face);
@@ -79,8 +76,8 @@ Vec3 ForceOnBody(const FlowSolver& flow) {
     return force;
 }
 
-StagnationPressures PressuresAtStagnation(const FlowSolver& flow) {
-    const StencilBuilder& builder = flow.MomentumPart().builder;
+StagnationPressures PressuresAtStagnation(const StencilBuilder& builder,
+                                          const std::vector<double>& pressure) {
     const std::vector<int> bodyFaces = BodyFaces(builder.mesh, builder.link);
     const Vec3 centre = CentreOf(builder.mesh, bodyFaces);
     std::vector<Sample> front;
@@ -88,7 +85,7 @@ StagnationPressures PressuresAtStagnation(const FlowSolver& flow) {
     for (const int face : bodyFaces) {
         const Vec3 at = builder.mesh.Faces(Boundary::Wall)[face].centre - centre;
         const int ghost = builder.objects.Ghost(Boundary::Wall, face);
-        (at.x() < 0.0 ? front : back).push_back({std::abs(at.y()), flow.Fields().pressure[ghost]});
+        (at.x() < 0.0 ? front : back).push_back({std::abs(at.y()), pressure[ghost]});
     }
     return {OnTheLine(front), OnTheLine(back)};
 }

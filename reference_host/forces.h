@@ -1,14 +1,17 @@
 #ifndef KVX3D_REFERENCE_HOST_FORCES_H
 #define KVX3D_REFERENCE_HOST_FORCES_H
 
-#include "reference_host/flow_solver.h"
-#include "reference_host/mesh.h"
+#include <vector>
+
+#include "reference_host/flow_fields.h"
+#include "reference_host/momentum.h"
+#include "reference_host/stencil_builder.h"
 
 namespace host {
 
 /// Force of the flow on the body: pressure and the tangential part of the viscous stress, summed
 /// over its faces.
-Vec3 ForceOnBody(const FlowSolver& flow);
+Vec3 ForceOnBody(const Momentum& momentum, const FlowFields& fields);
 
 /// Pressure at the front and the back of the body, where its surface meets the line through its
 /// centre along x.
@@ -20,8 +23,10 @@ struct StagnationPressures {
 /// Extrapolated from the two rings of faces nearest to that line, the pressure taken to change
 /// with the square of the distance. Faces at the same distance form a ring.
 ///
+/// @param pressure  entries 1..NcAll; the ghosts of the body's faces are read
 /// @throws std::runtime_error  fewer than two rings on a side
-StagnationPressures PressuresAtStagnation(const FlowSolver& flow);
+StagnationPressures PressuresAtStagnation(const StencilBuilder& builder,
+                                          const std::vector<double>& pressure);
 
 }  // namespace host
 
