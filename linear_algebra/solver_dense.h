@@ -46,6 +46,8 @@ public:
 
     /// C = A B, A being rows by inner and B inner by cols.
     ///
+    /// Each call leaves the last row of its work table, cols + 1 doubles, unreleased.
+    ///
     /// @param[out] C  rows by cols; may be A or B
     /// @param rows    at most `inner`: the product is formed in a table of inner rows
     void Multiply(double** A, double** B, double** C, int rows, int inner, int cols);

@@ -343,4 +343,50 @@ TEST(BiCGSTABAgainstPlainOddities, ThePreconditionerAloneOnAnyOrderOfRows) {
     }
 }
 
+TEST(BiCGSTABAgainstPlainOddities, ARowThatStoresAColumnTwice) {
+    Generator generate(4);
+
+    for (int trial = 0; trial < 100; ++trial) {
+        const System system = generate.Sparse(generate.Int(3, 20), 5.0, 3.0, false);
+        CKVX_ART_MatSolver_BiCGSTAB ours(system.n);
+        PlainBiCGSTAB plain(system.n);
+        Assemble(system, ours);
+        Assemble(system, plain);
+        const int row = generate.Int(1, system.n);
+        const int last = ours.Ia[row + 1] - 1;
+        ours.Ja[last] = plain.Ja[last] = ours.Ja[generate.Int(ours.Ia[row], last)];
+        std::vector<double> x = system.x;
+        std::vector<double> xPlain = system.x;
+
+        ours.MatSolve(system.b.data(), x.data());
+        plain.PlainMatSolve(system.b.data(), xPlain.data());
+
+        ExpectSameState(ours, plain);
+        ExpectSame(x.data(), xPlain.data(), system.n, "x");
+    }
+}
+
+TEST(BiCGSTABAgainstPlainOddities, ThePreconditionerAloneOnMoreColumnsThanRows) {
+    Generator generate(5);
+
+    for (int trial = 0; trial < 100; ++trial) {
+        System system = generate.Sparse(generate.Int(1, 20), 4.0, 2.0, false);
+        for (int k = 0; k < system.n; ++k) {
+            const int row = generate.Int(1, system.n);
+            system.entries.push_back({row, system.n + generate.Int(1, 3), generate.Real()});
+        }
+        CKVX_ART_MatSolver_BiCGSTAB ours(system.n, system.n + 3);
+        PlainBiCGSTAB plain(system.n, system.n + 3);
+        Assemble(system, ours);
+        Assemble(system, plain);
+
+        ours.DILU(ours.D);
+        plain.PlainDILU(plain.D);
+        ours.SolveDILU(ours.D, system.b.data(), ours.sHat);
+        plain.PlainSolveDILU(plain.D, system.b.data(), plain.sHat);
+
+        ExpectSameState(ours, plain);
+    }
+}
+
 }  // namespace
