@@ -3,7 +3,8 @@
 /// A row is one system. "iteration" runs a fixed number of iterations and reports the time of one;
 /// its yardsticks are the plain transcription of the method (same bits, one loop a step) and two
 /// plain CSR products, which no iteration can do without. "solve" goes from zero to 1e-8, set-up
-/// of the preconditioner included; its yardstick is Eigen's BiCGSTAB with ILUT.
+/// of the preconditioner included; its yardsticks are Eigen's BiCGSTAB with ILUT and with the
+/// diagonal as preconditioner. "factorisation" is the DILU diagonal, against the plain one.
 
 #include <benchmark/benchmark.h>
 
@@ -48,6 +49,37 @@ System& TheSystem(std::int64_t kind) {
     }
     return system;
 }
+
+/// The inverted DILU diagonal, once a solve.
+void BM_Factorisation(benchmark::State& state) {
+    PlainBiCGSTAB& A = *TheSystem(state.range(0)).A;
+    std::vector<double> D(A.rowsN + 1);
+    std::vector<double> expected(A.rowsN + 1);
+    A.SetTimes(0);
+    A.MatSolve(D.data(), expected.data());  // moves the diagonals to the front
+    for (auto _ : state) {
+        A.DILU(D.data());
+        benchmark::DoNotOptimize(D.data());
+    }
+    A.PlainDILU(expected.data());
+    if (D != expected) {
+        state.SkipWithError("other bits than the plain transcription: the time means nothing");
+    }
+}
+BENCHMARK(BM_Factorisation)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
+
+void BM_FactorisationPlain(benchmark::State& state) {
+    PlainBiCGSTAB& A = *TheSystem(state.range(0)).A;
+    std::vector<double> D(A.rowsN + 1);
+    std::vector<double> x(A.rowsN + 1);
+    A.SetTimes(0);
+    A.MatSolve(D.data(), x.data());
+    for (auto _ : state) {
+        A.PlainDILU(D.data());
+        benchmark::DoNotOptimize(D.data());
+    }
+}
+BENCHMARK(BM_FactorisationPlain)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
 
 constexpr int kIterations = 10;
 
@@ -145,7 +177,11 @@ void BM_Solve(benchmark::State& state) {
 }
 BENCHMARK(BM_Solve)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
 
-void BM_SolveEigen(benchmark::State& state) {
+template <typename Preconditioner>
+using EigenSolver = Eigen::BiCGSTAB<Eigen::SparseMatrix<double, Eigen::RowMajor>, Preconditioner>;
+
+template <typename Preconditioner>
+void SolveByEigen(benchmark::State& state, EigenSolver<Preconditioner>& solver) {
     System& system = TheSystem(state.range(0));
     const int n = system.A->rowsN;
     std::vector<Eigen::Triplet<double>> triplets;
@@ -156,10 +192,7 @@ void BM_SolveEigen(benchmark::State& state) {
     A.setFromTriplets(triplets.begin(), triplets.end());
     const Eigen::VectorXd b = Eigen::Map<const Eigen::VectorXd>(system.b.data() + 1, n);
     Eigen::VectorXd x;
-    Eigen::BiCGSTAB<Eigen::SparseMatrix<double, Eigen::RowMajor>, Eigen::IncompleteLUT<double>>
-        solver;
     solver.setTolerance(1e-8);
-    solver.preconditioner().setFillfactor(1);  // factors about as large as the matrix
     for (auto _ : state) {
         solver.compute(A);
         x = solver.solve(b);
@@ -169,6 +202,18 @@ void BM_SolveEigen(benchmark::State& state) {
     }
     state.counters["iterations"] = static_cast<double>(solver.iterations());
 }
-BENCHMARK(BM_SolveEigen)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
+
+void BM_SolveEigenILUT(benchmark::State& state) {
+    EigenSolver<Eigen::IncompleteLUT<double>> solver;
+    solver.preconditioner().setFillfactor(1);  // factors about as large as the matrix
+    SolveByEigen(state, solver);
+}
+BENCHMARK(BM_SolveEigenILUT)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
+
+void BM_SolveEigenDiagonal(benchmark::State& state) {
+    EigenSolver<Eigen::DiagonalPreconditioner<double>> solver;
+    SolveByEigen(state, solver);
+}
+BENCHMARK(BM_SolveEigenDiagonal)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
