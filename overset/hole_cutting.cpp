@@ -85,8 +85,8 @@ struct Judgement {
     double S[3];
 };
 
-/// Nearest of the points that a caller linked by hand, for the second pair. Its tables may be
-/// longer than the arrays they lead to: what is read is what belongs to an answer.
+/// Nearest of the points that a caller linked by hand, for the second pair. Only what belongs to
+/// an answer is read of the tables beside the points, so the rest of them may be unset.
 class LinkedPoints {
 public:
     LinkedPoints(double* x, double* y, double* z, int n) {

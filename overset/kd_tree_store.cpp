@@ -139,7 +139,7 @@ struct Subtree {
     bool degenerate;  ///< the split above put nearly all points here
 };
 
-/// One path down from a free place, toward the last point to arrive, and where it is left.
+/// One path down from a free place, toward one of the points to arrive, and where it is left.
 ///
 /// On each axis the splits followed to the right ascend and those followed to the left descend, so
 /// the first node at which a point leaves the path is found by bisection.
@@ -269,8 +269,9 @@ private:
     /// Points that reach the end of the path extend it; the others are handed, in order of
     /// arrival, to the place where they leave it.
     void SplitAlongPath(const Subtree& subtree) {
-        const KDtreePoint last = subtree.points[subtree.n - 1];
-        Path path(subtree.place, last.xyz);
+        // Toward the middle: of points that go out and come back, the last is off at the start.
+        const KDtreePoint target = subtree.points[subtree.n / 2];
+        Path path(subtree.place, target.xyz);
         count.clear();
         for (int i = 0; i < subtree.n; ++i) {
             const int at = path.LeavesAt(subtree.points[i].xyz);

@@ -89,6 +89,11 @@ inline Cloud Joined(Cloud a, const Cloud& b) {
     return a;
 }
 
+/// Up the diagonal and down again between the points of the way up.
+inline Cloud OutAndBackCloud(int n) {
+    return Joined(DiagonalCloud(n / 2, true), DiagonalCloud(n - n / 2 - 1, false));
+}
+
 struct NamedCloud {
     std::string name;
     Cloud cloud;
@@ -106,6 +111,7 @@ inline std::vector<NamedCloud> AllClouds() {
     clouds.push_back({"Repeated", RepeatedCloud(2000, 12)});
     clouds.push_back({"Ascending", DiagonalCloud(2000, true)});
     clouds.push_back({"Descending", DiagonalCloud(2000, false)});
+    clouds.push_back({"OutAndBack", OutAndBackCloud(2000)});
     clouds.push_back({"Rings", RingCloud(64, 12)});
     clouds.push_back({"LatticeThenUniform", Joined(LatticeCloud(9), UniformCloud(900, 13))});
     clouds.push_back({"UniformThenLattice", Joined(UniformCloud(900, 14), LatticeCloud(9))});

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include "overset/kd_tree_store.h"
