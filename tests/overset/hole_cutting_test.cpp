@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -28,6 +30,20 @@ TEST(HoleCuttingObject, MembersStandInTheirOrderBehindOnePointer) {
     EXPECT_EQ(reinterpret_cast<const char*>(&holes.artGv) - start, 24);
     EXPECT_EQ(reinterpret_cast<const char*>(&holes.cutGridLayer) - start, 32);
     EXPECT_FALSE(holes.outsideCellsCut);
+}
+
+TEST(HoleCuttingObject, ConstructionWritesOneMemberOnly) {
+    alignas(CKVX_ART_HoleCutting) unsigned char place[sizeof(CKVX_ART_HoleCutting)];
+    std::memset(place, 0x5a, sizeof place);
+
+    auto* holes = new (place) CKVX_ART_HoleCutting;
+
+    EXPECT_FALSE(holes->outsideCellsCut);
+    for (const void* member :
+         {static_cast<const void*>(&holes->gridData), static_cast<const void*>(&holes->artGv),
+          static_cast<const void*>(&holes->cutGridLayer)}) {
+        EXPECT_EQ(*static_cast<const unsigned char*>(member), 0x5a);
+    }
 }
 
 TEST(HoleCuttingObject, NullLinksAreRefusedWithALine) {
