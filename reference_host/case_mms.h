@@ -60,6 +60,7 @@ struct MmsStudy {
     Scheme scheme;
     std::optional<int> kind;
     std::vector<MmsLevel> levels;
+    bool isPlane = true;  ///< of the plane wave, which the error limits were measured with
 };
 
 /// What misses the limits, one sentence each: orders between the two finest levels, errors on all.

@@ -208,8 +208,10 @@ int CheckCavities(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m,
     // The toolbox counts the cavities of all cells but the last.
     const std::set<int> ids(gv.cavityId + 1, gv.cavityId + std::max(m.Nc, 2));
     const int nGrids = static_cast<int>(ids.size());
-    if (*ids.begin() == 0 && *ids.rbegin() == 1) {
-        return 1;  // the two sides of a non-matching interface: nothing to cut
+    const bool hasInterface =
+        std::count(m.nonmatchingFace + 1, m.nonmatchingFace + m.Ne + 1, 1) > 0;
+    if (hasInterface && *ids.begin() == 0 && *ids.rbegin() == 1) {
+        return 1;  // the ids say the side of the interface, there is nothing to cut
     }
     if (ids.count(gv.cavityId[m.Nc]) == 0) {
         lines.push_back(

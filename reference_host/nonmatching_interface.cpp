@@ -138,6 +138,11 @@ std::vector<Fragment> CutInterface(const Mesh& mesh) {
 
 std::array<int, 2> JoinInterface(Mesh& mesh, WholeFaces whole) {
     const std::vector<Fragment> fragments = CutInterface(mesh);
+    if (fragments.empty()) {
+        throw std::runtime_error(
+            "the mesh has no interface: give it the volumes block0 and block1 and the surfaces "
+            "interface0 and interface1");
+    }
     std::array<int, 2> counts = {};
     for (int block = 0; block < 2; ++block) {
         const bool isWhole = whole == (block == 0 ? WholeFaces::Block0 : WholeFaces::Block1);

@@ -37,6 +37,7 @@ enum class WholeFaces {
 /// that was left whole has as neighbor the cell that covers most of it.
 ///
 /// @return number of faces of each side
+/// @throws std::runtime_error  one line: no interface, or as CutInterface()
 std::array<int, 2> JoinInterface(Mesh& mesh, WholeFaces whole);
 
 /// Takes the area vectors of the inner faces back from the arrays that the preprocess wrote to.

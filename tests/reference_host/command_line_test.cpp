@@ -70,6 +70,45 @@ TEST(CommandLine, AllSchemesAreEight) {
     EXPECT_EQ(Read({"mms", "--scheme", "all"}).mms.schemes.size(), 8u);
 }
 
+TEST(CommandLine, EveryScalarCaseTakesASolver) {
+    using host::MatrixSolver;
+
+    EXPECT_EQ(Read({"heat", "--mesh", "a.geo"}).heat.matrixSolver, MatrixSolver::Bicgstab);
+    EXPECT_EQ(Read({"heat", "--mesh", "a.geo", "--solver", "samg"}).heat.matrixSolver,
+              MatrixSolver::Samg);
+    EXPECT_EQ(Read({"mms", "--solver", "samg"}).mms.matrixSolver, MatrixSolver::Samg);
+    EXPECT_EQ(Read({"nonmatching", "--solver", "samg"}).nonmatching.matrixSolver,
+              MatrixSolver::Samg);
+}
+
+TEST(CommandLine, NonmatchingTakesPairsOfSizesInTheirOrder) {
+    const Command command = Read({"nonmatching", "--n", "4,8", "--m", "9,18", "--whole", "block1",
+                                  "--set", "lz=1", "--check"});
+
+    EXPECT_EQ(command.task, Task::Nonmatching);
+    EXPECT_EQ(command.nonmatching.n, (std::vector<int>{4, 8}));
+    EXPECT_EQ(command.nonmatching.m, (std::vector<int>{9, 18}));
+    EXPECT_EQ(command.nonmatching.whole, host::WholeFaces::Block1);
+    EXPECT_EQ(command.nonmatching.parameters, (host::MeshParameters{{"lz", 1}}));
+    EXPECT_TRUE(command.nonmatching.check);
+}
+
+TEST(CommandLine, NonmatchingDefaultsToTheShippedBlocksWithBothSidesCut) {
+    const Command command = Read({"nonmatching"});
+
+    EXPECT_NE(command.nonmatching.meshFile.find("nonmatching_blocks.geo"), std::string::npos);
+    EXPECT_EQ(command.nonmatching.whole, host::WholeFaces::None);
+    EXPECT_EQ(command.nonmatching.n.size(), command.nonmatching.m.size());
+}
+
+TEST(CommandLine, DumpTakesAMeshAndItsNumbers) {
+    const Command command = Read({"dump", "--mesh", "a.geo", "--set", "n=5"});
+
+    EXPECT_EQ(command.task, Task::Dump);
+    EXPECT_EQ(command.dump.meshFile, "a.geo");
+    EXPECT_EQ(command.dump.parameters, (host::MeshParameters{{"n", 5}}));
+}
+
 TEST(CommandLine, HelpIsNoError) {
     const Command command = Read({"--help"});
 
@@ -112,6 +151,10 @@ TEST(CommandLine, EveryMistakeIsOneLine) {
         {"mms", "--mu", "-1"},
         {"mms", "--depth", "0"},
         {"mms", "stray"},
+        {"mms", "--solver", "gauss"},
+        {"nonmatching", "--m", "0"},
+        {"nonmatching", "--whole", "block2"},
+        {"dump"},
     };
     for (const auto& words : mistakes) {
         const std::string message = MessageOf(words);

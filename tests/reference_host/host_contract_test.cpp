@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "reference_host/host_objects.h"
+#include "reference_host/nonmatching_interface.h"
 #include "tests/reference_host/mesh_files.h"
 
 namespace {
@@ -147,6 +148,17 @@ TEST(ContractFaults, SoundObjectsHaveNone) {
 
         EXPECT_EQ(host::ContractFaults(objects.gv, objects.fvm), std::vector<std::string>());
     }
+}
+
+TEST(ContractFaults, BlocksOfANonmatchingInterfaceShareFlaggedFacesOnly) {
+    host::Mesh mesh = ReadShipped("nonmatching_blocks.geo", {{"n", 2}, {"m", 3}});
+    host::JoinInterface(mesh, host::WholeFaces::None);
+    HostObjects objects(mesh, ".");
+    EXPECT_TRUE(host::ContractFaults(objects.gv, objects.fvm).empty());
+
+    objects.fvm.nonmatchingFace[objects.fvm.Ne] = 0;
+
+    EXPECT_TRUE(HasLine(host::ContractFaults(objects.gv, objects.fvm), {"grids share no face"}));
 }
 
 }  // namespace
