@@ -15,6 +15,11 @@ if(KVX3D_SANITIZE)
   target_link_options(kvx3d_build_options INTERFACE -fsanitize=${KVX3D_SANITIZE})
 endif()
 
+if(KVX3D_COVERAGE)
+  target_compile_options(kvx3d_build_options INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(kvx3d_build_options INTERFACE --coverage)
+endif()
+
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()
