@@ -29,10 +29,13 @@ void Equation::DeclarePair(int row, const int* ids) {
 
 void Equation::DeclareSide(int row, int first, int second, const CMAFVMFaceData& record,
                            Reach reach) {
+    DeclarePair(row, record.idNormal);
+    if (reach == Reach::Normal) {
+        return;
+    }
     matrix.AddIndex(row, first);
     matrix.AddIndex(row, second);
     DeclarePair(row, record.idFace);
-    DeclarePair(row, record.idNormal);
     DeclarePair(row, record.idLeft);
     DeclarePair(row, record.idRight);
     if (reach == Reach::Far) {
@@ -45,12 +48,15 @@ void Equation::DeclareBoundary(Boundary kind, const CMAFVMFaceData* records, Rea
     for (int face = 1; face <= builder.mesh.FaceCount(kind); ++face) {
         const int cell = builder.mesh.Faces(kind)[face].cell;
         const int ghost = builder.objects.Ghost(kind, face);
-        // Convection adds an explicit zero at (cell, ghost) on faces without flux, symmetry faces
-        // and faces of cut cells included.
-        matrix.AddIndex(cell, ghost);
         matrix.AddIndex(ghost, cell);
         matrix.AddIndex(ghost, ghost);
         DeclarePair(cell, records[face].idNormal);
+        if (reach == Reach::Normal) {
+            continue;
+        }
+        // Convection adds an explicit zero at (cell, ghost) on faces without flux, symmetry faces
+        // and faces of cut cells included.
+        matrix.AddIndex(cell, ghost);
         DeclarePair(cell, records[face].idLeft);
         if (reach == Reach::Far) {
             DeclarePair(cell, records[face].idFarLeft);

@@ -12,8 +12,9 @@ namespace host {
 
 /// Which stencil pairs the pattern provides for.
 enum class Reach {
-    Near,  ///< Face, Normal, Left, Right: diffusion, upwind and central schemes
-    Far    ///< the far-upstream pairs as well
+    Normal,  ///< diffusion alone: a third fewer entries than with the next
+    Near,    ///< Face, Left and Right as well: upwind and central schemes
+    Far      ///< the far-upstream pairs as well
 };
 
 /// How a linear solve went, by the true residual b - A x in the plain 2-norm.

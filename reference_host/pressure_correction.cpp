@@ -12,7 +12,7 @@ PressureCorrection::PressureCorrection(const Mesh& mesh, HostObjects& objects_,
                                        double relaxation_)
     : builder(mesh, objects_, link, GradientSet::Pressure),
       records(builder, objects_, FarPoint::LinearUpwind),
-      equation(builder, records, Reach::Near),
+      equation(builder, records, Reach::Normal),
       objects(objects_),
       conditions(conditions_),
       relaxation(relaxation_),
