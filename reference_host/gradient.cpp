@@ -1,6 +1,7 @@
 #include "reference_host/gradient.h"
 
 #include <Eigen/Eigenvalues>
+#include <algorithm>
 
 namespace host {
 
@@ -29,6 +30,41 @@ bool GhostTakesPart(GradientSet set, Boundary kind, const BoundaryFace& face) {
     return set == GradientSet::Velocity || kind == Boundary::Outlet || face.oversetGroup > 0;
 }
 
+bool IsTetrahedron(const Mesh& mesh, int cell) {
+    return mesh.cellNodes[cell].size() == 4;
+}
+
+/// Adds the active neighbors of the neighbors, across faces with both cells active. From its four
+/// neighbors alone a tetrahedron's gradient is too sensitive: convection with it is unstable.
+///
+/// Source: F. Haider, J.-P. Croisille, B. Courbet, Numer. Math. 113 (2009) 555-600,
+/// doi:10.1007/s00211-009-0228-z.
+void AddSecondNeighbors(int cell, const Mesh& mesh, const OversetLink& link,
+                        const CellFaces& cellFaces, SampleSet& around) {
+    const auto neighbor = [&](int of, int face) {
+        const InnerFace& pair = mesh.innerFaces[face];
+        return pair.owner == of ? pair.neighbor : pair.owner;
+    };
+    std::vector<int> seen = {cell};
+    for (const Sample& sample : around.samples) {
+        seen.push_back(sample.column);
+    }
+    for (const int face : cellFaces.InnerFaces(cell)) {
+        if (link.Side(face) != FaceSide::Both) {
+            continue;
+        }
+        const int first = neighbor(cell, face);
+        for (const int next : cellFaces.InnerFaces(first)) {
+            const int second = neighbor(first, next);
+            if (link.Side(next) == FaceSide::Both &&
+                std::find(seen.begin(), seen.end(), second) == seen.end()) {
+                seen.push_back(second);
+                around.Add(second, mesh.cellCentre[second] - mesh.cellCentre[cell]);
+            }
+        }
+    }
+}
+
 SampleSet SamplesAround(int cell, const Mesh& mesh, const HostObjects& objects,
                         const OversetLink& link, const CellFaces& cellFaces, GradientSet set) {
     const Vec3& centre = mesh.cellCentre[cell];
@@ -37,6 +73,9 @@ SampleSet SamplesAround(int cell, const Mesh& mesh, const HostObjects& objects,
         const int other =
             mesh.innerFaces[face].owner == cell ? link.Second(face) : link.First(face);
         around.Add(other, mesh.cellCentre[other] - centre);
+    }
+    if (IsTetrahedron(mesh, cell)) {
+        AddSecondNeighbors(cell, mesh, link, cellFaces, around);
     }
     for (const BoundaryFaceId& id : cellFaces.BoundaryFaces(cell)) {
         const BoundaryFace& face = mesh.Faces(id.kind)[id.face];
