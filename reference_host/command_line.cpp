@@ -71,6 +71,10 @@ CLI::App* AddCylinder(CLI::App& app, CylinderCase& cylinder, RawOptions& raw) {
     sub->add_option("--set", raw.sets, "number in the .geo, name=value; may be repeated");
     sub->add_option("--scheme", raw.schemes, "one of: " + SchemeNames(true) + "; default lud")
         ->expected(1);
+    sub->add_option("--reynolds", cylinder.reynolds,
+                    "Reynolds number; the published values are for 20")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
     sub->add_option("--relaxation", raw.relaxation,
                     "of the momentum equations, between 0 and 1; default by the mesh: 0.9 up to "
                     "10 cells a diameter, 0.95 at 20, 0.975 at 40")
@@ -84,6 +88,29 @@ CLI::App* AddCylinder(CLI::App& app, CylinderCase& cylinder, RawOptions& raw) {
         ->check(CLI::Range(1, 1000000))
         ->capture_default_str();
     sub->add_flag("--check", cylinder.check, "exit 1 if a figure misses its limit");
+    return sub;
+}
+
+CLI::App* AddSphere(CLI::App& app, SphereCase& sphere, RawOptions& raw) {
+    CLI::App* sub = app.add_subcommand(
+        "sphere", "Laminar flow around a sphere at Reynolds number 100, in three dimensions");
+    sub->add_option("--mesh", sphere.meshFile, "mesh, .geo or .msh")->capture_default_str();
+    sub->add_option("--set", raw.sets, "number in the .geo, name=value; may be repeated");
+    sub->add_option("--scheme", raw.schemes, "one of: " + SchemeNames(true) + "; default lud")
+        ->expected(1);
+    sub->add_option("--relaxation", raw.relaxation,
+                    "of the momentum equations, between 0 and 1; default by the mesh: 0.9 up to "
+                    "10 cells a diameter")
+        ->check(CLI::Range(0.01, 0.999));
+    sub->add_option("--output", sphere.outputDir, "directory of the result files")
+        ->capture_default_str();
+    sub->add_option("--steps-every", sphere.stepsEvery, "iterations between two result files")
+        ->check(CLI::Range(1, 1000000))
+        ->capture_default_str();
+    sub->add_option("--iterations", sphere.maxIterations, "most iterations")
+        ->check(CLI::Range(1, 1000000))
+        ->capture_default_str();
+    sub->add_flag("--check", sphere.check, "exit 1 if a figure misses its limit");
     return sub;
 }
 
@@ -172,13 +199,15 @@ std::vector<Scheme> ReadSchemes(const std::vector<std::string>& names) {
     return schemes.empty() ? std::vector<Scheme>{Scheme::Diffusion} : schemes;
 }
 
-void Complete(CylinderCase& cylinder, const CLI::App& given, const RawOptions& raw) {
-    cylinder.parameters = ReadParameters(raw.sets);
+/// A flow case: cylinder or sphere.
+template <class FlowCase>
+void CompleteFlow(FlowCase& flow, const CLI::App& given, const RawOptions& raw) {
+    flow.parameters = ReadParameters(raw.sets);
     if (!raw.schemes.empty()) {
-        cylinder.scheme = ReadScheme(raw.schemes.front(), /*convecting=*/true);
+        flow.scheme = ReadScheme(raw.schemes.front(), /*convecting=*/true);
     }
     if (given.count("--relaxation") > 0) {
-        cylinder.relaxation = raw.relaxation;
+        flow.relaxation = raw.relaxation;
     }
 }
 
@@ -213,6 +242,7 @@ Command ReadCommand(int argc, const char* const* argv) {
     CLI::App app("A small flow solver that hosts KVX3DMeshlessToolbox", "reference_host");
     app.require_subcommand(1);
     command.cylinder.meshFile = ShippedMesh("channel_cylinder_overset.geo");
+    command.sphere.meshFile = ShippedMesh("sphere_overset.geo");
     command.mms.meshFile = ShippedMesh("box_annulus_overset.geo");
     command.nonmatching.meshFile = ShippedMesh("nonmatching_blocks.geo");
     const CLI::App* cylinder = AddCylinder(app, command.cylinder, raw);
@@ -220,6 +250,7 @@ Command ReadCommand(int argc, const char* const* argv) {
     const CLI::App* heat = AddHeat(app, command.heat, raw);
     const CLI::App* mms = AddMms(app, command.mms, raw);
     const CLI::App* nonmatching = AddNonmatching(app, command.nonmatching, raw);
+    const CLI::App* sphere = AddSphere(app, command.sphere, raw);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
@@ -230,7 +261,10 @@ Command ReadCommand(int argc, const char* const* argv) {
     }
     if (cylinder->parsed()) {
         command.task = Task::Cylinder;
-        Complete(command.cylinder, *cylinder, raw);
+        CompleteFlow(command.cylinder, *cylinder, raw);
+    } else if (sphere->parsed()) {
+        command.task = Task::Sphere;
+        CompleteFlow(command.sphere, *sphere, raw);
     } else if (dump->parsed()) {
         command.task = Task::Dump;
         command.dump.parameters = ReadParameters(raw.sets);

@@ -6,10 +6,11 @@
 #include "reference_host/case_heat.h"
 #include "reference_host/case_mms.h"
 #include "reference_host/case_nonmatching.h"
+#include "reference_host/case_sphere.h"
 
 namespace host {
 
-enum class Task { ShowHelp, Cylinder, Heat, Mms, Nonmatching, Dump };
+enum class Task { ShowHelp, Cylinder, Heat, Mms, Nonmatching, Dump, Sphere };
 
 /// What the command line asked for. Only the chosen task's case is filled.
 struct Command {
@@ -20,6 +21,7 @@ struct Command {
     MmsCase mms;
     NonmatchingCase nonmatching;
     DumpCase dump;
+    SphereCase sphere;
 };
 
 /// Reads the command line; the only place that knows it.

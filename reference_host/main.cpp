@@ -17,6 +17,8 @@ int main(int argc, char** argv) try {
             return host::RunNonmatching(command.nonmatching);
         case host::Task::Dump:
             return host::RunDump(command.dump);
+        case host::Task::Sphere:
+            return host::RunSphere(command.sphere);
         case host::Task::ShowHelp:
             std::cout << command.help;
     }
