@@ -130,13 +130,17 @@ FreePlace FallTo(FreePlace from, const double* xyz) {
     return from;
 }
 
+/// How a subtree is split. A path takes a degenerate one apart at once: toward the last point to
+/// arrive, or, where nearly all others stay together beside that path, toward the middle one.
+enum class SplitBy { Root, PathToLast, PathToMiddle };
+
 /// Points that belong below one free place, in order of arrival, in one of two buffers.
 struct Subtree {
     FreePlace place;
     KDtreePoint* points;
     KDtreePoint* other;  ///< the same range of the other buffer
     int n;
-    bool degenerate;  ///< the split above put nearly all points here
+    SplitBy way;
 };
 
 /// One path down from a free place, toward one of the points to arrive, and where it is left.
@@ -205,21 +209,24 @@ public:
     void Run(KDtreeCore& core, KDtreePoint* points, int n) {
         std::vector<KDtreePoint> buffer(static_cast<std::size_t>(n));
         leftAt.resize(static_cast<std::size_t>(n));
-        open.push_back({{&core.root, 0}, points, buffer.data(), n, false});
+        open.push_back({{&core.root, 0}, points, buffer.data(), n, SplitBy::Root});
         while (!open.empty()) {
             const Subtree subtree = open.back();
             open.pop_back();
             if (subtree.n <= fewPoints) {
                 InsertEach(subtree);
-            } else if (subtree.degenerate) {
-                SplitAlongPath(subtree);
-            } else {
+            } else if (subtree.way == SplitBy::Root) {
                 SplitAtRoot(subtree);
+            } else {
+                SplitAlongPath(subtree);
             }
         }
     }
 
 private:
+    /// True if a part of n points is so large that splits like this one end nowhere.
+    static bool NearlyAll(int part, int n) { return n > manyPoints && n - 1 - part < n / lopsided; }
+
     void InsertEach(const Subtree& subtree) {
         for (int i = 0; i < subtree.n; ++i) {
             const KDtreePoint& point = subtree.points[i];
@@ -248,29 +255,27 @@ private:
             nRight += right;
         }
         const int next = (dir + 1) % 3;
-        const bool degenerate = subtree.n > manyPoints &&
-                                (nLeft < subtree.n / lopsided || nRight < subtree.n / lopsided);
         if (nRight > 0) {
             open.push_back({{&root->right, next},
                             subtree.other,
                             subtree.points + nLeft,
                             nRight,
-                            degenerate && nRight > nLeft});
+                            NearlyAll(nRight, subtree.n) ? SplitBy::PathToLast : SplitBy::Root});
         }
         if (nLeft > 0) {
             open.push_back({{&root->left, next},
                             subtree.points,
                             subtree.other + nRight,
                             nLeft,
-                            degenerate && nLeft > nRight});
+                            NearlyAll(nLeft, subtree.n) ? SplitBy::PathToLast : SplitBy::Root});
         }
     }
 
     /// Points that reach the end of the path extend it; the others are handed, in order of
     /// arrival, to the place where they leave it.
     void SplitAlongPath(const Subtree& subtree) {
-        // Toward the middle: of points that go out and come back, the last is off at the start.
-        const KDtreePoint target = subtree.points[subtree.n / 2];
+        const bool toLast = subtree.way == SplitBy::PathToLast;
+        const KDtreePoint target = subtree.points[toLast ? subtree.n - 1 : subtree.n / 2];
         Path path(subtree.place, target.xyz);
         count.clear();
         for (int i = 0; i < subtree.n; ++i) {
@@ -287,8 +292,9 @@ private:
         int start = 0;
         for (int k = 0; k < path.Length(); ++k) {
             if (count[k] > 0) {
-                open.push_back({path.leaving[k], subtree.other + start, subtree.points + start,
-                                count[k], false});
+                open.push_back(
+                    {path.leaving[k], subtree.other + start, subtree.points + start, count[k],
+                     NearlyAll(count[k], subtree.n) ? SplitBy::PathToMiddle : SplitBy::Root});
             }
             const int end = start + count[k];
             count[k] = start;
