@@ -164,4 +164,42 @@ TEST(CommandLine, EveryMistakeIsOneLine) {
     }
 }
 
+TEST(CommandLine, CylinderTakesSchemeRelaxationAndSteps) {
+    const Command command =
+        Read({"cylinder", "--mesh", "a.geo", "--set", "n=20", "--scheme", "quick", "--output",
+              "out", "--relaxation", "0.8", "--steps-every", "7", "--iterations", "300",
+              "--reynolds", "40", "--check"});
+
+    EXPECT_EQ(command.task, Task::Cylinder);
+    EXPECT_EQ(command.cylinder.meshFile, "a.geo");
+    EXPECT_EQ(command.cylinder.parameters, (host::MeshParameters{{"n", 20}}));
+    EXPECT_EQ(command.cylinder.scheme, Scheme::Quick);
+    EXPECT_EQ(command.cylinder.outputDir, "out");
+    EXPECT_EQ(command.cylinder.relaxation, 0.8);
+    EXPECT_EQ(command.cylinder.stepsEvery, 7);
+    EXPECT_EQ(command.cylinder.maxIterations, 300);
+    EXPECT_EQ(command.cylinder.reynolds, 40.0);
+    EXPECT_TRUE(command.cylinder.check);
+}
+
+TEST(CommandLine, CylinderDefaultsToTheShippedMeshLinearUpwindAndItsRelaxation) {
+    const Command command = Read({"cylinder"});
+
+    EXPECT_NE(command.cylinder.meshFile.find("channel_cylinder_overset.geo"), std::string::npos);
+    EXPECT_EQ(command.cylinder.scheme, Scheme::LinearUpwind);
+    EXPECT_FALSE(command.cylinder.relaxation.has_value());
+    EXPECT_EQ(command.cylinder.reynolds, 20.0);
+    EXPECT_FALSE(command.cylinder.check);
+}
+
+TEST(CommandLine, FlowNeedsASchemeThatCarries) {
+    EXPECT_EQ(MessageOf({"cylinder", "--scheme", "diffusion"}),
+              "--scheme takes upwind-cells, upwind, central, lud, quick, hybrid, not "
+              "\"diffusion\"");
+}
+
+TEST(CommandLine, RelaxationStaysBelowOne) {
+    EXPECT_NE(MessageOf({"cylinder", "--relaxation", "1"}).find("--relaxation"), std::string::npos);
+}
+
 }  // namespace

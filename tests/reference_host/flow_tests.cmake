@@ -12,3 +12,13 @@ add_test(NAME ReferenceHostInterrupt
           $<TARGET_FILE:reference_host> cylinder --set n=10)
 set_tests_properties(ReferenceHostInterrupt PROPERTIES
   TIMEOUT 300 ENVIRONMENT "${kvx3d_test_environment}")
+
+kvx3d_add_error_test(FlowDiverged "diverged in iteration"
+  cylinder --set n=5 --scheme quick --reynolds 10000 --relaxation 0.999
+           --output ${scratch}/diverged)
+kvx3d_add_error_test(FlowNotConverged "not converged after 2 iterations"
+  cylinder --set n=5 --iterations 2 --output ${scratch}/short)
+kvx3d_add_error_test(FlowWithoutACylinder "no cylinder"
+  cylinder --mesh ${meshes}/box_annulus_overset.geo --set kind=1 --output ${scratch}/out)
+kvx3d_add_error_test(FlowWithoutLimits "limits for lud"
+  cylinder --set n=5 --check --output ${scratch}/out)
