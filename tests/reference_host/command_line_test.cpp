@@ -194,7 +194,7 @@ TEST(CommandLine, CylinderDefaultsToTheShippedMeshLinearUpwindAndItsRelaxation) 
 
 TEST(CommandLine, FlowNeedsASchemeThatCarries) {
     EXPECT_EQ(MessageOf({"cylinder", "--scheme", "diffusion"}),
-              "--scheme takes upwind-cells, upwind, central, lud, quick, hybrid, not "
+              "--scheme must be one of upwind-cells, upwind, central, lud, quick, hybrid, not "
               "\"diffusion\"");
 }
 
