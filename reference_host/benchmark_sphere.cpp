@@ -83,9 +83,9 @@ std::optional<Limits> LimitsOf(Scheme scheme, int n) {
     }
     switch (n) {
         case 5:
-            return Limits{0.06, 0.15, 0.02, 5e-3};
+            return Limits{0.05, 0.12, 0.02, 1e-3};
         case 7:
-            return Limits{0.04, 0.08, 0.01, 5e-3};
+            return Limits{0.04, 0.08, 0.01, 5e-4};
         default:
             return std::nullopt;
     }

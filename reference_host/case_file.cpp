@@ -108,7 +108,7 @@ std::string MeshPath(const std::string& name, const std::string& caseFile) {
     if (!std::filesystem::exists(mesh)) {
         throw std::invalid_argument("names no file: there is no " + mesh.string());
     }
-    return mesh.lexically_normal().string();
+    return mesh.string();
 }
 
 /// Goes over a file and sets options. Collects what is wrong, since the parser's tables are in
