@@ -34,14 +34,11 @@ bool IsTetrahedron(const Mesh& mesh, int cell) {
     return mesh.cellNodes[cell].size() == 4;
 }
 
-/// Adds the active neighbors of the neighbors, across faces with both cells active. From its four
-/// neighbors alone a tetrahedron's gradient is too sensitive: convection with it is unstable.
-///
-/// Source: F. Haider, J.-P. Croisille, B. Courbet, Numer. Math. 113 (2009) 555-600,
-/// doi:10.1007/s00211-009-0228-z.
-void AddSecondNeighbors(int cell, const Mesh& mesh, const OversetLink& link,
-                        const CellFaces& cellFaces, SampleSet& around) {
-    const auto neighbor = [&](int of, int face) {
+/// Adds the active neighbours of the neighbours, across faces with both cells active. Ghosts of the
+/// neighbours' boundary faces stay out: the pressure has no condition at all of them.
+void AddSecondNeighbours(int cell, const Mesh& mesh, const OversetLink& link,
+                         const CellFaces& cellFaces, SampleSet& around) {
+    const auto neighbour = [&](int of, int face) {
         const InnerFace& pair = mesh.innerFaces[face];
         return pair.owner == of ? pair.neighbor : pair.owner;
     };
@@ -53,9 +50,9 @@ void AddSecondNeighbors(int cell, const Mesh& mesh, const OversetLink& link,
         if (link.Side(face) != FaceSide::Both) {
             continue;
         }
-        const int first = neighbor(cell, face);
+        const int first = neighbour(cell, face);
         for (const int next : cellFaces.InnerFaces(first)) {
-            const int second = neighbor(first, next);
+            const int second = neighbour(first, next);
             if (link.Side(next) == FaceSide::Both &&
                 std::find(seen.begin(), seen.end(), second) == seen.end()) {
                 seen.push_back(second);
@@ -75,7 +72,7 @@ SampleSet SamplesAround(int cell, const Mesh& mesh, const HostObjects& objects,
         around.Add(other, mesh.cellCentre[other] - centre);
     }
     if (IsTetrahedron(mesh, cell)) {
-        AddSecondNeighbors(cell, mesh, link, cellFaces, around);
+        AddSecondNeighbours(cell, mesh, link, cellFaces, around);
     }
     for (const BoundaryFaceId& id : cellFaces.BoundaryFaces(cell)) {
         const BoundaryFace& face = mesh.Faces(id.kind)[id.face];

@@ -23,7 +23,12 @@ enum class GradientSet {
 /// faces their ghost at the face centre. A symmetry face enters M alone (zero difference to the
 /// mirrored point), which also keeps M regular on one-cell-thick meshes.
 ///
-/// Source: T. J. Barth, A 3-D upwind Euler solver for unstructured meshes, AIAA 91-1548.
+/// Tetrahedra take the neighbours of their neighbours as well: from four of them alone, fewer at a
+/// wall, the gradient is so sensitive that a flow diverges within ten iterations.
+///
+/// Sources: T. J. Barth, A 3-D upwind Euler solver for unstructured meshes, AIAA 91-1548; second
+/// neighbours: F. Haider, J.-P. Croisille, B. Courbet, Numer. Math. 113 (2009) 555-600,
+/// doi:10.1007/s00211-009-0228-z.
 class CellGradients {
 public:
     CellGradients(const Mesh& mesh, const HostObjects& objects, const OversetLink& link,

@@ -74,6 +74,24 @@ TEST_P(GradientOnMesh, WeightsSumToZero) {
 
 INSTANTIATE_TEST_SUITE_P(Meshes, GradientOnMesh, testing::ValuesIn(AllMeshes()), MeshName);
 
+TEST(GradientOfTetrahedra, ReadsTheNeighboursOfTheNeighbours) {
+    const MeshCase c(oversetTetrahedra);
+    const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
+                                  GradientSet::Pressure);
+    int tetrahedra = 0;
+
+    for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+        if (c.mesh.cellNodes[cell].size() != 4) {
+            continue;
+        }
+        ++tetrahedra;
+        // Itself, and at a wall three neighbours with three more each, fewer in a corner.
+        ASSERT_GE(gradients[cell].Terms().size(), 7u) << "cell " << cell;
+        ASSERT_LE(gradients[cell].Terms().size(), 17u) << "cell " << cell;
+    }
+    EXPECT_GT(tetrahedra, 1000);
+}
+
 TEST(GradientByHand, UniformInteriorCellTakesCentralDifferences) {
     const MeshCase c(boxHexahedra);  // cells of 0.2
     const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
