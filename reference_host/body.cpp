@@ -1,5 +1,7 @@
 #include "reference_host/body.h"
 
+#include <stdexcept>
+
 namespace host {
 
 bool IsBody(const Mesh& mesh, const OversetLink& link, Boundary kind, int face) {
@@ -17,6 +19,14 @@ std::vector<int> BodyFaces(const Mesh& mesh, const OversetLink& link) {
         }
     }
     return faces;
+}
+
+void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
+                 const std::string& body) {
+    if (!link.IsOverset() || BodyFaces(mesh, link).empty()) {
+        throw std::runtime_error(meshFile + ": no " + body +
+                                 ": no face of the group \"wall\" lies beside a component");
+    }
 }
 
 }  // namespace host

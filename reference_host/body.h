@@ -1,6 +1,7 @@
 #ifndef KVX3D_REFERENCE_HOST_BODY_H
 #define KVX3D_REFERENCE_HOST_BODY_H
 
+#include <string>
 #include <vector>
 
 #include "reference_host/mesh.h"
@@ -14,6 +15,12 @@ bool IsBody(const Mesh& mesh, const OversetLink& link, Boundary kind, int face);
 
 /// The wall faces of the body, ascending.
 std::vector<int> BodyFaces(const Mesh& mesh, const OversetLink& link);
+
+/// Refuses a mesh without a component that has a body.
+/// @param body  what the case calls it
+/// @throws std::runtime_error  one line
+void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
+                 const std::string& body);
 
 }  // namespace host
 

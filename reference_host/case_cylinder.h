@@ -29,9 +29,6 @@ struct CylinderCase {
     bool check = false;        ///< compare with the limits
 };
 
-/// Background cells per diameter, by the smallest of them.
-int CellsPerDiameter(const Mesh& mesh);
-
 /// Runs the case, prints its progress and a table against the published values (at their Reynolds
 /// number), writes a result series (time is the iteration) and the residual history `history.csv`.
 ///

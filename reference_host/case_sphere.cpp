@@ -9,7 +9,7 @@
 
 #include "reference_host/benchmark_sphere.h"
 #include "reference_host/body.h"
-#include "reference_host/case_cylinder.h"
+#include "reference_host/cell_size.h"
 #include "reference_host/donor_table.h"
 #include "reference_host/flow_run.h"
 
@@ -23,7 +23,7 @@ FlowSettings SphereFlow(const SphereCase& run, const Mesh& mesh) {
     settings.farWalls = benchmarksphere::Stream();
     settings.mu = benchmarksphere::viscosity;
     settings.scheme = run.scheme;
-    settings.relaxation = run.relaxation.value_or(DefaultRelaxation(CellsPerDiameter(mesh)));
+    settings.relaxation = run.relaxation.value_or(DefaultRelaxation(CellsPerUnit(mesh)));
     return settings;
 }
 
@@ -41,7 +41,7 @@ std::optional<benchmarksphere::Limits> WantedLimits(const SphereCase& run, const
     if (!run.check) {
         return std::nullopt;
     }
-    const int n = CellsPerDiameter(mesh);
+    const int n = CellsPerUnit(mesh);
     const auto limits = benchmarksphere::LimitsOf(run.scheme, n);
     if (!limits) {
         throw std::runtime_error(fmt::format("--check has limits for {}, not for {} at n = {}",
@@ -54,10 +54,7 @@ void RequireSphere(const Mesh& mesh, const OversetLink& link, const std::string&
     if (mesh.IsQuasi2d()) {
         throw std::runtime_error(meshFile + ": one cell thick: a sphere needs three dimensions");
     }
-    if (!link.IsOverset() || BodyFaces(mesh, link).empty()) {
-        throw std::runtime_error(meshFile + ": no sphere: no face of the group \"wall\" lies " +
-                                 "beside a component");
-    }
+    RequireBody(mesh, link, meshFile, "sphere");
 }
 
 void WriteWakeAxis(const FlowSolver& flow, const std::string& directory) {
@@ -72,7 +69,7 @@ void PrintTable(const SphereCase& run, const Mesh& mesh, const benchmarksphere::
     std::cout << fmt::format(
         "Sphere at Reynolds number 100, {} at {} background cells a "
         "diameter, {} cells:\n",
-        Name(run.scheme), CellsPerDiameter(mesh), mesh.CellCount());
+        Name(run.scheme), CellsPerUnit(mesh), mesh.CellCount());
     PrintComparisonHead();
     PrintComparison("Cd", result.cd, benchmarksphere::dragCoefficient);
     PrintComparison("recirculation length", result.recirculation,

@@ -1,6 +1,8 @@
 #include "reference_host/cell_size.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace host {
 namespace {
@@ -39,6 +41,17 @@ std::vector<double> EdgeLengths(const Mesh& mesh) {
         lengths[cell] = std::cbrt(mesh.volume[cell] / RegularVolume(mesh.cellNodes[cell].size()));
     }
     return lengths;
+}
+
+int CellsPerUnit(const Mesh& mesh) {
+    const std::vector<double> edges = EdgeLengths(mesh);
+    double smallest = std::numeric_limits<double>::max();
+    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+        if (mesh.cavity[cell] == 1) {
+            smallest = std::min(smallest, edges[cell]);
+        }
+    }
+    return static_cast<int>(std::lround(1.0 / smallest));
 }
 
 }  // namespace host

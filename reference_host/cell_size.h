@@ -14,6 +14,9 @@ double MarginLength(double volume);
 /// cell thick: of the regular polygon with the shape and area of its symmetry face.
 std::vector<double> EdgeLengths(const Mesh& mesh);
 
+/// Background cells per unit length, by the smallest of them.
+int CellsPerUnit(const Mesh& mesh);
+
 }  // namespace host
 
 #endif

@@ -122,9 +122,13 @@ void PrintComparisonHead() {
                              "deviation");
 }
 
-void PrintComparison(const std::string& name, double value, double published) {
-    std::cout << fmt::format("  {:<20} {:15.10f} {:15.10f} {:+10.3f} %\n", name, value, published,
-                             100.0 * (value / published - 1.0));
+void PrintComparison(const std::string& name, double value, std::optional<double> published) {
+    std::cout << fmt::format("  {:<20} {:15.10f}", name, value);
+    if (published) {
+        std::cout << fmt::format(" {:15.10f} {:+10.3f} %", *published,
+                                 100.0 * (value / *published - 1.0));
+    }
+    std::cout << '\n';
 }
 
 int ReportLimitMisses(const std::vector<std::string>& misses) {

@@ -2,6 +2,7 @@
 #define KVX3D_REFERENCE_HOST_FLOW_RUN_H
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -76,7 +77,8 @@ private:
 };
 
 /// Prints a row of a table: a figure, its published value and the deviation in per cent.
-void PrintComparison(const std::string& name, double value, double published);
+/// @param published  none: the figure alone
+void PrintComparison(const std::string& name, double value, std::optional<double> published);
 /// Prints the head over such rows.
 void PrintComparisonHead();
 

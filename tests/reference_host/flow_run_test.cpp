@@ -7,6 +7,7 @@
 
 #include "reference_host/benchmark_2d1.h"
 #include "reference_host/case_cylinder.h"
+#include "reference_host/cell_size.h"
 #include "reference_host/interrupt.h"
 #include "reference_host/residual_history.h"
 #include "tests/reference_host/flow_case.h"
@@ -130,9 +131,9 @@ TEST(CylinderRun, MeshWithoutACylinderIsRefused) {
     EXPECT_THAT(ErrorOf([&] { host::RunCylinder(run); }), HasSubstr("no cylinder"));
 }
 
-TEST(CylinderRun, CellsADiameterAreThoseOfTheMesh) {
+TEST(CellSize, CellsADiameterAreThoseOfTheGeometry) {
     for (const int n : {5, 10, 20}) {
-        EXPECT_EQ(host::CellsPerDiameter(ReadShipped(channelGeo, {{"n", n}})), n);
+        EXPECT_EQ(host::CellsPerUnit(ReadShipped(channelGeo, {{"n", n}})), n);
     }
 }
 
