@@ -8,6 +8,7 @@
 
 #include "reference_host/body.h"
 #include "reference_host/donor_table.h"
+#include "reference_host/interrupt.h"
 #include "reference_host/progress.h"
 #include "reference_host/result_series.h"
 
@@ -54,21 +55,29 @@ void PrintBalance(const HeatBalance& balance, bool perDepth) {
         balance.walls, balance.outlet, balance.Defect());
 }
 
-/// Time steps, then the steady state; every one of them is published.
-SolveReport March(const HeatCase& run, HeatProblem& heat, ResultSeries& results) {
-    Progress progress("heat", run.steps + 1, std::cout, StandardOutputIsTerminal());
-    SolveReport solve;
+struct MarchEnd {
+    SolveReport solve;  // of the last step
     double time = 0.0;
+    bool interrupted = false;
+};
+
+/// Time steps, then the steady state; every one of them is published.
+MarchEnd March(const HeatCase& run, HeatProblem& heat, ResultSeries& results) {
+    const Interrupt interrupt;
+    Progress progress("heat", run.steps + 1, std::cout, StandardOutputIsTerminal());
+    MarchEnd end;
     double step = run.firstStep;
-    for (int i = 1; i <= run.steps + 1; ++i, step *= stepGrowth) {
+    for (int i = 1; i <= run.steps + 1 && !end.interrupted; ++i, step *= stepGrowth) {
         const bool steady = i > run.steps;
-        time += step;
-        solve = heat.Advance(steady ? 0.0 : step);
+        end.time += step;
+        end.solve = heat.Advance(steady ? 0.0 : step);
         heat.Publish();
-        results.Write(time, i);
-        progress.StepDone((steady ? "steady, " : "") + StatusLine(time, solve, heat.Balance()));
+        results.Write(end.time, i);
+        progress.StepDone((steady ? "steady, " : "") +
+                          StatusLine(end.time, end.solve, heat.Balance()));
+        end.interrupted = !steady && interrupt.Requested();
     }
-    return solve;
+    return end;
 }
 
 }  // namespace
@@ -136,16 +145,23 @@ int RunHeat(const HeatCase& run) {
     WriteDonorTable(mesh, link, run.outputDir);
     HeatProblem heat(mesh, objects, link, run.matrixSolver);
     ResultSeries results(mesh, objects, link, run.outputDir, "Temperature", "HeatFlux");
-    const SolveReport steady = March(run, heat, results);
-    PrintBalance(heat.Balance(), mesh.IsQuasi2d());
+    const MarchEnd end = March(run, heat, results);
+    if (!end.interrupted) {
+        PrintBalance(heat.Balance(), mesh.IsQuasi2d());
+    }
     const std::string series = results.Finish();  // the toolbox prints what it merges
     std::cout << "Results: " << series
               << (link.IsOverset() ? " (Pressure is the temperature, Velocity the heat flux)\n"
                                    : "\n");
-    if (!steady.Converged()) {
+    if (end.interrupted) {
+        std::cout << fmt::format(
+            "Interrupted at t = {:.4g}: the results up to there are complete.\n", end.time);
+        return Interrupt::exitCode;
+    }
+    if (!end.solve.Converged()) {
         throw std::runtime_error(
             fmt::format("{}: the steady state stopped at residual {:.1e}, wanted {:.1e}",
-                        run.meshFile, steady.finalResidual, steady.target));
+                        run.meshFile, end.solve.finalResidual, end.solve.target));
     }
     return 0;
 }

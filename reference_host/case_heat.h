@@ -66,7 +66,7 @@ private:
 };
 
 /// Runs the case and prints where the results are.
-/// @return 0, the exit code
+/// @return the exit code: 0, or Interrupt::exitCode after Ctrl-C, with the steps so far complete
 /// @throws std::runtime_error  one line: bad mesh, no body, output directory not writable, steady
 ///         state not solved
 int RunHeat(const HeatCase& run);

@@ -11,17 +11,20 @@ volatile std::sig_atomic_t requested = 0;
 extern "C" void NoteInterrupt(int) {
     requested = 1;
     std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
 }
 
 }  // namespace
 
 Interrupt::Interrupt() {
     requested = 0;
-    previous = std::signal(SIGINT, NoteInterrupt);
+    previousInterrupt = std::signal(SIGINT, NoteInterrupt);
+    previousTermination = std::signal(SIGTERM, NoteInterrupt);
 }
 
 Interrupt::~Interrupt() {
-    std::signal(SIGINT, previous);
+    std::signal(SIGINT, previousInterrupt);
+    std::signal(SIGTERM, previousTermination);
 }
 
 bool Interrupt::Requested() const {

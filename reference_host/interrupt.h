@@ -3,12 +3,12 @@
 
 namespace host {
 
-/// While it lives, the first Ctrl-C (SIGINT) is only noted, so that a run can end in good order;
-/// the second ends the program at once. One object at a time.
+/// While it lives, the first Ctrl-C (SIGINT) or SIGTERM, as batch systems send it, is only noted,
+/// so that a run can end in good order; the second ends the program at once. One object at a time.
 class Interrupt {
 public:
     Interrupt();
-    /// Brings back what SIGINT did before.
+    /// Brings back what both signals did before.
     ~Interrupt();
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
@@ -18,7 +18,8 @@ public:
     static constexpr int exitCode = 130;  ///< what shells show for a program ended by SIGINT
 
 private:
-    void (*previous)(int);
+    void (*previousInterrupt)(int);
+    void (*previousTermination)(int);
 };
 
 }  // namespace host

@@ -1,11 +1,17 @@
+#include <csignal>
+#include <cstdio>
 #include <exception>
 #include <iostream>
+#include <new>
+#include <sstream>
+#include <stdexcept>
+#include <string>
 
 #include "reference_host/command_line.h"
 
-/// A small flow solver that hosts the toolbox; `reference_host --help` lists its cases.
-int main(int argc, char** argv) try {
-    const host::Command command = host::ReadCommand(argc, argv);
+namespace {
+
+int Run(const host::Command& command) {
     switch (command.task) {
         case host::Task::Cylinder:
             return host::RunCylinder(command.cylinder);
@@ -23,7 +29,38 @@ int main(int argc, char** argv) try {
             std::cout << command.help;
     }
     return 0;
+}
+
+/// A log cut short by a full disk or a closed pager is no success.
+void RequireWrittenOutput() {
+    if (!std::cout.flush() || std::fflush(stdout) != 0) {
+        throw std::runtime_error(
+            "standard output could not be written to its end; result files are not affected");
+    }
+}
+
+/// One line for each fault.
+void PrintError(const std::string& text) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        std::cerr << "reference_host: " << line << '\n';
+    }
+}
+
+}  // namespace
+
+/// A small flow solver that hosts the toolbox; `reference_host --help` lists its cases.
+int main(int argc, char** argv) try {
+#ifdef SIGPIPE
+    std::signal(SIGPIPE, SIG_IGN);  // a closed pager must not cost a long run its results
+#endif
+    const int code = Run(host::ReadCommand(argc, argv));
+    RequireWrittenOutput();
+    return code;
+} catch (const std::bad_alloc&) {
+    PrintError("out of memory: take a coarser mesh");
+    return 1;
 } catch (const std::exception& error) {
-    std::cerr << "reference_host: " << error.what() << '\n';
+    PrintError(error.what());
     return 1;
 }

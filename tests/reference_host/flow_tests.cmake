@@ -8,7 +8,7 @@ kvx3d_add_host_test(reference_host_flow_tests FULL SOURCES
 
 # Ctrl-C in the middle of a run, as a user sees it.
 add_test(NAME ReferenceHostInterrupt
-  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/interrupt_run.sh ${CMAKE_CURRENT_BINARY_DIR}/interrupted_run
+  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/interrupt_run.sh INT ${CMAKE_CURRENT_BINARY_DIR}/interrupted_run
           $<TARGET_FILE:reference_host> cylinder --set n=10)
 set_tests_properties(ReferenceHostInterrupt PROPERTIES
   TIMEOUT 300 ENVIRONMENT "${kvx3d_test_environment}")

@@ -1,9 +1,10 @@
 #!/bin/sh
-# interrupt_run.sh OUTPUT_DIR PROGRAM ARGUMENTS...
-# Sends SIGINT to a running case as soon as it reports an iteration. Succeeds if it says so, exits
-# with 130 and leaves a complete series in OUTPUT_DIR.
-output=$1
-shift
+# interrupt_run.sh SIGNAL OUTPUT_DIR PROGRAM ARGUMENTS...
+# Sends the signal (INT, TERM) to a running case as soon as it reports an iteration or time step.
+# Succeeds if it says so, exits with 130 and leaves a complete series in OUTPUT_DIR.
+signal=$1
+output=$2
+shift 2
 rm -rf "$output"
 mkdir -p "$output"
 mkfifo "$output/lines"
@@ -12,8 +13,8 @@ program=$!
 said=no
 while read -r line; do
     case "$line" in
-        "cylinder 10:"*) kill -INT "$program" ;;
-        "Interrupted after iteration"*) said=yes ;;
+        "cylinder 10:"* | "heat 2/"*) kill -"$signal" "$program" ;;
+        "Interrupted a"*) said=yes ;;
     esac
 done <"$output/lines"
 wait "$program"

@@ -50,3 +50,22 @@ kvx3d_add_error_test(MmsNeedsItsNumbers "kind"
   mms --mesh ${meshes}/channel_cylinder_overset.geo --kind 0 --n 5)
 kvx3d_add_error_test(MissedLimit "L2 error"
   mms --kind 1 --n 20 --scheme quick --mu 1 --check)
+
+# A long march stopped by Ctrl-C and by a batch system keeps its steps.
+foreach(signal INT TERM)
+  add_test(NAME ReferenceHostInterruptedHeat.${signal}
+    COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/interrupt_run.sh
+            ${signal} ${CMAKE_CURRENT_BINARY_DIR}/interrupted_heat_${signal}
+            $<TARGET_FILE:reference_host> heat
+            --mesh ${meshes}/channel_cylinder_overset.geo --set n=5 --steps 5000)
+  set_tests_properties(ReferenceHostInterruptedHeat.${signal} PROPERTIES
+    TIMEOUT 120 ENVIRONMENT "${kvx3d_test_environment}")
+endforeach()
+
+# Standard output on a full disk, and into a pager that was closed.
+add_test(NAME ReferenceHostLostOutput
+  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/lost_output.sh ${CMAKE_CURRENT_BINARY_DIR}/lost_output
+          $<TARGET_FILE:reference_host> heat
+          --mesh ${meshes}/channel_cylinder_overset.geo --set n=5 --steps 2)
+set_tests_properties(ReferenceHostLostOutput PROPERTIES
+  TIMEOUT 120 ENVIRONMENT "${kvx3d_test_environment}")
