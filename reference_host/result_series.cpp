@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -21,13 +22,32 @@ namespace fs = std::filesystem;
 std::string singleGridProject = "VTK_Flow_Results";  // not const: the tool takes char*
 constexpr const char* oversetProject = "VTK_Overset_Flow_Results";  // the facade's own name
 
-int CountRecords(const std::string& pvdPath) {
+/// A file that a full disk cut short lacks its end.
+bool IsComplete(const fs::path& vtuPath) {
+    const std::string end = "</VTKFile>";
+    std::ifstream file(vtuPath, std::ios::binary | std::ios::ate);
+    const std::streamoff size = file ? static_cast<std::streamoff>(file.tellg()) : 0;
+    std::string tail(std::min<std::size_t>(static_cast<std::size_t>(size), end.size() + 2), ' ');
+    file.seekg(size - static_cast<std::streamoff>(tail.size()));
+    return file.read(tail.data(), static_cast<std::streamsize>(tail.size())) &&
+           tail.find(end) != std::string::npos;
+}
+
+/// Records of a series whose files are whole.
+int CountSteps(const std::string& pvdPath) {
+    const std::string attribute = "file=\"";
     std::ifstream pvd(pvdPath);
-    int records = 0;
+    int steps = 0;
     for (std::string line; std::getline(pvd, line);) {
-        records += line.find("<DataSet ") != std::string::npos ? 1 : 0;
+        const std::size_t at = line.find(attribute);
+        if (line.find("<DataSet ") == std::string::npos || at == std::string::npos) {
+            continue;
+        }
+        const std::size_t begin = at + attribute.size();
+        const std::string name = line.substr(begin, line.find('"', begin) - begin);
+        steps += IsComplete(fs::path(pvdPath).parent_path() / name) ? 1 : 0;
     }
-    return records;
+    return steps;
 }
 
 }  // namespace
@@ -112,11 +132,11 @@ std::string ResultSeries::Finish() {
     } else {
         link.Toolbox()->PostRunVTKDataSMP();
     }
-    const int records = CountRecords(pvdPath);
-    if (records < stepCount) {
+    const int complete = CountSteps(pvdPath);
+    if (complete < stepCount) {
         throw std::runtime_error(
-            fmt::format("{} lists {} of {} steps: not every result file could be written", pvdPath,
-                        records, stepCount));
+            fmt::format("{} has {} of {} steps whole: not every result file could be written",
+                        pvdPath, complete, stepCount));
     }
     return pvdPath;
 }

@@ -90,7 +90,20 @@ TEST_F(SingleGridSeries, StepThatCouldNotBeWrittenIsReported) {
 
     const std::string message = MessageOf([&] { series.Finish(); });
 
-    EXPECT_NE(message.find("lists 0 of 1 steps"), std::string::npos) << message;
+    EXPECT_NE(message.find("has 0 of 1 steps"), std::string::npos) << message;
+}
+
+TEST_F(SingleGridSeries, StepThatWasCutShortIsReported) {
+    ResultSeries series(mesh, objects, link, directory.Text());
+    series.Write(0.0, 1);
+    series.Write(1.0, 2);
+    const auto second =
+        directory.Path() / "VTK_Flow_Results_0" / "VTK_Flow_Results_Itr2_T1_P0_B1.vtu";
+    std::filesystem::resize_file(second, std::filesystem::file_size(second) / 2);
+
+    const std::string message = MessageOf([&] { series.Finish(); });
+
+    EXPECT_NE(message.find("has 1 of 2 steps whole"), std::string::npos) << message;
 }
 
 TEST_F(SingleGridSeries, OldSeriesDoesNotPassForTheNewOne) {
