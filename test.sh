@@ -31,7 +31,8 @@ mkdir -p build
 echo "== Release build"
 build build/release -DCMAKE_BUILD_TYPE=Release
 echo "== Sanitizer build"
-build build/sanitize -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKVX3D_SANITIZE=address,undefined
+build build/sanitize -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKVX3D_SANITIZE=address,undefined \
+    -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1"  # half the compile time of -O2 -g
 
 echo "== Tests under AddressSanitizer and UndefinedBehaviorSanitizer"
 ctest --test-dir build/sanitize -j "$jobs" --output-on-failure -LE 'full|release' --progress
