@@ -86,6 +86,8 @@ std::optional<Limits> LimitsOf(Scheme scheme, int n) {
             return Limits{0.05, 0.12, 0.02, 1e-3};
         case 7:
             return Limits{0.04, 0.08, 0.01, 5e-4};
+        case 10:
+            return Limits{0.025, 0.04, 0.005, 2e-4};
         default:
             return std::nullopt;
     }

@@ -17,11 +17,12 @@ namespace host {
 /// origin, the stream runs along x. Behind the sphere the flow runs back, inside a closed ring
 /// vortex that is steady and axisymmetric up to a Reynolds number of about 210.
 ///
-/// Sources of the drag: R. Clift, J. R. Grace, M. E. Weber, Bubbles, Drops, and Particles, Academic
-/// Press 1978, table 5.2: Cd = 24 / Re (1 + 0.1935 Re^0.6305), 1.087 at Re = 100. Of both values:
-/// T. A. Johnson, V. C. Patel, J. Fluid Mech. 378 (1999) 19-70, doi:10.1017/S0022112098003206.
-/// Length of the vortex by experiment: S. Taneda, J. Phys. Soc. Japan 11 (1956) 1104-1108,
-/// doi:10.1143/JPSJ.11.1104.
+/// The drag lies between two correlations of experiments: 1.087 by R. Clift, J. R. Grace, M. E.
+/// Weber, Bubbles, Drops, and Particles, Academic Press 1978, table 5.2: 24 / Re (1 + 0.1935
+/// Re^0.6305), and 1.092 by L. Schiller, A. Naumann, Z. Ver. Dtsch. Ing. 77 (1933) 318-320: 24 / Re
+/// (1 + 0.15 Re^0.687). Length of the vortex: T. A. Johnson, V. C. Patel, J. Fluid Mech. 378 (1999)
+/// 19-70, doi:10.1017/S0022112098003206, computed; S. Taneda, J. Phys. Soc. Japan 11 (1956)
+/// 1104-1108, doi:10.1143/JPSJ.11.1104, by experiment.
 namespace benchmarksphere {
 
 constexpr double viscosity = 1.0 / 100.0;
@@ -69,7 +70,7 @@ struct Limits {
 /// combinations.
 std::optional<Limits> LimitsOf(Scheme scheme, int n);
 /// What there are limits for, for messages.
-constexpr char checkable[] = "lud at n = 5 and 7";
+constexpr char checkable[] = "lud at n = 5, 7 and 10";
 
 /// What misses the limits, one sentence each.
 std::vector<std::string> Misses(const Result& result, const Limits& limits);
