@@ -24,6 +24,8 @@ FlowSettings CylinderFlow(const CylinderCase& run, const Mesh& mesh) {
     settings.inlet = benchmark2d1::Inflow(mesh);
     settings.mu = 1.0 / run.reynolds;
     settings.scheme = run.scheme;
+    settings.momentumSolver = run.matrixSolver;
+    settings.pressureSolver = run.pressureSolver.value_or(run.matrixSolver);
     settings.relaxation = run.relaxation.value_or(DefaultRelaxation(CellsPerUnit(mesh)));
     return settings;
 }

@@ -7,6 +7,7 @@
 #include "reference_host/benchmark_2d1.h"
 #include "reference_host/mesh_reader.h"
 #include "reference_host/scheme.h"
+#include "reference_host/solver_matrix.h"
 
 namespace host {
 
@@ -23,6 +24,8 @@ struct CylinderCase {
     Scheme scheme = Scheme::LinearUpwind;
     double reynolds = benchmark2d1::reynolds;  ///< by diameter and mean inflow velocity
     std::optional<double> relaxation;  ///< of momentum; default by the mesh's cells per diameter
+    MatrixSolver matrixSolver = MatrixSolver::Bicgstab;
+    std::optional<MatrixSolver> pressureSolver;  ///< of the pressure; default the one above
     std::string outputDir = "cylinder_results";
     int stepsEvery = 20;       ///< iterations between two steps of the result series
     int maxIterations = 2000;  ///< the run fails if it has not converged by then

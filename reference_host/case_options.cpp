@@ -165,16 +165,26 @@ CaseOption CheckOption(bool& field) {
     return Flag({"", "check", "--check", "exit 1 if a figure misses its limit"}, field);
 }
 
+MatrixSolver ReadMatrixSolver(const std::string& name) {
+    const auto solver = MatrixSolverNamed(name);
+    if (!solver) {
+        RefuseName("bicgstab, samg", name);
+    }
+    return *solver;
+}
+
 CaseOption SolverOption(MatrixSolver& field) {
     return Option({"solver", "matrix", "--solver",
                    "matrix solver: bicgstab (the toolbox's) or samg (the external library's)"},
-                  ValueKind::Text, Name(field), [&field](const auto& values) {
-                      const auto solver = MatrixSolverNamed(values.at(0));
-                      if (!solver) {
-                          RefuseName("bicgstab, samg", values.at(0));
-                      }
-                      field = *solver;
-                  });
+                  ValueKind::Text, Name(field),
+                  [&field](const auto& values) { field = ReadMatrixSolver(values.at(0)); });
+}
+
+CaseOption PressureSolverOption(std::optional<MatrixSolver>& field) {
+    return Option({"solver", "pressure_matrix", "--pressure-solver",
+                   "matrix solver of the pressure alone; default that of --solver"},
+                  ValueKind::Text, "",
+                  [&field](const auto& values) { field = ReadMatrixSolver(values.at(0)); });
 }
 
 CaseOption SchemesOption(std::vector<Scheme>& field) {
@@ -216,6 +226,8 @@ std::vector<CaseOption> FlowOptions(FlowCase& run) {
                 "of the momentum equations; default by the mesh: 0.9 up to 10 cells a diameter, "
                 "0.95 at 20, 0.975 at 40"},
                run.relaxation, Within(0.01, 0.999)),
+        SolverOption(run.matrixSolver),
+        PressureSolverOption(run.pressureSolver),
         Whole({"solver", "iterations", "--iterations", "most iterations"}, run.maxIterations,
               count),
         OutputOption(run.outputDir),

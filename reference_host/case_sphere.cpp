@@ -23,6 +23,8 @@ FlowSettings SphereFlow(const SphereCase& run, const Mesh& mesh) {
     settings.farWalls = benchmarksphere::Stream();
     settings.mu = benchmarksphere::viscosity;
     settings.scheme = run.scheme;
+    settings.momentumSolver = run.matrixSolver;
+    settings.pressureSolver = run.pressureSolver.value_or(run.matrixSolver);
     settings.relaxation = run.relaxation.value_or(DefaultRelaxation(CellsPerUnit(mesh)));
     return settings;
 }

@@ -6,6 +6,7 @@
 
 #include "reference_host/mesh_reader.h"
 #include "reference_host/scheme.h"
+#include "reference_host/solver_matrix.h"
 
 namespace host {
 
@@ -21,6 +22,8 @@ struct SphereCase {
     MeshParameters parameters;  ///< numbers for a .geo
     Scheme scheme = Scheme::LinearUpwind;
     std::optional<double> relaxation;  ///< of momentum; default by the background cells a diameter
+    MatrixSolver matrixSolver = MatrixSolver::Bicgstab;
+    std::optional<MatrixSolver> pressureSolver;  ///< of the pressure; default the one above
     std::string outputDir = "sphere_results";
     int stepsEvery = 20;       ///< iterations between two steps of the result series
     int maxIterations = 1000;  ///< the run fails if it has not converged by then

@@ -29,6 +29,7 @@ FlowRun::FlowRun(const Mesh& mesh, HostObjects& objects_, OversetLink& link,
     : objects(objects_),
       settings(settings_),
       relaxation(flow_.relaxation),
+      countsPressure(flow_.pressureSolver == MatrixSolver::Bicgstab),
       figures(std::move(figures_)),
       flow(mesh, objects_, link, flow_),
       results(mesh, objects_, link, settings_.outputDir),
@@ -99,11 +100,13 @@ void FlowRun::Fail(End end) const {
 
 void FlowRun::PrintEffort() const {
     std::cout << fmt::format("  {:<20} {:15.2e}\n", "mass defect", flow.MassDefect())
-              << fmt::format("  {:<20} {:15}\n", "outer iterations", iteration)
-              << fmt::format("  {:<20} {:15.1f}  at most {}\n", "pressure iterations",
-                             static_cast<double>(pressureIterations) / std::max(iteration, 1),
-                             mostPressureIterations)
-              << fmt::format("  {:<20} {:15.1f}\n", "CPU seconds", seconds);
+              << fmt::format("  {:<20} {:15}\n", "outer iterations", iteration);
+    if (countsPressure) {
+        std::cout << fmt::format("  {:<20} {:15.1f}  at most {}\n", "pressure iterations",
+                                 static_cast<double>(pressureIterations) / std::max(iteration, 1),
+                                 mostPressureIterations);
+    }
+    std::cout << fmt::format("  {:<20} {:15.1f}\n", "CPU seconds", seconds);
 }
 
 int FlowRun::PrintEnd(End end) const {

@@ -64,6 +64,7 @@ private:
     HostObjects& objects;
     const FlowRunSettings settings;
     const double relaxation;
+    const bool countsPressure;  // SAMG tells no iterations
     const Figures figures;
     FlowSolver flow;
     ResultSeries results;

@@ -17,9 +17,9 @@ FlowSolver::FlowSolver(const Mesh& mesh_, HostObjects& objects, const OversetLin
     : mesh(mesh_),
       link(link_),
       conditions(mesh_, link_, settings.inlet, settings.farWalls),
-      momentum(mesh_, objects, link_, conditions, settings.scheme, settings.mu,
-               settings.relaxation),
-      pressure(mesh_, objects, link_, conditions, settings.relaxation),
+      momentum(mesh_, objects, link_, conditions, settings.scheme, settings.mu, settings.relaxation,
+               settings.momentumSolver),
+      pressure(mesh_, objects, link_, conditions, settings.relaxation, settings.pressureSolver),
       fields(objects.CellAndGhostCount()),
       flux(&momentum.records.gv, /*shared=*/false) {
     momentum.equation.solver.SetTolerance(settings.momentumTolerance);

@@ -5,6 +5,7 @@
 #include "reference_host/momentum.h"
 #include "reference_host/pressure_correction.h"
 #include "reference_host/scheme.h"
+#include "reference_host/solver_matrix.h"
 
 namespace host {
 
@@ -17,6 +18,10 @@ struct FlowSettings {
     double relaxation = 0.9;          ///< a of the momentum equations, between 0 and 1
     double momentumTolerance = 1e-2;  ///< residual reductions of the linear solver
     double pressureTolerance = 1e-1;
+    /// SAMG works down to the tolerance of the first guess' residual, BiCGSTAB to that after its
+    /// first iteration: the fields agree once converged, not on the way.
+    MatrixSolver momentumSolver = MatrixSolver::Bicgstab;
+    MatrixSolver pressureSolver = MatrixSolver::Bicgstab;
     int maxSolverIterations = 2000;  ///< of one linear solve: some matrices, as of central
                                      ///< differences at low viscosity, are beyond the solver
 };

@@ -22,10 +22,10 @@ double Weight(const int* ids, const double* coefs, int cell) {
 
 Momentum::Momentum(const Mesh& mesh, HostObjects& objects_, const OversetLink& link,
                    const FlowConditions& conditions_, Scheme scheme_, double mu_,
-                   double relaxation_)
+                   double relaxation_, MatrixSolver matrixSolver)
     : builder(mesh, objects_, link, GradientSet::Velocity),
       records(builder, objects_, FarPointOf(scheme_)),
-      equation(builder, records, ReachOf(scheme_)),
+      equation(builder, records, ReachOf(scheme_), matrixSolver),
       mu(mu_),
       objects(objects_),
       conditions(conditions_),

@@ -23,8 +23,10 @@ public:
     ///
     /// @param mu          viscosity
     /// @param relaxation  a, between 0 and 1: (1 - a) / a of a* is added to the diagonal
+    /// @param matrixSolver  of the linear systems
     Momentum(const Mesh& mesh, HostObjects& objects, const OversetLink& link,
-             const FlowConditions& conditions, Scheme scheme, double mu, double relaxation);
+             const FlowConditions& conditions, Scheme scheme, double mu, double relaxation,
+             MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
 
     /// Sums convection with these fluxes, diffusion and relaxation into the matrix.
     void Assemble(CMAFVMFaceVariableAll& flux);

@@ -9,10 +9,10 @@ namespace host {
 
 PressureCorrection::PressureCorrection(const Mesh& mesh, HostObjects& objects_,
                                        const OversetLink& link, const FlowConditions& conditions_,
-                                       double relaxation_)
+                                       double relaxation_, MatrixSolver matrixSolver)
     : builder(mesh, objects_, link, GradientSet::Pressure),
       records(builder, objects_, FarPoint::LinearUpwind),
-      equation(builder, records, Reach::Normal),
+      equation(builder, records, Reach::Normal, matrixSolver),
       objects(objects_),
       conditions(conditions_),
       relaxation(relaxation_),

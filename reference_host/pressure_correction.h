@@ -25,7 +25,8 @@ class PressureCorrection {
 public:
     /// Borrows its objects; `relaxation` is that of the momentum equations.
     PressureCorrection(const Mesh& mesh, HostObjects& objects, const OversetLink& link,
-                       const FlowConditions& conditions, double relaxation);
+                       const FlowConditions& conditions, double relaxation,
+                       MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
 
     /// Sets D from a* by cell, entries 1..Nc. Before the first call D and E are zero.
     void SetCoefficients(const std::vector<double>& momentumCoefficients);

@@ -81,6 +81,18 @@ TEST(CommandLine, EveryScalarCaseTakesASolver) {
               MatrixSolver::Samg);
 }
 
+TEST(CommandLine, FlowTakesASolverForEachEquation) {
+    using host::MatrixSolver;
+
+    const Command plain = Read({"sphere"});
+    EXPECT_EQ(plain.sphere.matrixSolver, MatrixSolver::Bicgstab);
+    EXPECT_FALSE(plain.sphere.pressureSolver.has_value());
+    EXPECT_EQ(Read({"sphere", "--solver", "samg"}).sphere.matrixSolver, MatrixSolver::Samg);
+    const Command both = Read({"cylinder", "--solver", "bicgstab", "--pressure-solver", "samg"});
+    EXPECT_EQ(both.cylinder.matrixSolver, MatrixSolver::Bicgstab);
+    EXPECT_EQ(both.cylinder.pressureSolver, MatrixSolver::Samg);
+}
+
 TEST(CommandLine, NonmatchingTakesPairsOfSizesInTheirOrder) {
     const Command command = Read({"nonmatching", "--n", "4,8", "--m", "9,18", "--whole", "block1",
                                   "--set", "lz=1", "--check"});
