@@ -323,7 +323,9 @@ Mesh BuildMesh(const GmshMesh& found) {
 void CheckFileName(const std::string& file, const std::string& extension,
                    const MeshParameters& parameters) {
     if (!std::filesystem::is_regular_file(file)) {
-        throw std::runtime_error("no such file: give the path of a .msh or .geo file");
+        throw std::runtime_error(
+            fmt::format("{}: give the path of a .msh or .geo file",
+                        std::filesystem::exists(file) ? "this is no file" : "no such file"));
     }
     if (extension != ".msh" && extension != ".geo") {
         throw std::runtime_error("the name must end in .msh or .geo");
@@ -353,9 +355,8 @@ GmshMesh ReadModel(const std::string& file, const MeshParameters& parameters) {
     } catch (const std::exception& error) {
         throw std::runtime_error(fmt::format(
             "Gmsh reports \"{}\": {}", error.what(),
-            extension == ".geo"
-                ? "correct the geometry until Gmsh meshes it"
-                : "write it anew with linear tetrahedra, hexahedra, prisms and pyramids only"));
+            extension == ".geo" ? "correct the geometry or its parameters"
+                                : "it may be cut short; write it anew, with linear elements only"));
     }
     GmshMesh found;
     session.Run([&] {

@@ -11,6 +11,14 @@ DefineConstant[
   m  = {12, Name "Parameters/Cells per unit length, block1"},
   lz = {0,  Name "Parameters/Thickness"}
 ];
+If (n < 1 || n > 1000 || m < 1 || m > 1000)
+  Error("n and m must be 1 to 1000, not %g and %g", n, m);
+  Abort;
+EndIf
+If (lz < 0 || lz * n > 1000 || lz * m > 1000)
+  Error("lz must be 0 to 1000 cells, not %g", lz);
+  Abort;
+EndIf
 l = 2;
 flat[] = {};  side[] = {};
 For b In {0:1}

@@ -17,6 +17,10 @@ DefineConstant[
   xw = {2.0,  Name "Parameters/End of the uniform zone in the wake"},
   gr = {1.3,  Name "Parameters/Growth from cell to cell outside the uniform zone"}
 ];
+If (n < 1 || n > 60)
+  Error("n must be 1 to 60, not %g", n);
+  Abort;
+EndIf
 h = 1.0 / n;  ri = 0.5;
 
 // ---- shell: tetrahedra that grow linearly with the radius

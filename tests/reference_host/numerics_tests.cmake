@@ -41,6 +41,14 @@ kvx3d_add_error_test(MissingGroups "no_groups.geo"
   heat --mesh ${scratch}/no_groups.geo --output ${scratch}/out)
 kvx3d_add_error_test(UnknownNumber "wings"
   heat --mesh ${meshes}/channel_cylinder_overset.geo --set wings=2 --output ${scratch}/out)
+kvx3d_add_error_test(CellsOutOfRange "n must be 1 to 400, not 0"
+  heat --mesh ${meshes}/channel_cylinder_overset.geo --set n=0 --output ${scratch}/out)
+kvx3d_add_error_test(CellsByTheBillion "n must be 1 to 400, not 1e+09"
+  heat --mesh ${meshes}/channel_cylinder_overset.geo --set n=1e9 --output ${scratch}/out)
+kvx3d_add_error_test(KindOutOfRange "kind must be 0, 1, 2, 3 or 4, not 9"
+  mms --kind 9 --n 5)
+kvx3d_add_error_test(MeshIsADirectory "this is no file"
+  heat --mesh ${meshes} --output ${scratch}/out)
 kvx3d_add_error_test(OutputUnderAFile "cannot be made"
   heat --mesh ${meshes}/channel_cylinder_overset.geo --set n=5
        --output ${scratch}/plain_file/results)
