@@ -353,10 +353,11 @@ GmshMesh ReadModel(const std::string& file, const MeshParameters& parameters) {
             }
         });
     } catch (const std::exception& error) {
-        throw std::runtime_error(fmt::format(
-            "Gmsh reports \"{}\": {}", error.what(),
-            extension == ".geo" ? "correct the geometry or its parameters"
-                                : "it may be cut short; write it anew, with linear elements only"));
+        throw std::runtime_error(
+            fmt::format("Gmsh reports \"{}\": {}", error.what(),
+                        extension == ".geo" ? "correct the geometry or its parameters"
+                                            : "it may be cut short; write it anew, of linear "
+                                              "tetrahedra, hexahedra, prisms and pyramids only"));
     }
     GmshMesh found;
     session.Run([&] {
