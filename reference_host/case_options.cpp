@@ -17,7 +17,7 @@ struct Place {
     const char* table;
     const char* key;
     const char* option;
-    const char* help;
+    std::string help;
 };
 
 /// What a number must be, as "at least 1"; empty if it is.
@@ -188,7 +188,7 @@ CaseOption PressureSolverOption(std::optional<MatrixSolver>& field) {
 }
 
 CaseOption SchemesOption(std::vector<Scheme>& field) {
-    return Option({"schemes", "transport", "--scheme", "names of schemes, or all"},
+    return Option({"schemes", "transport", "--scheme", "all, or some of " + SchemeNames()},
                   ValueKind::Texts, Name(field.at(0)),
                   [&field](const auto& values) { field = ReadSchemes(values); });
 }
@@ -216,8 +216,8 @@ template <class FlowCase>
 std::vector<CaseOption> FlowOptions(FlowCase& run) {
     const Limit count = Within(1, 1000000);
     const CaseOption scheme = Option(
-        {"schemes", "transport", "--scheme", "name of a scheme with convection"}, ValueKind::Text,
-        Name(run.scheme),
+        {"schemes", "transport", "--scheme", "one of " + SchemeNames(/*convecting=*/true)},
+        ValueKind::Text, Name(run.scheme),
         [&run](const auto& values) { run.scheme = ReadScheme(values.at(0), /*convecting=*/true); });
     return {
         MeshOption(run.meshFile),
@@ -238,6 +238,14 @@ std::vector<CaseOption> FlowOptions(FlowCase& run) {
 }
 
 void NothingToComplete(const std::vector<CaseOption>&) {}
+
+/// A study that sets numbers of the .geo itself would drop what was given for them.
+void RefuseParameter(const MeshParameters& parameters, const char* name, const char* option) {
+    if (parameters.count(name) > 0) {
+        throw std::runtime_error(
+            fmt::format("parameter \"{}\": the study takes it from {}", name, option));
+    }
+}
 
 bool IsGiven(const std::vector<CaseOption>& options, const std::string& option) {
     return std::any_of(options.begin(), options.end(),
@@ -329,6 +337,13 @@ CaseOptions OptionsOf(MmsCase& run) {
                 if (IsGiven(options, "--mesh") && !IsGiven(options, "--kind")) {
                     run.kinds.clear();
                 }
+                RefuseParameter(run.parameters, "n", "--n");
+                if (!run.kinds.empty()) {
+                    RefuseParameter(run.parameters, "kind", "--kind");
+                }
+                if (run.depth) {
+                    RefuseParameter(run.parameters, "nz", "--depth");
+                }
                 std::sort(run.sizes.begin(), run.sizes.end());
                 run.sizes.erase(std::unique(run.sizes.begin(), run.sizes.end()), run.sizes.end());
             }};
@@ -347,7 +362,10 @@ CaseOptions OptionsOf(NonmatchingCase& run) {
         OutputOption(run.outputDir),
         CheckOption(run.check),
     };
-    return {run.parameters, run.meshFile, std::move(list), NothingToComplete};
+    return {run.parameters, run.meshFile, std::move(list), [&run](const std::vector<CaseOption>&) {
+                RefuseParameter(run.parameters, "n", "--n");
+                RefuseParameter(run.parameters, "m", "--m");
+            }};
 }
 
 CaseOptions OptionsOf(DumpCase& run) {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <stdexcept>
@@ -178,6 +179,18 @@ std::vector<std::string> CaseNames() {
     return names;
 }
 
+/// The parser calls a case a subcommand and does not say which there are.
+void RequireCase(const std::vector<std::string>& words) {
+    const std::vector<std::string> names = CaseNames();
+    const bool isOption = !words.empty() && words[0].rfind('-', 0) == 0;
+    if (words.empty() || (!isOption && words[0] != "run" &&
+                          std::find(names.begin(), names.end(), words[0]) == names.end())) {
+        throw std::runtime_error(fmt::format(
+            "{}: give one of {}, or a case file that ends in .toml",
+            words.empty() ? "no case" : '"' + words[0] + "\" is no case", fmt::join(names, ", ")));
+    }
+}
+
 void RequireMesh(const CaseOptions& options, const std::string& caseFile) {
     if (options.meshFile.empty()) {
         throw std::runtime_error(caseFile.empty()
@@ -211,6 +224,7 @@ Command ReadCommand(int argc, const char* const* argv) {
         file.Apply(options.at(name));
         split.words.insert(split.words.begin(), name);
     }
+    RequireCase(split.words);
     std::map<std::string, Subcommand> subcommands;
     for (const NamedCase& known : cases) {
         const auto added = subcommands.emplace(

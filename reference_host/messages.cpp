@@ -36,8 +36,9 @@ std::string FaceName(Boundary kind, int oversetGroup) {
 
 std::string WallFaceAt(const Mesh& mesh, int wallFace) {
     const BoundaryFace& face = mesh.Faces(Boundary::Wall)[wallFace];
-    return fmt::format("{} face, wall face {} {}", FaceName(Boundary::Wall, face.oversetGroup),
-                       wallFace, At(face.centre));
+    const std::string group =
+        face.oversetGroup > 0 ? FaceName(Boundary::Wall, face.oversetGroup) + " face, " : "";
+    return fmt::format("{}wall face {} {}", group, wallFace, At(face.centre));
 }
 
 void Refuse(const std::vector<std::string>& faults) {

@@ -23,7 +23,7 @@ std::string GridName(const Mesh& mesh, int cell);
 /// Name of the physical group of a boundary face: "wall", "overset1", ...
 std::string FaceName(Boundary kind, int oversetGroup);
 
-/// "overset1 face, wall face 17 at (x, y, z)".
+/// "wall face 17 at (x, y, z)", "overset1 face, wall face 17 at (x, y, z)".
 std::string WallFaceAt(const Mesh& mesh, int wallFace);
 
 /// Throws std::runtime_error with the lines, one under the other; does nothing without any.

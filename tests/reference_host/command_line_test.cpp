@@ -1,5 +1,6 @@
 #include "reference_host/command_line.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -146,6 +147,31 @@ TEST(CommandLine, UnknownSchemeListsTheKnownOnes) {
 
     EXPECT_NE(message.find("upwind-cells"), std::string::npos) << message;
     EXPECT_NE(message.find("\"weno\""), std::string::npos) << message;
+}
+
+TEST(CommandLine, UnknownCaseListsTheKnownOnes) {
+    const std::string known =
+        "give one of cylinder, sphere, heat, mms, nonmatching, dump, or a case file that ends in "
+        ".toml";
+    EXPECT_EQ(MessageOf({}), "no case: " + known);
+    EXPECT_EQ(MessageOf({"fly"}), "\"fly\" is no case: " + known);
+}
+
+TEST(CommandLine, HelpNamesTheSchemes) {
+    EXPECT_THAT(Read({"cylinder", "--help"}).help, testing::HasSubstr("central, lud, quick"));
+    EXPECT_THAT(Read({"mms", "--help"}).help, testing::HasSubstr("laplace, diffusion"));
+}
+
+TEST(CommandLine, StudiesDropNoParameter) {
+    EXPECT_EQ(MessageOf({"mms", "--set", "n=5"}), "parameter \"n\": the study takes it from --n");
+    EXPECT_EQ(MessageOf({"nonmatching", "--set", "m=5"}),
+              "parameter \"m\": the study takes it from --m");
+    EXPECT_EQ(MessageOf({"mms", "--set", "kind=1"}),
+              "parameter \"kind\": the study takes it from --kind");
+    EXPECT_EQ(MessageOf({"mms", "--depth", "1", "--set", "nz=2"}),
+              "parameter \"nz\": the study takes it from --depth");
+    EXPECT_EQ(Read({"mms", "--set", "nz=2"}).mms.parameters.size(), 1u);
+    EXPECT_EQ(Read({"mms", "--mesh", "a.geo", "--set", "kind=1"}).mms.parameters.size(), 1u);
 }
 
 TEST(CommandLine, EveryMistakeIsOneLine) {

@@ -30,7 +30,8 @@ file(WRITE ${scratch}/no_mesh.msh "this is no mesh\n")
 file(WRITE ${scratch}/no_groups.geo
   "SetFactory(\"OpenCASCADE\");\nBox(1) = {0, 0, 0, 1, 1, 1};\n")
 
-kvx3d_add_error_test(NoCase "subcommand")
+kvx3d_add_error_test(NoCase "no case: give one of cylinder")
+kvx3d_add_error_test(UnknownCase "\"fly\" is no case: give one of cylinder" fly)
 kvx3d_add_error_test(UnknownOption "wings"
   heat --mesh ${meshes}/channel_cylinder_overset.geo --wings)
 kvx3d_add_error_test(MissingMesh "missing.geo"
@@ -65,7 +66,7 @@ foreach(signal INT TERM)
     COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/interrupt_run.sh
             ${signal} ${CMAKE_CURRENT_BINARY_DIR}/interrupted_heat_${signal}
             $<TARGET_FILE:reference_host> heat
-            --mesh ${meshes}/channel_cylinder_overset.geo --set n=5 --steps 5000)
+            --mesh ${meshes}/channel_cylinder_overset.geo --set n=5 --steps 1000)
   set_tests_properties(ReferenceHostInterruptedHeat.${signal} PROPERTIES
     TIMEOUT 120 ENVIRONMENT "${kvx3d_test_environment}")
 endforeach()
