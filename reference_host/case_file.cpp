@@ -10,6 +10,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "reference_host/geo_parameters.h"
+
 namespace host {
 
 struct CaseFile::Content {
@@ -119,13 +121,14 @@ public:
         : options(options_), path(std::move(path_)) {}
 
     void Root(const toml::table& root) {
+        const toml::table* parameters = nullptr;
         for (const auto& [key, node] : root) {
             const std::string name(key.str());
             const bool isTable = IsTableName(name);
             if (isTable && !node.is_table()) {
                 Add(key, "must be a table, not " + Shown(node));
             } else if (isTable && name == "parameters") {
-                Parameters(*node.as_table());
+                parameters = node.as_table();
             } else if (isTable) {
                 Table(name, *node.as_table());
             } else if (node.is_table()) {
@@ -135,6 +138,9 @@ public:
             } else if (name != "case") {
                 Key("", key, node);
             }
+        }
+        if (parameters) {
+            Parameters(*parameters);  // the mesh that has them is known by now
         }
     }
 
@@ -168,12 +174,28 @@ private:
 
     void Parameters(const toml::table& table) {
         for (const auto& [key, node] : table) {
-            if (IsNumber(node)) {
-                options.parameters[std::string(key.str())] = *node.value<double>();
-            } else {
+            if (!IsNumber(node)) {
                 Add(key, "must be a number, not " + Shown(node));
+            } else if (!HasParameter(std::string(key.str()))) {
+                Add(key, "is no parameter of " +
+                             std::filesystem::path(options.meshFile).filename().string());
+            } else {
+                options.parameters[std::string(key.str())] = *node.value<double>();
             }
         }
+    }
+
+    /// Whether the mesh defines it; a mesh that is still to be named may.
+    bool HasParameter(const std::string& name) const {
+        if (!std::filesystem::is_regular_file(options.meshFile)) {
+            return true;
+        }
+        try {
+            OnelabName(options.meshFile, name);
+        } catch (const std::runtime_error&) {
+            return false;
+        }
+        return true;
     }
 
     void Table(const std::string& name, const toml::table& table) {

@@ -33,10 +33,12 @@ std::string Shipped(const std::string& name) {
     return (std::filesystem::path(KVX3D_TEST_CASE_DIR) / name).string();
 }
 
-/// A case file of a test's own, beside an empty mesh file box.geo.
+/// A case file of a test's own, beside a mesh file box.geo that has parameters and no mesh.
 class CaseFileText : public testing::Test {
 protected:
-    CaseFileText() { Write("box.geo", ""); }
+    CaseFileText() {
+        Write("box.geo", "DefineConstant[ n = {1, Name \"n\"}, ro = {1, Name \"ro\"} ];\n");
+    }
 
     std::string Write(const std::string& name, const std::string& text) const {
         const std::filesystem::path file = directory.Path() / name;
@@ -305,6 +307,9 @@ INSTANTIATE_TEST_SUITE_P(
                 "a.toml:2: \"mesh\" must be a table, not a list"},
         Mistake{"TextForParameter", "case = \"heat\"\n[parameters]\nn = \"ten\"\n",
                 "a.toml:3: \"n\" must be a number, not \"ten\""},
+        Mistake{"UnknownParameter",
+                "case = \"heat\"\n[mesh]\nfile = \"box.geo\"\n[parameters]\nwings = 2\n",
+                "a.toml:5: \"wings\" is no parameter of box.geo"},
         Mistake{"NoCase", "[mesh]\nfile = \"box.geo\"\n",
                 "a.toml:1: \"case\" is missing, one of cylinder, sphere, heat, mms, nonmatching, "
                 "dump"},
