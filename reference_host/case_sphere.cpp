@@ -60,10 +60,14 @@ void RequireSphere(const Mesh& mesh, const OversetLink& link, const std::string&
 }
 
 void WriteWakeAxis(const FlowSolver& flow, const std::string& directory) {
-    std::ofstream file(std::filesystem::path(directory) / "wake_axis.csv");
+    const std::string path = (std::filesystem::path(directory) / "wake_axis.csv").string();
+    std::ofstream file(path);
     file << "x,u\n";
     for (const auto& [x, u] : benchmarksphere::WakeAxis(flow, 6.0, 0.02)) {
         file << fmt::format("{:.3f},{:.8g}\n", x, u);
+    }
+    if (!file.flush()) {
+        throw std::runtime_error(path + ": cannot be written");
     }
 }
 

@@ -46,6 +46,7 @@ FlowRun::End FlowRun::Run() {
         Write();
     }
     pvdPath = results.Finish();  // the toolbox prints what it merges
+    history.RequireWhole();
     if (end == End::Diverged || end == End::OutOfIterations) {
         Fail(end);
     }

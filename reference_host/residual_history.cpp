@@ -22,4 +22,10 @@ void ResidualHistory::Add(int iteration, double change, double massResidual, dou
          << std::flush;
 }
 
+void ResidualHistory::RequireWhole() const {
+    if (!file) {
+        throw std::runtime_error(path + ": not every iteration could be written");
+    }
+}
+
 }  // namespace host

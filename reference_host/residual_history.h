@@ -15,6 +15,9 @@ public:
     /// Writes a line through to the file, so that a run in progress can be plotted.
     void Add(int iteration, double change, double massResidual, double cd, double cl);
 
+    /// @throws std::runtime_error  not every line could be written
+    void RequireWhole() const;
+
     const std::string path;
 
 private:

@@ -238,6 +238,16 @@ TEST(ResidualHistory, HasAHeadingAndALineAnIteration) {
         "iteration,velocity_change,mass_residual,cd,cl\n1,5.000000e-01,1.250000e+00,5.5,-0.01\n");
 }
 
+TEST(ResidualHistory, LineLostOnAFullDiskIsTold) {
+    host::ResidualHistory history("/dev/full");
+    EXPECT_EQ(ErrorOf([&] { history.RequireWhole(); }), "");
+
+    history.Add(1, 0.5, 0.25, 1.0, 0.0);
+
+    EXPECT_EQ(ErrorOf([&] { history.RequireWhole(); }),
+              "/dev/full: not every iteration could be written");
+}
+
 TEST(ResidualHistory, FileThatCannotBeOpenedIsNamed) {
     EXPECT_THAT(ErrorOf([] { host::ResidualHistory("/proc/history.csv"); }),
                 HasSubstr("/proc/history.csv cannot be written"));
