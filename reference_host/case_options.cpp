@@ -308,7 +308,7 @@ CaseOptions OptionsOf(HeatCase& run) {
         Whole({"solver", "steps", "--steps", "time steps before the steady state"}, run.steps,
               Within(0, 10000)),
         Number({"solver", "first_step", "--first-step", "size of the first time step"},
-               run.firstStep, AboveZero()),
+               run.firstStep, Within(1e-9, 1e3)),
         SolverOption(run.matrixSolver),
         OutputOption(run.outputDir),
     };

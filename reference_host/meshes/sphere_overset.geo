@@ -21,6 +21,10 @@ If (n < 1 || n > 60)
   Error("n must be 1 to 60, not %g", n);
   Abort;
 EndIf
+If (ro <= 0.5)
+  Error("ro must be above the radius 0.5, not %g", ro);
+  Abort;
+EndIf
 h = 1.0 / n;  ri = 0.5;
 
 // ---- shell: tetrahedra that grow linearly with the radius

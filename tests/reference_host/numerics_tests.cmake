@@ -50,6 +50,20 @@ kvx3d_add_error_test(KindOutOfRange "kind must be 0, 1, 2, 3 or 4, not 9"
   mms --kind 9 --n 5)
 kvx3d_add_error_test(MeshIsADirectory "this is no file"
   heat --mesh ${meshes} --output ${scratch}/out)
+# Gmsh throws out of a parallel loop there, where nothing can catch it.
+file(WRITE ${scratch}/corners.geo "
+  Point(1) = {0, 0, 0, 1};  Point(2) = {4, 0, 0, 1};  Point(3) = {4, 4, 0, 1};  Point(4) = {0, 4, 0, 1};
+  Point(5) = {1, 1, 0, 1};  Point(6) = {2, 1, 0, 1};  Point(7) = {1, 2, 0, 1};
+  Line(1) = {1, 2};  Line(2) = {2, 3};  Line(3) = {3, 4};  Line(4) = {4, 1};
+  Line(5) = {5, 6};  Line(6) = {6, 7};  Line(7) = {7, 5};
+  Curve Loop(1) = {1, 2, 3, 4};  Curve Loop(2) = {5, 6, 7};
+  Plane Surface(1) = {1, 2};
+  Transfinite Surface {1};
+")
+kvx3d_add_error_test(ThrownWhereNothingCatches "Surface 1 is transfinite but has"
+  heat --mesh ${scratch}/corners.geo --output ${scratch}/out)
+kvx3d_add_error_test(RingWithoutThickness "ro must be above the radius 0.5"
+  cylinder --set ro=0.5 --output ${scratch}/out)
 kvx3d_add_error_test(OutputUnderAFile "cannot be made"
   heat --mesh ${meshes}/channel_cylinder_overset.geo --set n=5
        --output ${scratch}/plain_file/results)
