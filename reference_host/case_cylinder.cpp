@@ -77,7 +77,7 @@ void PrintTable(const CylinderCase& run, const Mesh& mesh, const benchmark2d1::R
 
 int RunCylinder(const CylinderCase& run) {
     PrepareOutputDirectory(run.outputDir);
-    const Mesh mesh = ReadMesh(run.meshFile, run.parameters);
+    const Mesh mesh = ReadGrids(run.meshFile, run.parameters);
     const auto limits = WantedLimits(run, mesh);
     HostObjects objects(mesh, run.outputDir);
     OversetLink link(mesh, objects);

@@ -12,7 +12,7 @@
 namespace host {
 
 int RunDump(const DumpCase& run) {
-    const Mesh mesh = ReadMesh(run.meshFile, run.parameters);
+    const Mesh mesh = ReadGrids(run.meshFile, run.parameters);
     HostObjects objects(mesh, ".");
     Refuse(ContractFaults(objects.gv, objects.fvm));
     CKVX_ACMT_GV gv;

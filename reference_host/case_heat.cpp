@@ -138,7 +138,7 @@ HeatBalance HeatProblem::Balance() const {
 
 int RunHeat(const HeatCase& run) {
     PrepareOutputDirectory(run.outputDir);
-    const Mesh mesh = ReadMesh(run.meshFile, run.parameters);
+    const Mesh mesh = ReadGrids(run.meshFile, run.parameters);
     HostObjects objects(mesh, run.outputDir);
     OversetLink link(mesh, objects);
     RequireBody(mesh, link, run.meshFile);

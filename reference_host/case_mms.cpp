@@ -58,7 +58,7 @@ public:
         : run(run_),
           size(size_),
           directory(PrepareResults(run_, kind, size_)),
-          mesh(ReadMesh(run_.meshFile, ParametersOf(run_, kind, size_))),
+          mesh(ReadGrids(run_.meshFile, ParametersOf(run_, kind, size_))),
           objects(mesh, directory),
           link(mesh, objects),
           exact(WaveFor(mesh)) {

@@ -87,7 +87,7 @@ void PrintTable(const SphereCase& run, const Mesh& mesh, const benchmarksphere::
 
 int RunSphere(const SphereCase& run) {
     PrepareOutputDirectory(run.outputDir);
-    const Mesh mesh = ReadMesh(run.meshFile, run.parameters);
+    const Mesh mesh = ReadGrids(run.meshFile, run.parameters);
     const auto limits = WantedLimits(run, mesh);
     HostObjects objects(mesh, run.outputDir);
     OversetLink link(mesh, objects);

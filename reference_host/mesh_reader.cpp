@@ -380,4 +380,14 @@ Mesh ReadMesh(const std::string& file, const MeshParameters& parameters) {
     }
 }
 
+Mesh ReadGrids(const std::string& file, const MeshParameters& parameters) {
+    Mesh mesh = ReadMesh(file, parameters);
+    if (std::count(mesh.cavity.begin() + 1, mesh.cavity.end(), 0) > 0) {
+        throw std::runtime_error(file +
+                                 ": its volumes are block0 and block1, which the case nonmatching "
+                                 "joins: this case wants background and component1");
+    }
+    return mesh;
+}
+
 }  // namespace host

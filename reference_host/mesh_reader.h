@@ -28,6 +28,9 @@ using MeshParameters = std::map<std::string, double>;
 /// @throws std::runtime_error  one line: the file, what is wrong, where, and what to change
 Mesh ReadMesh(const std::string& file, const MeshParameters& parameters = {});
 
+/// The same for a case that knows background and components only: refuses block0 and block1.
+Mesh ReadGrids(const std::string& file, const MeshParameters& parameters = {});
+
 }  // namespace host
 
 #endif

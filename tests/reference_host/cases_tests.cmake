@@ -21,5 +21,9 @@ kvx3d_add_error_test(NonmatchingSizesDiffer "one m for each n"
   nonmatching --n 4,8 --m 6 --output ${scratch}/out)
 kvx3d_add_error_test(NonmatchingNeedsItsNumbers "no parameter \"m\""
   nonmatching --mesh ${meshes}/box_annulus_overset.geo --n 4 --m 6 --output ${scratch}/out)
+foreach(case heat cylinder sphere mms dump)
+  kvx3d_add_error_test(BlocksIn.${case} "its volumes are block0 and block1"
+    ${case} --mesh ${meshes}/nonmatching_blocks.geo)
+endforeach()
 kvx3d_add_error_test(NothingToJoin "no interface"
   nonmatching --mesh ${scratch}/no_interface.geo --n 1 --m 1 --output ${scratch}/out)
