@@ -12,11 +12,17 @@ GRID_COLOURS = ["#3b6ea5", "#c8553d", "#5a8f4e"]  # background, first and second
 
 
 def steps(pvd):
-    """(time, path) of every data set of a collection, in its order."""
+    """(time, path) of every data set of a collection, in its order; the program ends without any."""
     folder = os.path.dirname(pvd)
+    try:
+        found = list(ET.parse(pvd).getroot().iter("DataSet"))
+    except (OSError, ET.ParseError) as error:
+        sys.exit(f"{pvd} cannot be read: {error}")
+    if not found:
+        sys.exit(f"{pvd} lists no step")
     return [
         (float(data.get("timestep")), os.path.join(folder, data.get("file").replace("\\", "/")))
-        for data in ET.parse(pvd).getroot().iter("DataSet")
+        for data in found
     ]
 
 
