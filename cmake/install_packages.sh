@@ -13,7 +13,7 @@ packages=(
     python3 python3-vtk9 python3-numpy python3-matplotlib  # reading results back, pictures
 )
 if [ "${1:-}" = test ]; then
-    packages+=(libgtest-dev libxml2-utils)
+    packages+=(libgtest-dev libgmock-dev)
 fi
 
 missing=()
