@@ -280,5 +280,3 @@ BENCHMARK_CAPTURE(BM_Operator, QUICK, Quick)->Arg(smallBox)->Arg(largeBox);
 BENCHMARK_CAPTURE(BM_KnownPositions, QUICK, Quick, ListQuick)->Arg(smallBox)->Arg(largeBox);
 
 }  // namespace
-
-BENCHMARK_MAIN();

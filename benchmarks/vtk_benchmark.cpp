@@ -168,5 +168,3 @@ BENCHMARK(BM_LineWrites)->Arg(20)->Arg(58)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_OneWrite)->Arg(20)->Arg(58)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-
-BENCHMARK_MAIN();
