@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "benchmarks/linear_systems.h"
-#include "tests/linear_algebra/plain_bicgstab.h"
+#include "benchmarks/plain/plain_bicgstab.h"
 
 namespace {
 

@@ -13,9 +13,9 @@
 #include <nanoflann.hpp>
 #include <vector>
 
+#include "benchmarks/plain/plain_kd_tree.h"
 #include "overset/kd_tree.h"
 #include "tests/overset/clouds.h"
-#include "tests/overset/plain_kd_tree.h"
 
 namespace {
 

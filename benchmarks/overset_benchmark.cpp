@@ -12,11 +12,11 @@
 #include <memory>
 #include <vector>
 
+#include "benchmarks/plain/plain_overset.h"
 #include "overset/overset_grid_data.h"
 #include "overset/overset_mesh.h"
 #include "overset/overset_mesh_impl.h"
 #include "tests/overset/cylinder_host.h"
-#include "tests/overset/plain_overset.h"
 
 namespace {
 

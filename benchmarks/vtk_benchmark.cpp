@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/vtk_output/plain_vtu_writer.h"
+#include "benchmarks/plain/plain_vtu_writer.h"
 #include "vtk_output/vtk_data.h"
 #include "vtk_output/vtk_xml.h"
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "benchmarks/plain/plain_kd_tree.h"
 #include "overset/overset_grid_data.h"
 #include "tests/overset/cutting.h"
-#include "tests/overset/plain_kd_tree.h"
 #include "tests/support/box_host.h"
 #include "tests/support/output_capture.h"
 #include "tests/support/private_access.h"

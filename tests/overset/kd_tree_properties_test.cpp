@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
+#include "benchmarks/plain/plain_kd_tree.h"
 #include "overset/kd_tree.h"
 #include "overset/nearest_face.h"
 #include "tests/overset/clouds.h"
-#include "tests/overset/plain_kd_tree.h"
 
 namespace {
 

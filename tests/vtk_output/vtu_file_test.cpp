@@ -7,10 +7,10 @@
 #include <random>
 #include <sstream>
 
+#include "benchmarks/plain/plain_vtu_writer.h"
 #include "tests/support/output_capture.h"
 #include "tests/support/temp_directory.h"
 #include "tests/vtk_output/output_support.h"
-#include "tests/vtk_output/plain_vtu_writer.h"
 #include "vtk_output/vtk_xml.h"
 
 namespace {

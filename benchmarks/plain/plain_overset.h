@@ -1,10 +1,10 @@
-#ifndef KVX3D_TESTS_OVERSET_PLAIN_OVERSET_H
-#define KVX3D_TESTS_OVERSET_PLAIN_OVERSET_H
+#ifndef KVX3D_BENCHMARKS_PLAIN_OVERSET_H
+#define KVX3D_BENCHMARKS_PLAIN_OVERSET_H
 
 #include <cmath>
 
+#include "benchmarks/plain/plain_kd_tree.h"
 #include "overset/overset_grid_data.h"
-#include "tests/overset/plain_kd_tree.h"
 
 namespace plain {
 
