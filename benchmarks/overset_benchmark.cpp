@@ -1,15 +1,25 @@
 /// Overset setup and donors on the cylinder family of tests/overset/cylinder_host.h.
 ///
 /// The argument is m, the mesh has 240 m^3 cells. "Setup" is SetFVM() from the host's arrays to
-/// the donor trees, items are cells; "Donors" is one query for each inner face on the hole
-/// boundary, items are faces. The yardstick of each does the same with insertion trees, one search
-/// a cell. Both must agree on every cell and every donor.
+/// the donor trees, its size is the number of cells; "Donors" is one query for each inner face on
+/// the hole boundary, its size is the number of those faces. The yardstick of each does the same
+/// with insertion trees, one search a cell. Both must agree on every cell and every donor.
+///
+/// Memory, in MB of 10^6 bytes asked of operator new during one setup: `peak_MB` above the host's
+/// arrays, and `mesh_MB`, the part of it in the mesh arrays derived from them (areas, ghost tables,
+/// cell lists and states), which both sides share.
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <iostream>
+#include <map>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include "benchmarks/plain/plain_overset.h"
@@ -18,7 +28,60 @@
 #include "overset/overset_mesh_impl.h"
 #include "tests/overset/cylinder_host.h"
 
+// Every block of this program is counted while it lives.
+
 namespace {
+
+std::size_t liveBytes = 0;
+std::size_t peakBytes = 0;
+
+void* Allocate(std::size_t bytes) {
+    void* memory = std::malloc(bytes > 0 ? bytes : 1);
+    if (!memory) {
+        throw std::bad_alloc();
+    }
+    liveBytes += malloc_usable_size(memory);
+    peakBytes = std::max(peakBytes, liveBytes);
+    return memory;
+}
+
+void Release(void* memory) {
+    liveBytes -= malloc_usable_size(memory);
+    std::free(memory);
+}
+
+}  // namespace
+
+void* operator new(std::size_t bytes) {
+    return Allocate(bytes);
+}
+void* operator new[](std::size_t bytes) {
+    return Allocate(bytes);
+}
+void operator delete(void* memory) noexcept {
+    Release(memory);
+}
+void operator delete[](void* memory) noexcept {
+    Release(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    Release(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    Release(memory);
+}
+
+namespace {
+
+/// The peak of the counted bytes since construction.
+class PeakMemory {
+public:
+    PeakMemory() : start(liveBytes) { peakBytes = liveBytes; }
+    double MB() const { return 1e-6 * static_cast<double>(peakBytes - start); }
+
+private:
+    std::size_t start;
+};
 
 /// Keeps the step lines out of the table.
 class QuietOutput {
@@ -56,80 +119,151 @@ struct Plain {
     plain::Overset overset;
 };
 
-bool SameCells(const Ours& ours, const Plain& yardstick) {
-    for (int c = 1; c <= yardstick.data.Nc; ++c) {
-        if (ours.mesh.impl->gridData->cellState[c] != yardstick.data.cellState[c]) {
-            return false;
+/// A host of the family with the last setup of either side. Rows share it: the yardstick alone
+/// takes seconds on the finest mesh.
+class Rig {
+public:
+    static Rig& Of(std::int64_t m) {
+        static std::map<std::int64_t, std::unique_ptr<Rig>> rigs;
+        std::unique_ptr<Rig>& rig = rigs[m];
+        if (!rig) {
+            rig.reset(new Rig(static_cast<int>(m)));
         }
+        return *rig;
     }
-    return true;
-}
 
-std::vector<int> HoleBoundary(Plain& yardstick) {
-    std::vector<int> faces;
-    for (int face = 1; face <= yardstick.data.Ne; ++face) {
-        if (yardstick.data.GetInnerFaceState(face) == OversetInnerFace_Overset) {
-            faces.push_back(face);
+    Ours& Toolbox() {
+        if (!ours) {
+            ours = std::make_unique<Ours>(host);
         }
+        return *ours;
     }
-    return faces;
+    Plain& Yardstick() {
+        if (!plain) {
+            plain = std::make_unique<Plain>(host);
+        }
+        return *plain;
+    }
+
+    /// The inner faces on the hole boundary.
+    const std::vector<int>& HoleBoundary() {
+        if (faces.empty()) {
+            KVX_ART_OVERSET_GRID_DATA& data = Yardstick().data;
+            for (int face = 1; face <= data.Ne; ++face) {
+                if (data.GetInnerFaceState(face) == OversetInnerFace_Overset) {
+                    faces.push_back(face);
+                }
+            }
+        }
+        return faces;
+    }
+
+    bool SameCells() {
+        const KVX_ART_OVERSET_GRID_DATA& a = *Toolbox().mesh.impl->gridData;
+        const KVX_ART_OVERSET_GRID_DATA& b = Yardstick().data;
+        return a.NNonActiveCell == b.NNonActiveCell &&
+               std::equal(a.cellState + 1, a.cellState + 1 + a.Nc, b.cellState + 1);
+    }
+
+    bool SameDonors() {
+        Ours& mine = Toolbox();
+        const Plain& yardstick = Yardstick();
+        return std::all_of(HoleBoundary().begin(), HoleBoundary().end(), [&](int face) {
+            return mine.mesh.GetOversetInnerNeighbor(face) == yardstick.overset.InnerDonor(face);
+        });
+    }
+
+    /// Bytes of the arrays that the linking and the grid information derive from the host's.
+    double MeshMB() {
+        const std::size_t before = liveBytes;
+        KVX_ART_OVERSET_GRID_DATA data;
+        data.getKvx3dGV(&host.gv, &host.fvm);
+        data.getKvx3dData();
+        data.OversetGridsInfoSetting();
+        return 1e-6 * static_cast<double>(liveBytes - before);
+    }
+
+    CylinderHost host;
+    std::unique_ptr<Ours> ours;
+    std::unique_ptr<Plain> plain;
+
+private:
+    explicit Rig(int m) : host(m) {}
+    std::vector<int> faces;
+};
+
+/// Times one side's setup and leaves the last one in the rig.
+template <typename Side>
+void RunSetup(benchmark::State& state, Rig& rig, std::unique_ptr<Side>& last) {
+    double peakMB = 0.0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        last.reset();
+        const PeakMemory peak;
+        state.ResumeTiming();
+        last = std::make_unique<Side>(rig.host);
+        state.PauseTiming();
+        peakMB = peak.MB();
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * rig.host.fvm.Nc);
+    state.counters["size"] = rig.host.fvm.Nc;
+    state.counters["peak_MB"] = peakMB;
+    state.counters["mesh_MB"] = rig.MeshMB();
 }
 
 void BM_Setup(benchmark::State& state) {
-    CylinderHost host(static_cast<int>(state.range(0)));
-    for (auto _ : state) {
-        const auto ours = std::make_unique<Ours>(host);
-        benchmark::DoNotOptimize(ours->mesh.impl);
-    }
-    if (!SameCells(Ours(host), Plain(host))) {
+    Rig& rig = Rig::Of(state.range(0));
+    RunSetup(state, rig, rig.ours);
+    if (!rig.SameCells()) {
         state.SkipWithError("other cells cut: the time means nothing");
     }
-    state.SetItemsProcessed(state.iterations() * host.fvm.Nc);
 }
 
 void BM_SetupPlain(benchmark::State& state) {
-    CylinderHost host(static_cast<int>(state.range(0)));
-    for (auto _ : state) {
-        const auto yardstick = std::make_unique<Plain>(host);
-        benchmark::DoNotOptimize(yardstick->data.NNonActiveCell);
-    }
-    state.SetItemsProcessed(state.iterations() * host.fvm.Nc);
+    Rig& rig = Rig::Of(state.range(0));
+    RunSetup(state, rig, rig.plain);
 }
 
 void BM_Donors(benchmark::State& state) {
-    CylinderHost host(static_cast<int>(state.range(0)));
-    Ours ours(host);
-    Plain yardstick(host);
-    const std::vector<int> faces = HoleBoundary(yardstick);
+    Rig& rig = Rig::Of(state.range(0));
+    Ours& ours = rig.Toolbox();
     for (auto _ : state) {
-        for (int face : faces) {
+        for (int face : rig.HoleBoundary()) {
             benchmark::DoNotOptimize(ours.mesh.GetOversetInnerNeighbor(face));
         }
     }
-    for (int face : faces) {
-        if (ours.mesh.GetOversetInnerNeighbor(face) != yardstick.overset.InnerDonor(face)) {
-            state.SkipWithError("other donors: the time means nothing");
-            break;
-        }
+    if (!rig.SameDonors()) {
+        state.SkipWithError("other donors: the time means nothing");
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(faces.size()));
+    const auto nFaces = static_cast<std::int64_t>(rig.HoleBoundary().size());
+    state.SetItemsProcessed(state.iterations() * nFaces);
+    state.counters["size"] = static_cast<double>(nFaces);
 }
 
 void BM_DonorsPlain(benchmark::State& state) {
-    CylinderHost host(static_cast<int>(state.range(0)));
-    Plain yardstick(host);
-    const std::vector<int> faces = HoleBoundary(yardstick);
+    Rig& rig = Rig::Of(state.range(0));
+    const Plain& yardstick = rig.Yardstick();
     for (auto _ : state) {
-        for (int face : faces) {
+        for (int face : rig.HoleBoundary()) {
             benchmark::DoNotOptimize(yardstick.overset.InnerDonor(face));
         }
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(faces.size()));
+    const auto nFaces = static_cast<std::int64_t>(rig.HoleBoundary().size());
+    state.SetItemsProcessed(state.iterations() * nFaces);
+    state.counters["size"] = static_cast<double>(nFaces);
 }
 
-BENCHMARK(BM_Setup)->Arg(6)->Arg(12)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SetupPlain)->Arg(6)->Arg(12)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Donors)->Arg(6)->Arg(12)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_DonorsPlain)->Arg(6)->Arg(12)->Unit(benchmark::kMillisecond);
+void Sizes(benchmark::internal::Benchmark* row) {
+    for (int m : {6, 9, 12, 20}) {
+        row->Arg(m);
+    }
+    row->Unit(benchmark::kMillisecond);
+}
+
+BENCHMARK(BM_Setup)->Apply(Sizes);
+BENCHMARK(BM_SetupPlain)->Apply(Sizes);
+BENCHMARK(BM_Donors)->Apply(Sizes);
+BENCHMARK(BM_DonorsPlain)->Apply(Sizes);
 
 }  // namespace
