@@ -3,6 +3,7 @@
 #
 #   cmake/install_packages.sh            what run.sh needs
 #   cmake/install_packages.sh test       and what test.sh needs on top
+#   cmake/install_packages.sh benchmark  or what benchmarks/run.sh needs on top
 set -euo pipefail
 
 packages=(
@@ -12,9 +13,12 @@ packages=(
     libdune-istl-dev libsuperlu-dev                     # engine of KVX3DMatrixSolver
     python3 python3-vtk9 python3-numpy python3-matplotlib  # reading results back, pictures
 )
-if [ "${1:-}" = test ]; then
-    packages+=(libgtest-dev libgmock-dev)
-fi
+case "${1:-}" in
+    '') ;;
+    test) packages+=(libgtest-dev libgmock-dev) ;;
+    benchmark) packages+=(libbenchmark-dev libnanoflann-dev) ;;
+    *) echo "install_packages.sh: unknown argument '$1' (known: test, benchmark)" >&2; exit 2 ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do
