@@ -91,17 +91,18 @@ bool KVX_ART_KDtree::BuildTree(double* x, double* y, double* z, int n) {
     // Nodes of an earlier build still point into the earlier ids, so those are given up, not
     // released.
     ids = NewIds(n);
-    try {
-        std::vector<KDtreePoint> points;
-        points.reserve(static_cast<std::size_t>(std::max(n, 0)));
-        for (int i = 0; i < n; ++i) {
-            ids[i] = i + 1;
-            points.push_back({{x[i], y[i], z[i]}, &ids[i]});
-        }
-        return InsertPoints(*tree, points.data(), n);
-    } catch (const std::bad_alloc&) {
+    if (n < 1) {
+        return true;
+    }
+    KDtreePoint* points = RoomForPoints(*tree, n);
+    if (!points) {
         return false;
     }
+    for (int i = 0; i < n; ++i) {
+        ids[i] = i + 1;
+        points[i] = {{x[i], y[i], z[i]}, &ids[i]};
+    }
+    return InsertPoints(*tree);
 }
 
 bool KVX_ART_KDtree::BuildTree(const double& x, const double& y, const double& z, int* id) {
@@ -112,18 +113,21 @@ bool KVX_ART_KDtree::BuildTreeByBlockId(double* x, double* y, double* z, int* bl
                                         int n) {
     pointCount = n;
     ids = NewIds(n);
-    try {
-        std::vector<KDtreePoint> points;
-        for (int i = 0; i < n; ++i) {
-            if (blockIds[i] == blockId) {
-                ids[i] = i + 1;
-                points.push_back({{x[i], y[i], z[i]}, &ids[i]});
-            }
-        }
-        return InsertPoints(*tree, points.data(), static_cast<int>(points.size()));
-    } catch (const std::bad_alloc&) {
+    const auto nWanted = static_cast<int>(std::count(blockIds, blockIds + std::max(n, 0), blockId));
+    if (nWanted < 1) {
+        return true;
+    }
+    KDtreePoint* points = RoomForPoints(*tree, nWanted);
+    if (!points) {
         return false;
     }
+    for (int i = 0; i < n; ++i) {
+        if (blockIds[i] == blockId) {
+            ids[i] = i + 1;
+            *points++ = {{x[i], y[i], z[i]}, &ids[i]};
+        }
+    }
+    return InsertPoints(*tree);
 }
 
 int KVX_ART_KDtree::SearchNearestPoints(const double& x, const double& y, const double& z,

@@ -5,13 +5,9 @@
 #include <new>
 #include <vector>
 
-namespace {
+#include "overset/kd_tree_build.h"
 
-/// A node and its coordinates: one cache line.
-struct NodeBlock {
-    KDtreeNode node;
-    double xyz[3];
-};
+namespace {
 
 /// A run of node blocks. The blocks stand behind the head, in the same allocation.
 struct NodeChunk {
@@ -20,6 +16,8 @@ struct NodeChunk {
     int used;
     NodeBlock* blocks;
 };
+
+constexpr int fewPoints = 8;  // not worth a build of their own
 
 /// The core with the memory of its nodes. Every core is one of these; the chunk list stays out of
 /// KDtreeCore, whose fields are the interface.
@@ -63,15 +61,6 @@ void FreeChunks(NodeChunk* chunk) {
     }
 }
 
-/// The next node of the chunk in use, which has room.
-KDtreeNode* PlaceNode(NodeChunk& chunk, const KDtreePoint& point, int dir) {
-    NodeBlock* block = new (chunk.blocks + chunk.used) NodeBlock;
-    ++chunk.used;
-    std::copy(point.xyz, point.xyz + 3, block->xyz);
-    block->node = {block->xyz, dir, point.id, nullptr, nullptr};
-    return &block->node;
-}
-
 /// A node from the chunk in use or a new one, or null.
 KDtreeNode* NewNode(KDtreeStore& store, const KDtreePoint& point, int dir) {
     if (!store.chunks || store.chunks->used == store.chunks->capacity) {
@@ -81,7 +70,8 @@ KDtreeNode* NewNode(KDtreeStore& store, const KDtreePoint& point, int dir) {
             return nullptr;
         }
     }
-    return PlaceNode(*store.chunks, point, dir);
+    NodeChunk& chunk = *store.chunks;
+    return MakeNode(chunk.blocks + chunk.used++, point, dir);
 }
 
 /// A box that holds one point, or null.
@@ -116,206 +106,30 @@ void ExtendRect(KDtreeCore& core, const double* xyz) {
     }
 }
 
-/// The empty place of the tree that a point falls to, and the axis a node there splits on.
-struct FreePlace {
-    KDtreeNode** slot;
-    int dir;
-};
-
-FreePlace FallTo(FreePlace from, const double* xyz) {
-    while (KDtreeNode* node = *from.slot) {
-        from.dir = (node->dir + 1) % 3;
-        from.slot = GoesRight(*node, xyz) ? &node->right : &node->left;
+/// Extends the bounding box by n points in order of arrival.
+void ExtendRect(KDtreeCore& core, const KDtreePoint* points, int n) {
+    int i = 0;
+    while (i < n && !core.rect) {
+        ExtendRect(core, points[i++].xyz);
     }
-    return from;
+    if (i == n) {
+        return;
+    }
+    double min[3];
+    double max[3];
+    std::copy(core.rect->min, core.rect->min + 3, min);
+    std::copy(core.rect->max, core.rect->max + 3, max);
+    for (; i < n; ++i) {
+        for (int axis = 0; axis < 3; ++axis) {
+            min[axis] = std::min(min[axis], points[i].xyz[axis]);
+            max[axis] = std::max(max[axis], points[i].xyz[axis]);
+        }
+    }
+    std::copy(min, min + 3, core.rect->min);
+    std::copy(max, max + 3, core.rect->max);
 }
 
-/// How a subtree is split. A path takes a degenerate one apart at once: toward the last point to
-/// arrive, or, where nearly all others stay together beside that path, toward the middle one.
-enum class SplitBy { Root, PathToLast, PathToMiddle };
-
-/// Points that belong below one free place, in order of arrival, in one of two buffers.
-struct Subtree {
-    FreePlace place;
-    KDtreePoint* points;
-    KDtreePoint* other;  ///< the same range of the other buffer
-    int n;
-    SplitBy way;
-};
-
-/// One path down from a free place, toward one of the points to arrive, and where it is left.
-///
-/// On each axis the splits followed to the right ascend and those followed to the left descend, so
-/// the first node at which a point leaves the path is found by bisection.
-class Path {
-public:
-    Path(FreePlace start, const double* target) : place(start), toward(target) {}
-
-    /// Number of the first node at which the point leaves, or Length() if it reaches the end.
-    int LeavesAt(const double* xyz) const {
-        int first = Length();
-        for (int axis = 0; axis < 3; ++axis) {
-            const double c = xyz[axis];
-            const auto& lower = turns[axis][1];
-            const auto& upper = turns[axis][0];
-            const auto above = std::partition_point(
-                lower.begin(), lower.end(), [c](const Turn& turn) { return turn.split <= c; });
-            const auto below = std::partition_point(
-                upper.begin(), upper.end(), [c](const Turn& turn) { return !(turn.split <= c); });
-            if (above != lower.end()) {
-                first = std::min(first, above->number);
-            }
-            if (below != upper.end()) {
-                first = std::min(first, below->number);
-            }
-        }
-        return first;
-    }
-
-    /// Appends a node at the end of the path.
-    void Append(NodeChunk& chunk, const KDtreePoint& point) {
-        KDtreeNode* node = PlaceNode(chunk, point, place.dir);
-        const int side = GoesRight(*node, toward) ? 1 : 0;
-        turns[node->dir][side].push_back({node->pos[node->dir], Length()});
-        *place.slot = node;
-        place = {side ? &node->right : &node->left, (node->dir + 1) % 3};
-        leaving.push_back({side ? &node->left : &node->right, place.dir});
-    }
-
-    int Length() const { return static_cast<int>(leaving.size()); }
-
-    std::vector<FreePlace> leaving;  ///< the place off the path, at each of its nodes
-
-private:
-    struct Turn {
-        double split;
-        int number;
-    };
-
-    FreePlace place;
-    const double* toward;
-    std::vector<Turn> turns[3][2];  ///< by axis and side followed
-};
-
-constexpr int fewPoints = 8;     // below this, points fall one by one
-constexpr int manyPoints = 512;  // a path is worth its overhead above this
-constexpr int lopsided = 128;    // one side has less than a part in `lopsided`
-
-/// Builds trees from the top down; a tree of n nodes takes its place in a chunk with room for n.
-class TopDownBuild {
-public:
-    explicit TopDownBuild(NodeChunk& room) : chunk(room) {}
-
-    void Run(KDtreeCore& core, KDtreePoint* points, int n) {
-        std::vector<KDtreePoint> buffer(static_cast<std::size_t>(n));
-        leftAt.resize(static_cast<std::size_t>(n));
-        open.push_back({{&core.root, 0}, points, buffer.data(), n, SplitBy::Root});
-        while (!open.empty()) {
-            const Subtree subtree = open.back();
-            open.pop_back();
-            if (subtree.n <= fewPoints) {
-                InsertEach(subtree);
-            } else if (subtree.way == SplitBy::Root) {
-                SplitAtRoot(subtree);
-            } else {
-                SplitAlongPath(subtree);
-            }
-        }
-    }
-
-private:
-    /// True if a part of n points is so large that splits like this one end nowhere.
-    static bool NearlyAll(int part, int n) { return n > manyPoints && n - 1 - part < n / lopsided; }
-
-    void InsertEach(const Subtree& subtree) {
-        for (int i = 0; i < subtree.n; ++i) {
-            const KDtreePoint& point = subtree.points[i];
-            const FreePlace place = FallTo(subtree.place, point.xyz);
-            *place.slot = PlaceNode(chunk, point, place.dir);
-        }
-    }
-
-    /// The first point is the root; a stable partition of the others gives the two sides in their
-    /// order of arrival.
-    void SplitAtRoot(const Subtree& subtree) {
-        KDtreeNode* root = PlaceNode(chunk, subtree.points[0], subtree.place.dir);
-        *subtree.place.slot = root;
-        const int dir = root->dir;
-        const double split = root->pos[dir];
-        KDtreePoint* const points = subtree.points;
-        KDtreePoint* const other = subtree.other;
-        int nLeft = 0;
-        int nRight = 0;
-        for (int i = 1; i < subtree.n; ++i) {
-            // Both sides take the point and one of them counts it: no branch to mispredict.
-            const int right = split <= points[i].xyz[dir] ? 1 : 0;
-            other[nRight] = points[i];
-            points[nLeft] = points[i];
-            nLeft += 1 - right;
-            nRight += right;
-        }
-        const int next = (dir + 1) % 3;
-        if (nRight > 0) {
-            open.push_back({{&root->right, next},
-                            subtree.other,
-                            subtree.points + nLeft,
-                            nRight,
-                            NearlyAll(nRight, subtree.n) ? SplitBy::PathToLast : SplitBy::Root});
-        }
-        if (nLeft > 0) {
-            open.push_back({{&root->left, next},
-                            subtree.points,
-                            subtree.other + nRight,
-                            nLeft,
-                            NearlyAll(nLeft, subtree.n) ? SplitBy::PathToLast : SplitBy::Root});
-        }
-    }
-
-    /// Points that reach the end of the path extend it; the others are handed, in order of
-    /// arrival, to the place where they leave it.
-    void SplitAlongPath(const Subtree& subtree) {
-        const bool toLast = subtree.way == SplitBy::PathToLast;
-        const KDtreePoint target = subtree.points[toLast ? subtree.n - 1 : subtree.n / 2];
-        Path path(subtree.place, target.xyz);
-        count.clear();
-        for (int i = 0; i < subtree.n; ++i) {
-            const int at = path.LeavesAt(subtree.points[i].xyz);
-            if (at == path.Length()) {
-                path.Append(chunk, subtree.points[i]);
-                count.push_back(0);
-                leftAt[i] = onPath;
-            } else {
-                ++count[at];
-                leftAt[i] = at;
-            }
-        }
-        int start = 0;
-        for (int k = 0; k < path.Length(); ++k) {
-            if (count[k] > 0) {
-                open.push_back(
-                    {path.leaving[k], subtree.other + start, subtree.points + start, count[k],
-                     NearlyAll(count[k], subtree.n) ? SplitBy::PathToMiddle : SplitBy::Root});
-            }
-            const int end = start + count[k];
-            count[k] = start;
-            start = end;
-        }
-        for (int i = 0; i < subtree.n; ++i) {
-            if (leftAt[i] != onPath) {
-                subtree.other[count[leftAt[i]]++] = subtree.points[i];
-            }
-        }
-    }
-
-    static constexpr int onPath = -1;
-
-    NodeChunk& chunk;
-    std::vector<Subtree> open;
-    std::vector<int> leftAt;  ///< node of the path at which each point leaves it
-    std::vector<int> count;   ///< points leaving at each node, then the next free position
-};
-
-/// A coordinate that is no number compares false with everything, which no bisection survives.
+/// A coordinate that is no number compares false with everything, which no build by parts survives.
 bool HasNaN(const KDtreePoint* points, int n) {
     return std::any_of(points, points + n, [](const KDtreePoint& p) {
         return p.xyz[0] != p.xyz[0] || p.xyz[1] != p.xyz[1] || p.xyz[2] != p.xyz[2];
@@ -366,27 +180,29 @@ bool InsertPoint(KDtreeCore& core, const KDtreePoint& point) {
     return true;
 }
 
-bool InsertPoints(KDtreeCore& core, KDtreePoint* points, int n) {
-    if (n < 1) {
+KDtreePoint* RoomForPoints(KDtreeCore& core, int n) {
+    KDtreeStore& store = static_cast<KDtreeStore&>(core);
+    return AddChunk(store, n) ? PointsIn(store.chunks->blocks, n) : nullptr;
+}
+
+bool InsertPoints(KDtreeCore& core) {
+    NodeChunk& chunk = *static_cast<KDtreeStore&>(core).chunks;
+    const int n = chunk.capacity;
+    const KDtreePoint* points = PointsIn(chunk.blocks, n);
+    if (core.root || n <= fewPoints || HasNaN(points, n)) {
+        for (int i = 0; i < n; ++i) {
+            const KDtreePoint point = points[i];  // its room becomes that of a node
+            InsertPoint(core, point);
+        }
         return true;
     }
-    if (core.root || n <= fewPoints || HasNaN(points, n)) {
-        return std::all_of(points, points + n,
-                           [&core](const KDtreePoint& point) { return InsertPoint(core, point); });
-    }
-    KDtreeStore& store = static_cast<KDtreeStore&>(core);
-    if (!AddChunk(store, n)) {
-        return false;
-    }
-    for (int i = 0; i < n; ++i) {
-        ExtendRect(core, points[i].xyz);
-    }
+    chunk.used = n;
+    ExtendRect(core, points, n);
     try {
-        TopDownBuild(*store.chunks).Run(core, points, n);
+        BuildFromTheTop(&core.root, chunk.blocks, n);
     } catch (const std::bad_alloc&) {
         core.root = nullptr;
         FreeRect(core);
-        store.chunks->used = store.chunks->capacity;
         return false;
     }
     return true;

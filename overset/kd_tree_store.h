@@ -24,10 +24,14 @@ void FreeKDtree(KDtreeCore* core);
 /// Inserts one point.
 bool InsertPoint(KDtreeCore& core, const KDtreePoint& point);
 
-/// Inserts n points. The tree is node for node that of n calls of InsertPoint(); into an empty
-/// tree it is built from the top down, in memory read from front to end.
-/// @param points  in order of arrival; the order is lost
-bool InsertPoints(KDtreeCore& core, KDtreePoint* points, int n);
+/// Room for n > 0 points on their way into the tree, to be filled in order of arrival and handed
+/// over by InsertPoints() before anything else is done to the tree. It is where their nodes will
+/// stand, so that points cost no memory of their own. Null if the memory cannot be had.
+KDtreePoint* RoomForPoints(KDtreeCore& core, int n);
+
+/// Inserts the points in the room made last. The tree is node for node that of one InsertPoint()
+/// each; an empty tree is built from the top down, in memory read from front to end.
+bool InsertPoints(KDtreeCore& core);
 
 /// True where the tree sends the point to the right of `node`: equal coordinates go right.
 inline bool GoesRight(const KDtreeNode& node, const double* xyz) {

@@ -238,10 +238,12 @@ const KDtreeCore& NearestFace::InsertionTree() {
     for (std::size_t i = 0; i < centres.size(); ++i) {
         centres[i].id = &numbers[i];
     }
-    std::vector<KDtreePoint> points = centres;
     insertionTree = NewKDtree();
-    if (!InsertPoints(*insertionTree, points.data(), static_cast<int>(points.size())) ||
-        !insertionTree->rect) {
+    KDtreePoint* points = RoomForPoints(*insertionTree, static_cast<int>(centres.size()));
+    if (points) {
+        std::copy(centres.begin(), centres.end(), points);
+    }
+    if (!points || !InsertPoints(*insertionTree) || !insertionTree->rect) {
         throw std::bad_alloc();
     }
     return *insertionTree;

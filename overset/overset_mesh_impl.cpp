@@ -1,9 +1,7 @@
 #include "overset/overset_mesh_impl.h"
 
-#include <cstddef>
 #include <iostream>
 #include <new>
-#include <vector>
 
 #include "host_link/containers.h"
 #include "host_link/last_stores.h"
@@ -21,15 +19,25 @@ constexpr double acrossLimit = 1e-8;  // area times length of the host: "beyond 
 
 /// Inserts the centres of a grid's active cells; their ids stay in the table of the grid data.
 void InsertActiveCells(KVX_ART_KDtree& tree, const KVX_ART_OVERSET_GRID_DATA& data, int grid) {
-    std::vector<KDtreePoint> centres;
-    centres.reserve(static_cast<std::size_t>(data.NCellOfGrid[grid]));
+    const int* const cells = data.cellOfGrid[grid];
+    int nActive = 0;
     for (int i = 1; i <= data.NCellOfGrid[grid]; ++i) {
-        const int c = data.cellOfGrid[grid][i];
+        nActive += data.cellState[cells[i]] != nonActive ? 1 : 0;
+    }
+    if (nActive == 0) {
+        return;
+    }
+    KDtreePoint* centre = RoomForPoints(*tree.tree, nActive);
+    if (!centre) {
+        throw std::bad_alloc();
+    }
+    for (int i = 1; i <= data.NCellOfGrid[grid]; ++i) {
+        const int c = cells[i];
         if (data.cellState[c] != nonActive) {
-            centres.push_back({{data.xc[c], data.yc[c], data.zc[c]}, &data.cellOfGrid[grid][i]});
+            *centre++ = {{data.xc[c], data.yc[c], data.zc[c]}, &data.cellOfGrid[grid][i]};
         }
     }
-    if (!InsertPoints(*tree.tree, centres.data(), static_cast<int>(centres.size()))) {
+    if (!InsertPoints(*tree.tree)) {
         throw std::bad_alloc();
     }
 }
