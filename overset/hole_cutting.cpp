@@ -1,5 +1,6 @@
 #include "overset/hole_cutting.h"
 
+#include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <new>
@@ -53,7 +54,7 @@ public:
                 C[0] = geometry.xc[cell];
                 C[1] = geometry.yc[cell];
                 C[2] = geometry.zc[cell];
-                h = sizes.Of(geometry.volume[cell]);
+                V = geometry.volume[cell];
                 return true;
             }
             if (grid < OversetGrid_Background || grid > OversetGrid_Component2) {
@@ -65,13 +66,82 @@ public:
 
     int cell = 0;
     double C[3];     ///< centre of the cell
-    double h = 0.0;  ///< its size
+    double V = 0.0;  ///< its volume
 
 private:
     const KVX_ART_OVERSET_GRID_DATA& gridData;
     const CKVX_ACMT_GV& geometry;
     const int wanted;
     const char* const warning;
+};
+
+/// Up to 8 cells of one grid that follow each other. Neighbours in the mesh, they are judged
+/// together as far as possible: a verdict on all of them costs hardly more than one on a single
+/// cell.
+class CellRun {
+public:
+    /// Takes the next cells; false if there is none.
+    bool Fill(GridCells& cells) {
+        n = 0;
+        while (n < capacity && cells.Next()) {
+            cell[n] = cells.cell;
+            std::copy(cells.C, cells.C + 3, C[n]);
+            V[n] = cells.V;
+            ++n;
+        }
+        return n > 0;
+    }
+
+    /// Sets `side` of each cell to NearestFace::SideOf(), with a depth of `layer` cell sizes.
+    void Judge(NearestFace& faces, int layer) { JudgeGroup(faces, layer, 0, n); }
+
+    double SizeOf(int i) { return sizes.Of(V[i]); }
+
+    static constexpr int capacity = 8;
+    static constexpr int parts = 4;  // a group without a common verdict is judged by parts
+
+    int n = 0;
+    int cell[capacity];
+    double C[capacity][3];
+    double V[capacity];
+    int side[capacity];  ///< 0 where only the nearest face itself can tell
+
+private:
+    void JudgeGroup(NearestFace& faces, int layer, int first, int last) {
+        const int together = SideOfGroup(faces, layer, first, last);
+        if (together != 0 || last - first == 1) {
+            std::fill(side + first, side + last, together);
+            return;
+        }
+        const int part = (last - first + parts - 1) / parts;
+        for (int at = first; at < last; at += part) {
+            JudgeGroup(faces, layer, at, std::min(at + part, last));
+        }
+    }
+
+    int SideOfGroup(NearestFace& faces, int layer, int first, int last) {
+        NearestFace::Cells group;
+        std::copy(C[first], C[first] + 3, group.min);
+        std::copy(C[first], C[first] + 3, group.max);
+        double minV = V[first];
+        double maxV = V[first];
+        double sum = 0.0;
+        for (int i = first; i < last; ++i) {
+            for (int axis = 0; axis < 3; ++axis) {
+                group.min[axis] = std::min(group.min[axis], C[i][axis]);
+                group.max[axis] = std::max(group.max[axis], C[i][axis]);
+                sum += C[i][axis];
+            }
+            minV = std::min(minV, V[i]);
+            maxV = std::max(maxV, V[i]);
+            sum += V[i];
+        }
+        group.minDepth = layer * sizes.Of(minV);
+        group.maxDepth = layer * sizes.Of(maxV);
+        // Bounds lose what is no number, sums do not.
+        return std::isfinite(sum) ? faces.SideOf(group) : 0;
+    }
+
     CellSize sizes;
 };
 
@@ -189,18 +259,21 @@ void CKVX_ART_HoleCutting::OutsideDomainCutting(int layer) {
     AddBackgroundWalls(walls, *gridData);
     // Grid 3 is left alone: a second component may reach through the domain's walls.
     GridCells cells(*gridData, *gridData, OversetGrid_Component1, noGridState);
-    while (cells.Next()) {
-        const int side = walls.SideOf(cells.C, layer * cells.h);
-        const int r = side == 0 ? walls.Find(cells.C) : 0;
-        bool isCut = side > 0;
-        if (r > 0) {
-            Judgement by(cells.C, walls.Centre(r), walls.AreaVector(r));
-            // Not divided by the area: both sides carry it, and a division would round differently
-            // near the margin.
-            isCut = Innerproduct(by.CP, by.S) > -(Norm(by.S) * layer * cells.h);
-        }
-        if (isCut) {
-            Cut(*gridData, cells.cell);
+    CellRun run;
+    while (run.Fill(cells)) {
+        run.Judge(walls, layer);
+        for (int i = 0; i < run.n; ++i) {
+            bool isCut = run.side[i] > 0;
+            const int r = run.side[i] == 0 ? walls.Find(run.C[i]) : 0;
+            if (r > 0) {
+                Judgement by(run.C[i], walls.Centre(r), walls.AreaVector(r));
+                // Not divided by the area: both sides carry it, and a division would round
+                // differently near the margin.
+                isCut = Innerproduct(by.CP, by.S) > -(Norm(by.S) * layer * run.SizeOf(i));
+            }
+            if (isCut) {
+                Cut(*gridData, run.cell[i]);
+            }
         }
     }
     outsideCellsCut = gridData->NNonActiveCell != 0;
@@ -220,16 +293,19 @@ void CKVX_ART_HoleCutting::OverlapRegionCutting(int layer) {
     // vector; the area vectors would move the hole.
     AddOuterFaces(outerFaces, *gridData, outsideCellsCut);
     GridCells cells(*gridData, *gridData, OversetGrid_Background, noGridState);
-    while (cells.Next()) {
-        const int side = outerFaces.SideOf(cells.C, layer * cells.h);
-        const int r = side == 0 ? outerFaces.Find(cells.C) : 0;
-        bool isCut = side < 0;
-        if (r > 0) {
-            Judgement by(cells.C, outerFaces.Centre(r), outerFaces.AreaVector(r));
-            isCut = Innerproduct(by.CP, by.S) < -(Norm(by.S) * layer * cells.h);
-        }
-        if (isCut) {
-            Cut(*gridData, cells.cell);
+    CellRun run;
+    while (run.Fill(cells)) {
+        run.Judge(outerFaces, layer);
+        for (int i = 0; i < run.n; ++i) {
+            bool isCut = run.side[i] < 0;
+            const int r = run.side[i] == 0 ? outerFaces.Find(run.C[i]) : 0;
+            if (r > 0) {
+                Judgement by(run.C[i], outerFaces.Centre(r), outerFaces.AreaVector(r));
+                isCut = Innerproduct(by.CP, by.S) < -(Norm(by.S) * layer * run.SizeOf(i));
+            }
+            if (isCut) {
+                Cut(*gridData, run.cell[i]);
+            }
         }
     }
     // Includes the cells of the outside cut: the count is that of the mesh, not of the step.
@@ -241,6 +317,7 @@ void CKVX_ART_HoleCutting::CutOutsideDomainComponentCell() {
     LinkedPoints walls(data.xBackgroundWall, data.yBackgroundWall, data.zBackgroundWall,
                        data.NBackgroundWall);
     GridCells cells(data, *artGv, OversetGrid_Component1, noGridType);
+    CellSize sizes;
     while (cells.Next()) {
         const int r = walls.Nearest(cells.C);
         if (r == 0) {
@@ -251,7 +328,7 @@ void CKVX_ART_HoleCutting::CutOutsideDomainComponentCell() {
                              data.zBackgroundWall[r]};
         const double S[3] = {artGv->nxWall[face], artGv->nyWall[face], artGv->nzWall[face]};
         Judgement by(cells.C, P, S);
-        if (Innerproduct(by.CP, by.S) > -(Norm(by.S) * cutGridLayer * cells.h)) {
+        if (Innerproduct(by.CP, by.S) > -(Norm(by.S) * cutGridLayer * sizes.Of(cells.V))) {
             Cut(*gridData, cells.cell);
         }
     }
@@ -269,6 +346,7 @@ void CKVX_ART_HoleCutting::CutBackgroundCells() {
     LinkedPoints points(data.xOverlapPoint, data.yOverlapPoint, data.zOverlapPoint,
                         data.NOverlapPoint);
     GridCells cells(data, *artGv, OversetGrid_Background, noGridType);
+    CellSize sizes;
     while (cells.Next()) {
         const int r = points.Nearest(cells.C);
         if (r == 0) {
@@ -277,7 +355,7 @@ void CKVX_ART_HoleCutting::CutBackgroundCells() {
         const double P[3] = {data.xOverlapPoint[r], data.yOverlapPoint[r], data.zOverlapPoint[r]};
         const NearestFace::Vector S = VectorOfOverlapPoint(r, data, *artGv, outsideCellsCut);
         Judgement by(cells.C, P, S.data());
-        if (Innerproduct(by.CP, by.S) < -(Norm(by.S) * cutGridLayer * cells.h)) {
+        if (Innerproduct(by.CP, by.S) < -(Norm(by.S) * cutGridLayer * sizes.Of(cells.V))) {
             Cut(*gridData, cells.cell);
         }
     }

@@ -15,26 +15,34 @@ constexpr int nodesToJudge = 24;          // a verdict that needs more costs as 
 constexpr double smallestDoubt = 1e-300;  // where numbers lose digits, no sign is certain
 constexpr double roundingDoubt = 1e-12;   // relative; a sum of four products errs by some 1e-15
 
-/// Squared distance to a box, 0 inside. Summed as the distance of a point is, so that rounding
-/// never lifts it above the distance of a point in the box.
-double DistanceSqToBox(const double* min, const double* max, const double* query) {
+/// Squared distance between two boxes, 0 where they meet. Summed as the distance of two points is,
+/// so that rounding never lifts it above the distance of a point in the one and a point in the
+/// other.
+double DistanceSqOfBoxes(const double* min, const double* max, const double* otherMin,
+                         const double* otherMax) {
     double sq[3];
     for (int axis = 0; axis < 3; ++axis) {
-        const double below = min[axis] - query[axis];
-        const double above = query[axis] - max[axis];
+        const double below = min[axis] - otherMax[axis];
+        const double above = otherMin[axis] - max[axis];
         const double outside = std::max(std::max(below, above), 0.0);
         sq[axis] = outside * outside;
     }
     return sq[0] + sq[1] + sq[2];
 }
 
-/// Squared distance to the point of a box that is furthest away; rounding never drops it below the
-/// distance of a point in the box.
-double FurthestSqInBox(const double* min, const double* max, const double* query) {
+/// Squared distance to a box, 0 inside.
+double DistanceSqToBox(const double* min, const double* max, const double* query) {
+    return DistanceSqOfBoxes(min, max, query, query);
+}
+
+/// Squared distance of the two points of two boxes that are furthest apart; rounding never drops it
+/// below the distance of any two.
+double FurthestSqOfBoxes(const double* min, const double* max, const double* otherMin,
+                         const double* otherMax) {
     double sq[3];
     for (int axis = 0; axis < 3; ++axis) {
         const double away =
-            std::max(std::fabs(query[axis] - min[axis]), std::fabs(query[axis] - max[axis]));
+            std::max(std::fabs(otherMax[axis] - min[axis]), std::fabs(max[axis] - otherMin[axis]));
         sq[axis] = away * away;
     }
     return sq[0] + sq[1] + sq[2];
@@ -62,7 +70,7 @@ void NearestFace::Add(const Vector& P, const Vector& S) {
 NearestFace::Node NearestFace::NodeOf(int first, int last) const {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const Box nothing = {{infinity, infinity, infinity}, {-infinity, -infinity, -infinity}};
-    Node node = {nothing, nothing, infinity, 0.0, first, last, 0};
+    Node node = {nothing, nothing, infinity, 0.0, {}, first, last, 0};
     for (int i = first; i < last; ++i) {
         const double* P = centres[order[i]].xyz;
         const double* S = areaVectors[order[i]].data();
@@ -71,6 +79,15 @@ NearestFace::Node NearestFace::NodeOf(int first, int last) const {
         const double area = std::sqrt(S[0] * S[0] + S[1] * S[1] + S[2] * S[2]);
         node.minArea = std::min(node.minArea, area);
         node.maxArea = std::max(node.maxArea, area);
+    }
+    double leastSq = infinity;
+    for (int i = first; i < last; ++i) {
+        const double* P = centres[order[i]].xyz;
+        const double awaySq = FurthestSqOfBoxes(node.box.min, node.box.max, P, P);
+        if (awaySq < leastSq) {
+            leastSq = awaySq;
+            std::copy(P, P + 3, node.middle);
+        }
     }
     return node;
 }
@@ -81,6 +98,7 @@ void NearestFace::BuildBoxes() {
     order.resize(centres.size());
     std::iota(order.begin(), order.end(), 0);
     nodes.push_back(NodeOf(0, n));
+    std::copy(nodes[0].middle, nodes[0].middle + 3, closeBy);
     for (std::size_t at = 0; at < nodes.size(); ++at) {
         const Node node = nodes[at];
         if (node.last - node.first <= leafSize) {
@@ -107,58 +125,77 @@ void NearestFace::BuildBoxes() {
 }
 
 /// The sign for all faces of a node at once, by interval arithmetic; 0 if it may differ.
-int NearestFace::SideOfNode(const Node& node, const double* C, double depth) const {
-    double low = std::min(node.minArea * depth, node.maxArea * depth);
-    double high = std::max(node.minArea * depth, node.maxArea * depth);
-    double size = std::max(std::fabs(low), std::fabs(high));
-    for (int axis = 0; axis < 3; ++axis) {
-        const double from = C[axis] - node.box.max[axis];
-        const double to = C[axis] - node.box.min[axis];
-        const double a = from * node.areas.min[axis];
-        const double b = from * node.areas.max[axis];
-        const double c = to * node.areas.min[axis];
-        const double d = to * node.areas.max[axis];
+int NearestFace::SideOfNode(const Node& node, const Cells& cells) {
+    const auto add = [](double a, double b, double c, double d, double* sum) {
         const double least = std::min(std::min(a, b), std::min(c, d));
         const double most = std::max(std::max(a, b), std::max(c, d));
-        low += least;
-        high += most;
-        size += std::max(std::fabs(least), std::fabs(most));
+        sum[0] += least;
+        sum[1] += most;
+        sum[2] += std::max(std::fabs(least), std::fabs(most));
+    };
+    double sum[3] = {0.0, 0.0, 0.0};  // least, most, and size of the terms
+    add(node.minArea * cells.minDepth, node.maxArea * cells.minDepth, node.minArea * cells.maxDepth,
+        node.maxArea * cells.maxDepth, sum);
+    for (int axis = 0; axis < 3; ++axis) {
+        const double from = cells.min[axis] - node.box.max[axis];
+        const double to = cells.max[axis] - node.box.min[axis];
+        add(from * node.areas.min[axis], from * node.areas.max[axis], to * node.areas.min[axis],
+            to * node.areas.max[axis], sum);
     }
-    const double doubt = roundingDoubt * size + smallestDoubt;
-    return low > doubt ? 1 : high < -doubt ? -1 : 0;
+    const double doubt = roundingDoubt * sum[2] + smallestDoubt;
+    return sum[0] > doubt ? 1 : sum[1] < -doubt ? -1 : 0;
 }
 
-int NearestFace::SideOf(const double* C, double depth) {
+int NearestFace::SideOf(const Cells& cells) {
     if (centres.empty() || !allFinite) {
         return 0;
     }
     if (nodes.empty()) {
         BuildBoxes();
     }
-    double withinSq = DistanceSq(C, centres[previous].xyz);
-    int open[maxDepth];
+    // Cells come in mesh order: what was close to the ones before is close to these.
+    double withinSq = FurthestSqOfBoxes(closeBy, closeBy, cells.min, cells.max);
+    struct Open {
+        int node;
+        double distSq;
+    };
+    Open open[maxDepth];
     int nOpen = 0;
     int side = 0;
     int left = nodesToJudge;
-    open[nOpen++] = 0;
+    open[nOpen++] = {0, 0.0};
     while (nOpen > 0) {
-        const Node& node = nodes[open[--nOpen]];
-        if (DistanceSqToBox(node.box.min, node.box.max, C) > withinSq) {
+        const Open next = open[--nOpen];
+        if (next.distSq > withinSq) {
             continue;
         }
-        withinSq = std::min(withinSq, FurthestSqInBox(node.box.min, node.box.max, C));
-        const int here = SideOfNode(node, C, depth);
-        if (here == 0) {
-            if (!node.child || --left == 0) {
+        const Node& node = nodes[next.node];
+        const int here = SideOfNode(node, cells);
+        if (here != 0) {
+            if (side == -here) {
                 return 0;
             }
-            open[nOpen++] = node.child;
-            open[nOpen++] = node.child + 1;
-        } else if (side == -here) {
-            return 0;
-        } else {
             side = here;
+            continue;
         }
+        if (!node.child || --left == 0) {
+            return 0;
+        }
+        Open child[2];
+        for (int i = 0; i < 2; ++i) {
+            const Node& half = nodes[node.child + i];
+            const double reachSq =
+                FurthestSqOfBoxes(half.middle, half.middle, cells.min, cells.max);
+            if (reachSq < withinSq) {
+                withinSq = reachSq;
+                std::copy(half.middle, half.middle + 3, closeBy);
+            }
+            child[i] = {node.child + i,
+                        DistanceSqOfBoxes(half.box.min, half.box.max, cells.min, cells.max)};
+        }
+        const int near = child[1].distSq < child[0].distSq ? 1 : 0;
+        open[nOpen++] = child[1 - near];
+        open[nOpen++] = child[near];
     }
     return side;
 }

@@ -9,8 +9,8 @@
 /// Nearest face for cell after cell of a mesh; internal to hole cutting.
 ///
 /// "Nearest" is by face centre. Most cells lie so far from all faces that it does not matter which
-/// of several is the nearest: SideOf() tells that first, from a few boxes, and Find() is left for
-/// the cells near the cut.
+/// of several is the nearest: SideOf() tells that first, for many cells at once and from a few
+/// boxes, and Find() is left for the cells near the cut.
 ///
 /// The answer of Find() is that of a KVX_ART_KDtree that took the centres one after the other,
 /// equally near centres included. Walls are flat and meshes regular, which that tree takes badly:
@@ -29,9 +29,17 @@ public:
     /// Adds a face by centre and area vector; all of them before the first question.
     void Add(const Vector& P, const Vector& S);
 
-    /// Sign of (C - P) . S + |S| depth, if it is the same for every face that may be the nearest
-    /// to C and no rounding can turn it; else 0.
-    int SideOf(const double* C, double depth);
+    /// Cells judged together: the box of their centres and the range of their depths.
+    struct Cells {
+        double min[3];
+        double max[3];
+        double minDepth;
+        double maxDepth;
+    };
+
+    /// Sign of (C - P) . S + |S| depth, if it is the same for every one of the cells and every face
+    /// that may be the nearest to its centre C, and no rounding can turn it; else 0.
+    int SideOf(const Cells& cells);
 
     /// Number of the nearest face in the order of Add(), from 1; 0 if there is none.
     int Find(const double* query);
@@ -49,14 +57,15 @@ private:
         Box areas;  ///< of the area vectors
         double minArea;
         double maxArea;
-        int first;  ///< range of `order`
+        double middle[3];  ///< a centre in the middle of the box
+        int first;         ///< range of `order`
         int last;
         int child;  ///< the first of two neighbouring nodes, 0 in a leaf
     };
 
     void BuildBoxes();
     Node NodeOf(int first, int last) const;
-    int SideOfNode(const Node& node, const double* C, double depth) const;
+    static int SideOfNode(const Node& node, const Cells& cells);
     void ScanLeaf(const Node& leaf, const double* query);
     int FirstMet(const double* query);
     const KDtreeCore& InsertionTree();
@@ -66,10 +75,11 @@ private:
     std::vector<int> numbers;
     std::vector<int> order;      ///< centres by leaf, 0-based
     std::vector<double> leafed;  ///< coordinates in that order
-    std::vector<Node> nodes;     ///< empty before the first Find()
+    std::vector<Node> nodes;     ///< empty before the first question
     std::vector<int> nearest;    ///< centres at the least distance found, 0-based
     double nearestSq = 0.0;
-    int previous = 0;  ///< answer of the search before, 0-based
+    int previous = 0;        ///< answer of the search before, 0-based
+    double closeBy[3] = {};  ///< a centre close to the cells of the verdict before
     KDtreeCore* insertionTree = nullptr;
     bool allFinite = true;
 };

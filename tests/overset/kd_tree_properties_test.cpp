@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <utility>
 #include <vector>
 
 #include "benchmarks/plain/plain_kd_tree.h"
 #include "overset/kd_tree.h"
-#include "overset/nearest_face.h"
 #include "tests/overset/clouds.h"
 
 namespace {
@@ -97,45 +95,6 @@ TEST_P(KdTreeAgainstPlain, RadiusListsTheSamePointsInTheSameOrder) {
     delete[] found;
 }
 
-TEST_P(KdTreeAgainstPlain, NearestFaceOfTheCutIsTheSamePointTiesIncluded) {
-    NearestFace faces;
-    for (std::size_t i = 0; i < cloud.x.size(); ++i) {
-        faces.Add({cloud.x[i], cloud.y[i], cloud.z[i]}, {0, 0, 1});
-    }
-
-    for (const Query& q : QueriesFor(cloud, 23)) {
-        EXPECT_EQ(faces.Find(q.data()), plainTree.Nearest(q[0], q[1], q[2]))
-            << q[0] << ' ' << q[1] << ' ' << q[2];
-    }
-}
-
-TEST_P(KdTreeAgainstPlain, SideToldFromAfarIsThatOfTheNearestFace) {
-    NearestFace faces;
-    std::vector<NearestFace::Vector> areas;
-    const Cloud vectors = UniformCloud(cloud.Size(), 24);
-    for (std::size_t i = 0; i < cloud.x.size(); ++i) {
-        // Pointing outward, more or less, as faces of a closed surface do.
-        areas.push_back({cloud.x[i] + 0.2 * vectors.x[i], cloud.y[i] + 0.2 * vectors.y[i],
-                         cloud.z[i] + 0.2 * vectors.z[i]});
-        faces.Add({cloud.x[i], cloud.y[i], cloud.z[i]}, areas.back());
-    }
-    for (Query q : QueriesFor(cloud, 25)) {
-        for (double scale : {1.0, 3.0, 20.0}) {
-            for (double depth : {0.0, 0.3, -0.3}) {
-                const double C[3] = {scale * q[0], scale * q[1], scale * q[2]};
-                const int side = faces.SideOf(C, depth);
-                const auto r = static_cast<std::size_t>(plainTree.Nearest(C[0], C[1], C[2])) - 1;
-                const NearestFace::Vector& S = areas[r];
-                const double value = (C[0] - cloud.x[r]) * S[0] + (C[1] - cloud.y[r]) * S[1] +
-                                     (C[2] - cloud.z[r]) * S[2] +
-                                     std::sqrt(S[0] * S[0] + S[1] * S[1] + S[2] * S[2]) * depth;
-                ASSERT_TRUE(side == 0 || (side > 0 ? value > 0.0 : value < 0.0))
-                    << C[0] << ' ' << C[1] << ' ' << C[2] << " side " << side << " of " << value;
-            }
-        }
-    }
-}
-
 INSTANTIATE_TEST_SUITE_P(Clouds, KdTreeAgainstPlain, testing::ValuesIn(AllClouds()),
                          [](const auto& param) { return param.param.name; });
 
@@ -152,41 +111,6 @@ TEST(KdTreeDegenerate, ATreeAsDeepAsItsPointsNeedsNoStackAndNoPatience) {
         EXPECT_EQ(tree.SearchByRadius(0, 0, 0, 10, found), n);
         delete[] found;
     }
-}
-
-TEST(NearestFace, WithoutFacesNothingIsFoundAndNothingIsClear) {
-    NearestFace faces;
-    const double C[3] = {0, 0, 0};
-
-    EXPECT_EQ(faces.Find(C), 0);
-    EXPECT_EQ(faces.SideOf(C, 1.0), 0);
-}
-
-TEST(NearestFace, CentresThatAreNoNumbersAreFoundAsTheTreeFindsThem) {
-    const double nan = std::nan("");
-    NearestFace faces;
-    plain::KdTree tree;
-    const Cloud cloud = UniformCloud(200, 26);
-    for (int i = 0; i < 200; ++i) {
-        const auto at = static_cast<std::size_t>(i);
-        const double y = i % 20 == 19 ? nan : cloud.y[at];
-        faces.Add({cloud.x[at], y, cloud.z[at]}, {0, 0, 1});
-        tree.Insert(cloud.x[at], y, cloud.z[at], i + 1);
-    }
-
-    for (const Query& q : QueriesFor(cloud, 27)) {
-        EXPECT_EQ(faces.Find(q.data()), tree.Nearest(q[0], q[1], q[2]));
-    }
-}
-
-TEST(NearestFace, AFaceThatIsNoNumberLeavesEveryCellToTheSearch) {
-    NearestFace faces;
-    faces.Add({0, 0, 0}, {0, 0, 1});
-    faces.Add({1, 0, 0}, {0, 0, std::nan("")});
-    const double C[3] = {0, 0, 100};
-
-    EXPECT_EQ(faces.SideOf(C, 0.0), 0);
-    EXPECT_EQ(faces.Find(C), 1);
 }
 
 }  // namespace
