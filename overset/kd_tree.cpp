@@ -72,6 +72,15 @@ bool CollectWithin(const KDtreeCore& core, const double* query, double radius,
     return false;
 }
 
+/// Inserts the points in the room made last.
+bool InsertAndIndex(KDtreeCore& tree) {
+    if (!InsertPoints(tree)) {
+        return false;
+    }
+    IndexNodes(tree);
+    return true;
+}
+
 /// An array of ints that nobody has set.
 int* NewIds(int n) {
     return new int[static_cast<std::size_t>(std::max(n, 0))];
@@ -102,7 +111,7 @@ bool KVX_ART_KDtree::BuildTree(double* x, double* y, double* z, int n) {
         ids[i] = i + 1;
         points[i] = {{x[i], y[i], z[i]}, &ids[i]};
     }
-    return InsertPoints(*tree);
+    return InsertAndIndex(*tree);
 }
 
 bool KVX_ART_KDtree::BuildTree(const double& x, const double& y, const double& z, int* id) {
@@ -127,7 +136,7 @@ bool KVX_ART_KDtree::BuildTreeByBlockId(double* x, double* y, double* z, int* bl
             *points++ = {{x[i], y[i], z[i]}, &ids[i]};
         }
     }
-    return InsertPoints(*tree);
+    return InsertAndIndex(*tree);
 }
 
 int KVX_ART_KDtree::SearchNearestPoints(const double& x, const double& y, const double& z,

@@ -4,6 +4,7 @@
 #include <new>
 #include <vector>
 
+#include "overset/kd_tree_index.h"
 #include "overset/kd_tree_store.h"
 
 namespace {
@@ -141,7 +142,9 @@ const KDtreeNode* NearestNode(const KDtreeCore& core, const double* query) {
     if (!core.root || !core.rect) {
         return nullptr;
     }
-    return NearestSearch(core, query).Run();
+    const KDtreeIndex* index = IndexOf(core);
+    const KDtreeNode* nearest = index && IsFinite(query) ? index->Nearest(query) : nullptr;
+    return nearest ? nearest : NearestSearch(core, query).Run();
 }
 
 bool IsMetBefore(const KDtreeCore& core, const double* query, const KDtreePoint& a,

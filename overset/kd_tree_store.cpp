@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "overset/kd_tree_build.h"
+#include "overset/kd_tree_index.h"
 
 namespace {
 
@@ -17,7 +18,8 @@ struct NodeChunk {
     NodeBlock* blocks;
 };
 
-constexpr int fewPoints = 8;  // not worth a build of their own
+constexpr int fewPoints = 8;   // not worth a build of their own
+constexpr int fewNodes = 256;  // a search of the tree is as quick as one of an index
 
 /// The core with the memory of its nodes. Every core is one of these; the chunk list stays out of
 /// KDtreeCore, whose fields are the interface.
@@ -25,12 +27,20 @@ struct KDtreeStore : KDtreeCore {
     NodeChunk* chunks;  ///< the one in use first
 };
 
-/// A box and its bounds in one allocation.
+/// A box and its bounds in one allocation. The box of all points is the one field of a tree that
+/// nobody else has a use for, so the index goes with it.
 struct RectBlock {
     KDtreeRect rect;
     double min[3];
     double max[3];
+    KDtreeIndex* index;  ///< owned, null for most trees
 };
+
+/// The block of a box; null if it is not one of these.
+RectBlock* BlockOf(KDtreeRect* rect) {
+    RectBlock* block = reinterpret_cast<RectBlock*>(rect);
+    return rect && rect->min == block->min && rect->max == block->max ? block : nullptr;
+}
 
 constexpr std::size_t cacheLine = 64;
 constexpr int firstChunk = 16;      // nodes; a tree of a few points stays small
@@ -80,12 +90,21 @@ KDtreeRect* NewRect(int dim, const double* xyz) try {
     std::copy(xyz, xyz + 3, block->min);
     std::copy(xyz, xyz + 3, block->max);
     block->rect = {dim, block->min, block->max};
+    block->index = nullptr;
     return &block->rect;
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
 
+void DropIndex(KDtreeCore& core) {
+    if (RectBlock* block = BlockOf(core.rect)) {
+        delete block->index;
+        block->index = nullptr;
+    }
+}
+
 void FreeRect(KDtreeCore& core) {
+    DropIndex(core);
     delete reinterpret_cast<RectBlock*>(core.rect);
     core.rect = nullptr;
 }
@@ -136,6 +155,11 @@ bool HasNaN(const KDtreePoint* points, int n) {
     });
 }
 
+bool AllFinite(const NodeBlock* blocks, int n) {
+    return std::all_of(blocks, blocks + n,
+                       [](const NodeBlock& block) { return IsFinite(block.xyz); });
+}
+
 void CallInPostOrder(KDtreeNode* node, void (*destructor)(int*)) {
     if (node) {
         CallInPostOrder(node->left, destructor);
@@ -170,6 +194,7 @@ void FreeKDtree(KDtreeCore* core) {
 }
 
 bool InsertPoint(KDtreeCore& core, const KDtreePoint& point) {
+    DropIndex(core);
     const FreePlace place = FallTo({&core.root, 0}, point.xyz);
     KDtreeNode* node = NewNode(static_cast<KDtreeStore&>(core), point, place.dir);
     if (!node) {
@@ -206,4 +231,21 @@ bool InsertPoints(KDtreeCore& core) {
         return false;
     }
     return true;
+}
+
+void IndexNodes(KDtreeCore& core) try {
+    const NodeChunk* chunk = static_cast<KDtreeStore&>(core).chunks;
+    RectBlock* block = BlockOf(core.rect);
+    if (!block || block->index || chunk->next || chunk->used < fewNodes ||
+        !AllFinite(chunk->blocks, chunk->used)) {
+        return;
+    }
+    block->index = new KDtreeIndex(core, chunk->blocks, chunk->used);
+} catch (const std::bad_alloc&) {
+    // Searches are slower without it, and nothing else.
+}
+
+const KDtreeIndex* IndexOf(const KDtreeCore& core) {
+    const RectBlock* block = BlockOf(core.rect);
+    return block && block->index && block->index->IsFor(core) ? block->index : nullptr;
 }

@@ -1,7 +1,11 @@
 #ifndef KVX3D_OVERSET_KD_TREE_STORE_H
 #define KVX3D_OVERSET_KD_TREE_STORE_H
 
+#include <cmath>
+
 #include "overset/kd_tree.h"
+
+class KDtreeIndex;
 
 /// Memory, growth and search of KDtreeCore; internal to the overset folder.
 ///
@@ -32,6 +36,17 @@ KDtreePoint* RoomForPoints(KDtreeCore& core, int n);
 /// Inserts the points in the room made last. The tree is node for node that of one InsertPoint()
 /// each; an empty tree is built from the top down, in memory read from front to end.
 bool InsertPoints(KDtreeCore& core);
+
+/// Makes a balanced index for the nearest searches of a tree that has many nodes, all of them from
+/// one InsertPoints(). A later insertion drops it, and without memory for it there is none.
+void IndexNodes(KDtreeCore& core);
+
+/// The index of a tree, or null. One made for another root or box is no index of this tree.
+const KDtreeIndex* IndexOf(const KDtreeCore& core);
+
+inline bool IsFinite(const double* xyz) {
+    return std::isfinite(xyz[0]) && std::isfinite(xyz[1]) && std::isfinite(xyz[2]);
+}
 
 /// True where the tree sends the point to the right of `node`: equal coordinates go right.
 inline bool GoesRight(const KDtreeNode& node, const double* xyz) {
