@@ -9,6 +9,8 @@
 namespace kvx3d_solver {
 namespace {
 
+constexpr double symmetryMargin = 1e-10;  // relative: sums formed in another order
+
 using Entry = std::pair<int, double>;  // 0-based column, value
 
 /// Row starts begin at 1, never fall and end behind the last entry.
@@ -71,10 +73,9 @@ int Normalise(Vector& values) {
         return 0;
     }
     const int exponent = std::ilogb(largest);
-    if (exponent != 0) {
-        for (double& v : values) {
-            v = std::ldexp(v, -exponent);
-        }
+    const double factor = std::ldexp(1.0, -exponent);
+    for (double& v : values) {
+        v = std::isfinite(factor) ? v * factor : std::ldexp(v, -exponent);
     }
     return exponent;
 }
@@ -104,6 +105,37 @@ std::optional<CsrSystem> ReadSystem(const CallerArrays& in) {
     system.solutionExponent = Normalise(system.rhs) - matrixExponent;
     system.rhsNorm = Norm(system.rhs);
     return system;
+}
+
+bool IsFixed(const CsrSystem& A, int row) {
+    for (int k = A.rowStart[row]; k < A.rowStart[row + 1]; ++k) {
+        if (k != A.diagonal[row] && A.value[k] != 0.0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool IsSymmetric(const CsrSystem& A) {
+    // The partners of a row's entries are asked for by ascending column, so a place in each row
+    // that only moves forwards finds them all.
+    std::vector<int> place(A.rowStart.begin(), A.rowStart.end() - 1);
+    for (int i = 0; i < A.n; ++i) {
+        for (int k = A.rowStart[i]; k < A.rowStart[i + 1]; ++k) {
+            const int j = A.column[k];
+            while (place[j] < A.rowStart[j + 1] && A.column[place[j]] < i) {
+                ++place[j];
+            }
+            const bool found = place[j] < A.rowStart[j + 1] && A.column[place[j]] == i;
+            const double partner = found ? A.value[place[j]] : 0.0;
+            const double difference = std::fabs(A.value[k] - partner);
+            if (difference > symmetryMargin * std::fabs(A.value[k]) && !IsFixed(A, i) &&
+                !IsFixed(A, j)) {
+                return false;
+            }
+        }
+    }
+    return true;
 }
 
 void Multiply(const CsrSystem& A, const Vector& x, Vector& y) {

@@ -40,6 +40,13 @@ struct CsrSystem {
 /// a row without diagonal, a matrix or right-hand side entry that is not finite.
 std::optional<CsrSystem> ReadSystem(const CallerArrays& arrays);
 
+/// True if a row holds nothing but its diagonal, stored zeros aside: its unknown is known.
+bool IsFixed(const CsrSystem& A, int row);
+
+/// True if the matrix is symmetric to rounding, columns of fixed rows aside: with those unknowns
+/// set the rest is a symmetric system.
+bool IsSymmetric(const CsrSystem& A);
+
 /// y = A x. The sizes must fit.
 void Multiply(const CsrSystem& A, const Vector& x, Vector& y);
 

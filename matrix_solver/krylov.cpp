@@ -173,6 +173,41 @@ int BiCgStab(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x) {
     return stop.steps;
 }
 
+int ConjugateGradients(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x) {
+    for (int row = 0; row < A.n; ++row) {
+        const double diagonal = A.value[A.diagonal[row]];
+        if (diagonal != 0.0 && IsFixed(A, row)) {
+            x[row] = A.rhs[row] / diagonal;
+        }
+    }
+    const auto n = static_cast<std::size_t>(A.n);
+    Vector r(n), z(n), p(n, 0.0), q(n);
+    double norm = Residual(A, x, r);
+    double rho = 1.0;
+    for (int step = 1; step <= stop.steps; ++step) {
+        if (norm <= stop.residual) {
+            return step - 1;
+        }
+        const double rhoOld = rho;
+        M.Apply(r, z);
+        rho = Dot(r, z);
+        const double beta = step == 1 ? 0.0 : rho / rhoOld;
+        for (std::size_t i = 0; i < n; ++i) {
+            p[i] = z[i] + beta * p[i];
+        }
+        Multiply(A, p, q);
+        const double curvature = Dot(p, q);
+        const double alpha = rho / curvature;
+        if (!(rho > 0.0 && curvature > 0.0 && std::isfinite(alpha))) {
+            return step;
+        }
+        AddScaled(alpha, p, x);
+        AddScaled(-alpha, q, r);
+        norm = Norm(r);
+    }
+    return stop.steps;
+}
+
 int Gmres(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x) {
     Vector r(static_cast<std::size_t>(A.n));
     GmresCycle cycle(A, M);

@@ -24,6 +24,15 @@ struct StopRule {
 /// @return steps taken; fewer than allowed on success, and on breakdown
 int BiCgStab(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x);
 
+/// Improves x by conjugate gradients, for a matrix as IsSymmetric() takes it that is positive
+/// definite, and M alike. The unknowns of fixed rows are set first, so that no residual is left
+/// that would couple one way only. x is the last iterate, not the best one. Knows no trial.
+///
+/// Source: Y. Saad, Iterative Methods for Sparse Linear Systems, 2nd ed., SIAM 2003, algorithm 9.1.
+///
+/// @return steps taken; fewer than allowed on success, and where A or M proves to be not definite
+int ConjugateGradients(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x);
+
 /// Improves x by GMRES restarted every 40 steps, preconditioned from the right. Knows no trial.
 /// x never gets worse.
 ///

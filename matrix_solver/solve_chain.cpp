@@ -13,14 +13,17 @@
 #include "matrix_solver/krylov.h"
 #include "matrix_solver/lu_work.h"
 #include "matrix_solver/multigrid.h"
+#include "matrix_solver/pairwise_multigrid.h"
 #include "matrix_solver/sparse_lu.h"
 
 namespace kvx3d_solver {
 namespace {
 
-constexpr int alwaysDense = 64;        // rows up to which dense LU beats any set-up
-constexpr int denseLimit = 2000;       // rows; 32 MB of factors
-constexpr double denseFilling = 0.25;  // of n * n, from where a matrix counts as full
+constexpr int alwaysDense = 64;            // rows up to which dense LU beats any set-up
+constexpr int denseLimit = 2000;           // rows; 32 MB of factors
+constexpr double denseFilling = 0.25;      // of n * n, from where a matrix counts as full
+constexpr double promise = 0.05;           // of ILU(0), from where a trial is worth while
+constexpr double symmetricPromise = 0.15;  // where conjugate gradients, which are quicker, follow
 constexpr int trialSteps = 10;
 constexpr double trialProgress = 0.5;  // of the way to the tolerance, in orders of magnitude
 constexpr int quickSteps = 30;         // cost about as much as setting up a hierarchy
@@ -41,6 +44,7 @@ public:
           options(chosen),
           target(chosen.tolerance * system.rhsNorm),
           stepsLeft(chosen.maxIterations),
+          symmetric(IsSymmetric(system)),
           best(start),
           work(start.size()) {
         startResidual = bestResidual = Residual(A, best, work);
@@ -80,12 +84,26 @@ public:
     /// ILU(0)-BiCGSTAB. Where multigrid could follow, only as long as it promises to end before
     /// a hierarchy would be set up: convection and time steps do, a large Poisson problem does not.
     void TryIlu() {
-        if (options.useMultigrid && HasMultigrid()) {
+        const bool duneFollows = options.useMultigrid && HasMultigrid();
+        if (symmetric || duneFollows) {
+            if (IluPromise() < (symmetric ? symmetricPromise : promise)) {
+                return;
+            }
             const double trialResidual =
                 std::pow(bestResidual, 1.0 - trialProgress) * std::pow(target, trialProgress);
             Iterate(BiCgStab, Ilu(), {target, quickSteps, trialSteps, trialResidual});
         } else {
             Iterate(BiCgStab, Ilu(), {target, aloneSteps});
+        }
+    }
+
+    /// Conjugate gradients with the lean multigrid, about twice as fast as what follows.
+    void TrySymmetric() {
+        if (!symmetric || stepsLeft == 0) {
+            return;
+        }
+        if (const auto multigrid = MakePairwiseMultigrid(A)) {
+            Iterate(ConjugateGradients, *multigrid, {target, bicgstabSteps});
         }
     }
 
@@ -129,6 +147,21 @@ public:
     }
 
 private:
+    /// How much of a constant vector ILU(0) gives back after the matrix took it, 0 to 1: near 1 the
+    /// factors carry information as far as the inverse does. The steps to expect are about 3 over
+    /// this; a Poisson problem of m cells a side has 4 / m.
+    double IluPromise() {
+        const Vector ones(best.size(), 1.0);
+        Vector back(best.size());
+        Multiply(A, ones, work);
+        Ilu().Apply(work, back);
+        double sum = 0.0;
+        for (const double v : back) {
+            sum += std::min(1.0, std::fabs(v));
+        }
+        return sum / A.n;
+    }
+
     /// Keeps x if its true residual is the smallest so far.
     void Offer(const Vector& x) {
         const double residual = Residual(A, x, work);
@@ -190,6 +223,7 @@ private:
     const SolveOptions& options;
     double target;  ///< norm of the residual to reach
     int stepsLeft;
+    bool symmetric;
     Vector best;
     Vector work;
     std::unique_ptr<Preconditioner> ilu;  ///< made when first asked for
@@ -219,6 +253,9 @@ Outcome SolveChain(const CsrSystem& A, const SolveOptions& options, Vector& x) {
         }
         if (!chain.Solved()) {
             chain.TryIlu();
+        }
+        if (!chain.Solved()) {
+            chain.TrySymmetric();
         }
         if (!chain.Solved()) {
             chain.TryMultigrid();

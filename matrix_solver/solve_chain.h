@@ -17,9 +17,10 @@ struct SolveOptions {
 enum class Outcome { Solved, ToleranceMissed, Singular };
 
 /// Solves A x = b by the first method that meets the tolerance: dense LU alone for a small or full
-/// system; else BiCGSTAB with ILU(0), given up early if slow, then with multigrid, ILU(0)-GMRES,
-/// sparse LU in this order. A method starts from the best iterate so far. Where there is no
-/// multigrid, the first of them is not given up early.
+/// system; else BiCGSTAB with ILU(0) where that promises to be quick, given up early if it is not;
+/// conjugate gradients with the pairwise multigrid for a symmetric matrix; BiCGSTAB with DUNE's
+/// multigrid; ILU(0)-GMRES; sparse LU. A method starts from the best iterate so far. Where no
+/// multigrid could follow, the first of them runs in any case and is not given up early.
 ///
 /// @param[in]     A  a system with n >= 1
 /// @param[in,out] x  start vector, then the best iterate; unchanged if it meets the tolerance

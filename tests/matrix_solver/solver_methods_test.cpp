@@ -12,6 +12,7 @@
 #include "matrix_solver/krylov.h"
 #include "matrix_solver/lu_work.h"
 #include "matrix_solver/multigrid.h"
+#include "matrix_solver/pairwise_multigrid.h"
 #include "matrix_solver/sparse_lu.h"
 #include "tests/matrix_solver/problems.h"
 
@@ -70,6 +71,46 @@ TEST(CsrSystem, ResidualOfAValueThatIsNotFiniteIsInfinite) {
     x[4] = std::nan("");
 
     EXPECT_EQ(kvx3d_solver::Residual(system, x, r), HUGE_VAL);
+}
+
+TEST(CsrSystem, IsSymmetricWhereEveryEntryHasAnEqualPartner) {
+    Problem negated = Diffusion(6, 1.0, 2.0, 3.0);
+    NegateHalfOfTheRows(negated, /*seed=*/37);
+    EXPECT_TRUE(kvx3d_solver::IsSymmetric(Read(Diffusion(6, 1.0, 2.0, 3.0))));
+    EXPECT_TRUE(kvx3d_solver::IsSymmetric(Read(negated)));
+
+    Problem changed = Diffusion(6, 1.0, 2.0, 3.0);
+    changed.Aa[1] *= 1.0 + 1e-6;
+    EXPECT_FALSE(kvx3d_solver::IsSymmetric(Read(changed)));
+    EXPECT_FALSE(kvx3d_solver::IsSymmetric(Read(ConvectionDiffusion(6, 1.0))));
+}
+
+TEST(CsrSystem, AnEntryWithoutPartnerIsNotSymmetric) {
+    for (const bool below : {false, true}) {
+        Problem p;
+        p.AddRow(1.0, {{2, -0.25}});
+        p.AddRow(1.0, {{1, -0.25}, {3, below ? -0.25 : -0.5}});
+        p.AddRow(1.0, {{2, -0.25}});
+        p.rhs = {1.0, 1.0, 1.0};
+        EXPECT_EQ(kvx3d_solver::IsSymmetric(Read(p)), below);
+
+        Problem oneSided;
+        oneSided.AddRow(1.0, below ? std::vector<Problem::Neighbour>{{2, -0.25}}
+                                   : std::vector<Problem::Neighbour>{{2, -0.25}, {3, -0.25}});
+        oneSided.AddRow(1.0, {{1, -0.25}});
+        oneSided.AddRow(1.0, below ? std::vector<Problem::Neighbour>{{1, -0.25}}
+                                   : std::vector<Problem::Neighbour>{{2, -1e-9}});
+        oneSided.rhs = {1.0, 1.0, 1.0};
+        EXPECT_FALSE(kvx3d_solver::IsSymmetric(Read(oneSided)));
+    }
+}
+
+TEST(CsrSystem, ColumnsOfFixedRowsDoNotCountAgainstSymmetry) {
+    Problem blanked = Diffusion(6, 1.0, 1.0, 1.0);
+    BlankCells(blanked, /*seed=*/38);
+
+    EXPECT_TRUE(kvx3d_solver::IsSymmetric(Read(blanked)));
+    EXPECT_TRUE(kvx3d_solver::IsSymmetric(Read(NeumannWithOneFixedCell(6))));
 }
 
 TEST(DenseLu, ExchangesRowsForTheLargerPivot) {
@@ -225,6 +266,51 @@ TEST(Krylov, ABreakdownLeavesTheStart) {
     EXPECT_EQ(x, (Vector{0.0, 0.0}));
 }
 
+TEST(Krylov, ConjugateGradientsEndTwoUnknownsInTwoSteps) {
+    Problem p;
+    p.AddRow(1.5, {{2, 0.5}});
+    p.AddRow(1.25, {{1, 0.5}});
+    p.rhs = {1.0, 1.0};
+    const CsrSystem system = Read(p);
+    Identity M;
+    Vector x(2, 0.0), r(2);
+
+    const int steps = kvx3d_solver::ConjugateGradients(system, M, {1e-13, 10}, x);
+
+    EXPECT_EQ(steps, 2);
+    EXPECT_LE(kvx3d_solver::Residual(system, x, r), 1e-13);
+}
+
+TEST(Krylov, ConjugateGradientsSetFixedUnknownsFirst) {
+    Problem p;  // row 1 is fixed, row 2 sees it, row 3 does not
+    p.AddRow(1.0, {{2, 0.0}});
+    p.AddRow(1.5, {{1, -1.0}, {3, -0.5}});
+    p.AddRow(1.5, {{2, -0.5}});
+    p.rhs = {1.0, 1.0, 1.0};
+    const CsrSystem system = Read(p);
+    Identity M;
+    Vector x = {7.0, 0.0, 0.0}, r(3);
+
+    const int steps = kvx3d_solver::ConjugateGradients(system, M, {1e-13, 10}, x);
+
+    EXPECT_LE(steps, 2);
+    EXPECT_EQ(x[0], 1.0);
+    EXPECT_LE(kvx3d_solver::Residual(system, x, r), 1e-13);
+}
+
+TEST(Krylov, ConjugateGradientsLeaveAMatrixThatIsNotDefinite) {
+    Problem p;
+    p.AddRow(0.0, {{2, 1.0}});
+    p.AddRow(0.0, {{1, 1.0}});
+    p.rhs = {1.0, -1.0};
+    const CsrSystem system = Read(p);
+    Identity M;
+    Vector x(2, 0.0);
+
+    EXPECT_EQ(kvx3d_solver::ConjugateGradients(system, M, {1e-13, 10}, x), 1);
+    EXPECT_EQ(x, (Vector{0.0, 0.0}));
+}
+
 TEST(LuWork, CountsALineAsAChainOfSingleRows) {
     Problem p;
     for (int i = 1; i <= 10; ++i) {
@@ -338,6 +424,81 @@ TEST(Multigrid, DeclinesADiagonalMatrix) {
     p.ChooseSolution(/*seed=*/35);
 
     EXPECT_FALSE(kvx3d_solver::MakeMultigrid(Read(p)));
+}
+
+TEST(PairwiseMultigrid, OneCycleReachesTheSmoothPartThatIlu0DoesNot) {
+    CsrSystem system = Read(Diffusion(24, 1.0, 1.0, 1.0));
+    const Vector one(system.rhs.size(), 1.0);
+    kvx3d_solver::Multiply(system, one, system.rhs);
+    Vector byMultigrid(one), byIlu(one);
+    const auto multigrid = kvx3d_solver::MakePairwiseMultigrid(system);
+    ASSERT_TRUE(multigrid);
+
+    multigrid->Apply(system.rhs, byMultigrid);
+    kvx3d_solver::Ilu0(system).Apply(system.rhs, byIlu);
+
+    const double rows = static_cast<double>(one.size());
+    EXPECT_GT(kvx3d_solver::Dot(one, byMultigrid), 0.6 * rows);
+    EXPECT_LT(kvx3d_solver::Dot(one, byIlu), 0.2 * rows);
+}
+
+TEST(PairwiseMultigrid, IsSymmetric) {
+    const CsrSystem system = Read(JumpingDiffusion(16, 100.0));
+    const Vector u = Read(Diffusion(16, 1.0, 2.0, 3.0)).rhs;
+    const Vector v = system.rhs;
+    Vector Mu(u.size()), Mv(v.size());
+    const auto multigrid = kvx3d_solver::MakePairwiseMultigrid(system);
+    ASSERT_TRUE(multigrid);
+
+    multigrid->Apply(u, Mu);
+    multigrid->Apply(v, Mv);
+
+    const double size = std::sqrt(kvx3d_solver::Dot(u, Mu) * kvx3d_solver::Dot(v, Mv));
+    EXPECT_NEAR(kvx3d_solver::Dot(v, Mu), kvx3d_solver::Dot(u, Mv), 1e-5 * size);  // of a float
+    EXPECT_GT(std::fabs(kvx3d_solver::Dot(v, Mu)), 1e-3 * size);  // or the test says nothing
+}
+
+TEST(PairwiseMultigrid, AddsNoConstantWhereWallsAreClosed) {
+    const CsrSystem system = Read(PureNeumann(32));
+    Vector z(system.rhs.size());
+    const auto multigrid = kvx3d_solver::MakePairwiseMultigrid(system);
+    ASSERT_TRUE(multigrid);
+
+    multigrid->Apply(system.rhs, z);
+
+    EXPECT_LT(DistanceFromOne(z), 5.0);
+}
+
+TEST(PairwiseMultigrid, SolvesADiagonalMatrixBySweepsAlone) {
+    Problem p;
+    for (int i = 0; i < 2000; ++i) {
+        p.AddRow(2.0, {});
+    }
+    p.ChooseSolution(/*seed=*/39);
+    const CsrSystem system = Read(p);
+    Vector z(system.rhs.size()), r(system.rhs.size());
+    const auto multigrid = kvx3d_solver::MakePairwiseMultigrid(system);
+    ASSERT_TRUE(multigrid);
+
+    multigrid->Apply(system.rhs, z);
+
+    EXPECT_LE(kvx3d_solver::Residual(system, z, r), 1e-6 * system.rhsNorm);
+}
+
+TEST(PairwiseMultigrid, DeclinesWhereNothingCanBeMatched) {
+    Problem p = Diffusion(18, 1.0, 1.0, 1.0);
+    for (double& a : p.Aa) {
+        a = std::fabs(a);  // a positive coupling is none
+    }
+
+    EXPECT_FALSE(kvx3d_solver::MakePairwiseMultigrid(Read(p)));
+}
+
+TEST(PairwiseMultigrid, DeclinesADiagonalOfZero) {
+    Problem p = Diffusion(10, 1.0, 1.0, 1.0);
+    p.Aa[static_cast<std::size_t>(p.Ia[500] - 1)] = 0.0;
+
+    EXPECT_FALSE(kvx3d_solver::MakePairwiseMultigrid(Read(p)));
 }
 
 }  // namespace

@@ -1,0 +1,329 @@
+#include "matrix_solver/pairwise_multigrid.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "matrix_solver/dense_lu.h"
+
+namespace kvx3d_solver {
+namespace {
+
+constexpr int matchings = 3;            // from one level to the next: up to 2^3 rows an aggregate
+constexpr int coarsestRows = 300;       // coarsening stops here
+constexpr int largestCoarsest = 1000;   // rows the dense LU may still get; more is a stall
+constexpr double slowestRate = 0.7;     // of the rows left by a level, above which it has stalled
+constexpr double coarsestShift = 1e-6;  // of the diagonal, above the rounding of the sums below it
+constexpr float strong = 0.25F;         // of a row's strongest coupling
+constexpr float dominant = 5.0F;        // times its couplings: the sweeps alone settle such a row
+constexpr float overcorrection = 1.8F;  // makes up for corrections constant on an aggregate
+constexpr int noAggregate = -1;
+constexpr int undecided = -2;
+
+/// A square matrix by rows, columns ascending.
+struct Level {
+    int n = 0;
+    std::vector<int> rowStart;  ///< n + 1 positions
+    std::vector<int> column;
+    std::vector<int> diagonal;  ///< n positions
+    std::vector<float> value;
+
+    std::vector<int> aggregate;  ///< n rows of the next level, or noAggregate
+    std::vector<float> inverseDiagonal, r, z;
+};
+
+/// What a row couples to: its strongest neighbour, and the strongest that is still undecided.
+struct Couplings {
+    float sum = 0.0F;
+    float strongest = 0.0F;
+    float strongestFree = 0.0F;
+    int neighbour = -1;
+    int freeNeighbour = -1;
+};
+
+Couplings CouplingsOf(const Level& A, int row, const std::vector<int>& aggregate) {
+    Couplings found;
+    for (int k = A.rowStart[row]; k < A.rowStart[row + 1]; ++k) {
+        if (k == A.diagonal[row]) {
+            continue;
+        }
+        const float coupling = -A.value[k];
+        found.sum += std::fabs(coupling);
+        if (coupling > found.strongest) {
+            found.strongest = coupling;
+            found.neighbour = A.column[k];
+        }
+        if (coupling > found.strongestFree && aggregate[A.column[k]] == undecided) {
+            found.strongestFree = coupling;
+            found.freeNeighbour = A.column[k];
+        }
+    }
+    return found;
+}
+
+/// Matches each row with its strongest free neighbour; a row without one joins the aggregate of its
+/// strongest neighbour. Returns the number of aggregates.
+int MatchRows(const Level& A, std::vector<int>& aggregate) {
+    aggregate.assign(static_cast<std::size_t>(A.n), undecided);
+    int count = 0;
+    for (int row = 0; row < A.n; ++row) {
+        if (aggregate[row] != undecided) {
+            continue;
+        }
+        const Couplings found = CouplingsOf(A, row, aggregate);
+        if (A.value[A.diagonal[row]] > dominant * found.sum) {
+            aggregate[row] = noAggregate;
+        } else if (found.freeNeighbour >= 0 && found.strongestFree >= strong * found.strongest) {
+            aggregate[row] = aggregate[found.freeNeighbour] = count++;
+        } else if (found.neighbour >= 0 && aggregate[found.neighbour] >= 0) {
+            aggregate[row] = aggregate[found.neighbour];
+        } else {
+            aggregate[row] = count++;
+        }
+    }
+    return count;
+}
+
+/// The rows of each aggregate one behind the other, and where each begins.
+std::pair<std::vector<int>, std::vector<int>> RowsByAggregate(const std::vector<int>& aggregate,
+                                                              int count) {
+    std::vector<int> start(static_cast<std::size_t>(count) + 2, 0);
+    for (const int a : aggregate) {
+        if (a >= 0) {
+            ++start[a + 2];
+        }
+    }
+    for (int a = 0; a < count; ++a) {
+        start[a + 2] += start[a + 1];
+    }
+    std::vector<int> rows(static_cast<std::size_t>(start[count + 1]));
+    for (std::size_t row = 0; row < aggregate.size(); ++row) {
+        if (aggregate[row] >= 0) {
+            rows[start[aggregate[row] + 1]++] = static_cast<int>(row);
+        }
+    }
+    return {std::move(rows), std::move(start)};
+}
+
+/// Sorts the entries of the last row of `A` by column and notes where its diagonal stands.
+void FinishRow(Level& A, int row) {
+    const int begin = A.rowStart[row];
+    const int end = static_cast<int>(A.column.size());
+    for (int k = begin + 1; k < end; ++k) {
+        const int column = A.column[k];
+        const float value = A.value[k];
+        int place = k;
+        for (; place > begin && A.column[place - 1] > column; --place) {
+            A.column[place] = A.column[place - 1];
+            A.value[place] = A.value[place - 1];
+        }
+        A.column[place] = column;
+        A.value[place] = value;
+    }
+    const auto found = std::find(A.column.begin() + begin, A.column.end(), row);
+    A.diagonal.push_back(static_cast<int>(found - A.column.begin()));
+    A.rowStart.push_back(end);
+}
+
+/// The Galerkin product with transfers that are 1 on an aggregate: entries are added up.
+Level Merge(const Level& A, const std::vector<int>& aggregate, int count) {
+    const auto [rows, start] = RowsByAggregate(aggregate, count);
+    Level coarse;
+    coarse.n = count;
+    coarse.rowStart.push_back(0);
+    coarse.column.reserve(A.column.size() / 2);
+    coarse.value.reserve(A.value.size() / 2);
+    std::vector<int> place(static_cast<std::size_t>(count), -1);  // of a column, or before the row
+    for (int row = 0; row < count; ++row) {
+        const int begin = coarse.rowStart[row];
+        for (int member = start[row]; member < start[row + 1]; ++member) {
+            const int fine = rows[member];
+            for (int k = A.rowStart[fine]; k < A.rowStart[fine + 1]; ++k) {
+                const int column = aggregate[A.column[k]];
+                if (column < 0) {
+                    continue;
+                }
+                if (place[column] < begin) {
+                    place[column] = static_cast<int>(coarse.column.size());
+                    coarse.column.push_back(column);
+                    coarse.value.push_back(A.value[k]);
+                } else {
+                    coarse.value[place[column]] += A.value[k];
+                }
+            }
+        }
+        FinishRow(coarse, row);
+    }
+    return coarse;
+}
+
+/// The next level, and for each row of A its aggregate.
+Level Coarsen(Level& A) {
+    Level coarse = Merge(A, A.aggregate, MatchRows(A, A.aggregate));
+    std::vector<int> aggregate;
+    for (int i = 1; i < matchings && coarse.n > 0; ++i) {
+        const int count = MatchRows(coarse, aggregate);
+        for (int& a : A.aggregate) {
+            a = a < 0 ? noAggregate : aggregate[a];
+        }
+        coarse = Merge(coarse, aggregate, count);
+    }
+    return coarse;
+}
+
+class PairwiseMultigrid : public Preconditioner {
+public:
+    explicit PairwiseMultigrid(const CsrSystem& A) {
+        Level finest;
+        finest.n = A.n;
+        finest.rowStart = A.rowStart;
+        finest.column = A.column;
+        finest.diagonal = A.diagonal;
+        finest.value.assign(A.value.begin(), A.value.end());
+        levels.push_back(std::move(finest));
+        while (levels.back().n > coarsestRows) {
+            Level next = Coarsen(levels.back());
+            if (next.n > slowestRate * levels.back().n) {
+                break;
+            }
+            levels.push_back(std::move(next));
+        }
+        usable = PrepareSweeps() && FactorCoarsest();
+    }
+
+    bool Usable() const { return usable; }
+
+    /// The residual is brought to a norm of 1 on the way: single precision ends at 1e-38.
+    void Apply(const Vector& r, Vector& z) override {
+        const double norm = Norm(r);
+        const double scale = norm > 0.0 ? 1.0 / norm : 1.0;
+        Level& finest = levels.front();
+        for (int i = 0; i < finest.n; ++i) {
+            finest.r[i] = static_cast<float>(r[i] * scale);
+        }
+        Cycle(0);
+        for (int i = 0; i < finest.n; ++i) {
+            z[i] = norm * finest.z[i];
+        }
+    }
+
+private:
+    bool PrepareSweeps() {
+        for (Level& level : levels) {
+            const auto n = static_cast<std::size_t>(level.n);
+            level.inverseDiagonal.resize(n);
+            level.r.resize(n);
+            level.z.resize(n);
+            for (int i = 0; i < level.n; ++i) {
+                const float diagonal = level.value[level.diagonal[i]];
+                if (!(diagonal > 0.0F)) {
+                    return false;
+                }
+                level.inverseDiagonal[i] = 1.0F / diagonal;
+            }
+        }
+        return true;
+    }
+
+    bool FactorCoarsest() {
+        const Level& level = levels.back();
+        if (level.n > largestCoarsest) {
+            return false;
+        }
+        CsrSystem coarsest;
+        coarsest.n = level.n;
+        coarsest.rowStart = level.rowStart;
+        coarsest.column = level.column;
+        coarsest.diagonal = level.diagonal;
+        coarsest.value.assign(level.value.begin(), level.value.end());
+        for (const int k : coarsest.diagonal) {
+            coarsest.value[k] *= 1.0 + coarsestShift;
+        }
+        coarsestLu.emplace(coarsest, 0.0);
+        coarsestR.resize(static_cast<std::size_t>(level.n));
+        coarsestZ.resize(static_cast<std::size_t>(level.n));
+        return coarsestLu->ZeroPivots() == 0;
+    }
+
+    /// z of a level from its r.
+    void Cycle(std::size_t l) {
+        Level& level = levels[l];
+        if (l + 1 == levels.size()) {
+            std::copy(level.r.begin(), level.r.end(), coarsestR.begin());
+            coarsestLu->Solve(coarsestR, coarsestZ);
+            std::transform(coarsestZ.begin(), coarsestZ.end(), level.z.begin(),
+                           [](double v) { return static_cast<float>(v); });
+            return;
+        }
+        Level& coarse = levels[l + 1];
+        SweepForth(level);
+        Restrict(level, coarse.r);
+        Cycle(l + 1);
+        for (int i = 0; i < level.n; ++i) {
+            if (level.aggregate[i] >= 0) {
+                level.z[i] += overcorrection * coarse.z[level.aggregate[i]];
+            }
+        }
+        SweepBack(level);
+    }
+
+    /// From zero, so what stands behind the diagonal does not count yet.
+    static void SweepForth(Level& level) {
+        for (int i = 0; i < level.n; ++i) {
+            float sum = level.r[i];
+            for (int k = level.rowStart[i]; k < level.diagonal[i]; ++k) {
+                sum -= level.value[k] * level.z[level.column[k]];
+            }
+            level.z[i] = sum * level.inverseDiagonal[i];
+        }
+    }
+
+    /// The sums of the residual over the aggregates. After a sweep from zero the residual is what
+    /// stands behind the diagonal: half of a product.
+    static void Restrict(const Level& level, std::vector<float>& coarse) {
+        std::fill(coarse.begin(), coarse.end(), 0.0F);
+        for (int i = 0; i < level.n; ++i) {
+            if (level.aggregate[i] < 0) {
+                continue;
+            }
+            float sum = 0.0F;
+            for (int k = level.diagonal[i] + 1; k < level.rowStart[i + 1]; ++k) {
+                sum += level.value[k] * level.z[level.column[k]];
+            }
+            coarse[level.aggregate[i]] -= sum;
+        }
+    }
+
+    static void SweepBack(Level& level) {
+        for (int i = level.n - 1; i >= 0; --i) {
+            float sum = level.r[i];
+            for (int k = level.rowStart[i]; k < level.diagonal[i]; ++k) {
+                sum -= level.value[k] * level.z[level.column[k]];
+            }
+            for (int k = level.diagonal[i] + 1; k < level.rowStart[i + 1]; ++k) {
+                sum -= level.value[k] * level.z[level.column[k]];
+            }
+            level.z[i] = sum * level.inverseDiagonal[i];
+        }
+    }
+
+    std::vector<Level> levels;  ///< from the system's own to the coarsest
+    std::optional<DenseLu> coarsestLu;
+    Vector coarsestR, coarsestZ;
+    bool usable;
+};
+
+}  // namespace
+
+std::unique_ptr<Preconditioner> MakePairwiseMultigrid(const CsrSystem& A) {
+    auto multigrid = std::make_unique<PairwiseMultigrid>(A);
+    if (!multigrid->Usable()) {
+        return nullptr;
+    }
+    return multigrid;
+}
+
+}  // namespace kvx3d_solver
