@@ -2,6 +2,7 @@
 #define KVX3D_BENCHMARKS_PLAIN_OVERSET_H
 
 #include <cmath>
+#include <limits>
 
 #include "benchmarks/plain/plain_kd_tree.h"
 #include "overset/overset_grid_data.h"
@@ -79,20 +80,21 @@ public:
         Fill(componentTree, 2);
     }
 
-    int InnerDonor(int face) const {
+    /// Donor of an inner face; 0 if `tries` searches do not end at one.
+    int InnerDonor(int face, int tries = std::numeric_limits<int>::max()) const {
         const int o = data.Ce23[0][face];
         const int n = data.Ce23[1][face];
         const bool turned = data.cellState[o] == 1 && data.cellState[n] == 2;
         const double sign = turned ? -1.0 : 1.0;
         const double P[3] = {data.xe[face], data.ye[face], data.ze[face]};
         const double N[3] = {sign * data.nxe[face], sign * data.nye[face], sign * data.nze[face]};
-        return Donor(P, N, turned ? n : o);
+        return Donor(P, N, turned ? n : o, tries);
     }
 
     int WallDonor(int w) const {
         const double P[3] = {data.xWall[w], data.yWall[w], data.zWall[w]};
         const double N[3] = {data.nxWall[w], data.nxWall[w], data.nxWall[w]};
-        return Donor(P, N, data.CWall23[w]);
+        return Donor(P, N, data.CWall23[w], std::numeric_limits<int>::max());
     }
 
     KVX_ART_OVERSET_GRID_DATA& data;
@@ -115,10 +117,14 @@ private:
         }
     }
 
-    int Donor(const double* P, const double* N, int c) const {
-        const KdTree& tree =
-            data.cavityToGrid[data.cavityId[c]] == 1 ? componentTree : backgroundTree;
-        for (double t = 1.0;; t += 0.1) {
+    int Donor(const double* P, const double* N, int c, int tries) const {
+        const int grid = data.cavityToGrid[data.cavityId[c]];
+        if (grid != 1 && grid != 2) {
+            return 0;  // no tree to search
+        }
+        const KdTree& tree = grid == 1 ? componentTree : backgroundTree;
+        double t = 1.0;
+        for (int i = 0; i < tries && tree.root; ++i, t += 0.1) {
             const int d =
                 tree.Nearest((P[0] - data.xc[c]) * t + P[0], (P[1] - data.yc[c]) * t + P[1],
                              (P[2] - data.zc[c]) * t + P[2]);
@@ -128,6 +134,7 @@ private:
                 return d;
             }
         }
+        return 0;
     }
 };
 
