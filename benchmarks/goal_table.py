@@ -22,6 +22,7 @@ from dataclasses import dataclass, field
 BEGIN = "<!-- tables begin: written by benchmarks/run.sh -->"
 END = "<!-- tables end -->"
 STEEP = 1.1  # an exponent of time against size above this needs a reason
+SERIES = 4  # sizes from which a row shows how it grows
 
 
 @dataclass
@@ -70,14 +71,51 @@ ROWS = [
     Row("Pattern declared by face", "sparse_matrix_benchmark",
         "BM_Pattern", "BM_PatternPlain", "plain", "rows", {"100": 1.15}),
     Row("Diffusion operator", "operators_benchmark",
-        "BM_Diffusion", "BM_DiffusionKnown", "known positions", "faces", {"70": 1.3}),
+        "BM_Diffusion", "BM_DiffusionBare", "known positions", "faces", {"70": 1.3}),
     Row("LUD convection operator", "operators_benchmark",
-        "BM_ConvectionLUD", "BM_ConvectionLUDKnown", "known positions", "faces", {"70": 1.3}),
+        "BM_LUD", "BM_LUDBare", "known positions", "faces", {"70": 1.3}),
     Row("Step file", "vtk_benchmark",
         "BM_StepFile", "BM_StepFilePlain", "plain stream", "cells", {"58": 0.75}),
     Row("Solver library, Poisson", "matrix_solver_benchmark",
         "BM_Library/Poisson", "BM_LibraryToolbox/Poisson", "BiCGSTAB + DILU", "rows",
         {"100": 0.6}),
+
+    Row("DILU factorisation, 7-point", "bicgstab_benchmark",
+        "BM_Factorisation/Box", "BM_FactorisationPlain/Box", "plain", "rows"),
+    Row("DILU factorisation, irregular", "bicgstab_benchmark",
+        "BM_Factorisation/Irregular", "BM_FactorisationPlain/Irregular", "plain", "rows"),
+    Row("BiCGSTAB + DILU, 7-point", "bicgstab_benchmark",
+        "BM_Solve/Box", "BM_SolveEigenILUT/Box", "Eigen, ILUT", "rows"),
+    Row("BiCGSTAB + DILU, irregular", "bicgstab_benchmark",
+        "BM_Solve/Irregular", "BM_SolveEigenDiagonal/Irregular", "Eigen, diagonal", "rows"),
+    Row("Tree of random points", "kd_tree_benchmark",
+        "BM_Build/Uniform", "BM_BuildNanoflann/Uniform", "nanoflann", "points"),
+    Row("Tree of lattice points", "kd_tree_benchmark",
+        "BM_Build/Lattice", "BM_BuildNanoflann/Lattice", "nanoflann", "points"),
+    Row("Assembly by coordinates", "sparse_matrix_benchmark",
+        "BM_Assembly", "BM_AssemblyEigen", "Eigen, coeffRef", "rows"),
+    Row("Diffusion operator", "operators_benchmark",
+        "BM_Diffusion", "BM_DiffusionPlain", "plain", "faces"),
+    Row("LUD convection operator", "operators_benchmark",
+        "BM_LUD", "BM_LUDPlain", "plain", "faces"),
+    Row("First-order upwind operator", "operators_benchmark",
+        "BM_FU", "BM_FUBare", "known positions", "faces"),
+    Row("QUICK operator", "operators_benchmark",
+        "BM_QUICK", "BM_QUICKBare", "known positions", "faces"),
+    Row("Step file", "vtk_benchmark",
+        "BM_StepFile", "BM_StepFileLineWrites", "a write a line", "cells"),
+    Row("Solver library through its matrix class, Poisson", "matrix_solver_benchmark",
+        "BM_LibraryFront/Poisson", "BM_LibraryToolbox/Poisson", "BiCGSTAB + DILU", "rows"),
+    Row("Solver library, Poisson", "matrix_solver_benchmark",
+        "BM_Library/Poisson", "BM_LibraryDune/Poisson", "DUNE's multigrid alone", "rows"),
+    Row("Solver library, cell Peclet number 10", "matrix_solver_benchmark",
+        "BM_Library/Convection", "BM_LibraryToolbox/Convection", "BiCGSTAB + DILU", "rows"),
+    Row("Solver library, cell Peclet number 10", "matrix_solver_benchmark",
+        "BM_Library/Convection", "BM_LibraryEigen/Convection", "Eigen, ILUT", "rows"),
+    Row("Solver library, 1:100 anisotropic", "matrix_solver_benchmark",
+        "BM_Library/Anisotropic", "BM_LibraryToolbox/Anisotropic", "BiCGSTAB + DILU", "rows"),
+    Row("Solver library, 1:100 anisotropic", "matrix_solver_benchmark",
+        "BM_Library/Anisotropic", "BM_LibraryEigen/Anisotropic", "Eigen, ILUT", "rows"),
 ]
 
 MEMORY = [
@@ -171,7 +209,7 @@ def exponent(sizes, times):
 
 def three_digits(value):
     """Three significant digits, never in scientific notation: 0.0712, 1.98, 31.1, 12400."""
-    decimals = 2 - math.floor(math.log10(abs(value))) if value else 0
+    decimals = 2 - math.floor(math.log10(abs(value))) if value else 2
     rounded = round(value, decimals)
     return f"{rounded:.{max(decimals, 0)}f}"
 
@@ -226,16 +264,30 @@ def goal_lines(series):
                 continue
             lines.append([
                 row.what, size_text(point.size, row.unit), time_text(point.ours),
-                f"{row.peer}: {time_text(point.yardstick)}", f"{point.ratio:.2f}", f"{limit:.2f}",
+                f"{row.peer}: {time_text(point.yardstick)}", three_digits(point.ratio), f"{limit:.2f}",
                 verdict(point.ratio, limit), exponent_text(slope)])
+    return lines
+
+
+def further_lines(series):
+    """Rows without a goal, at their largest size."""
+    lines = []
+    for row, points in series:
+        if points and not row.goals:
+            point = points[-1]
+            lines.append([
+                row.what, size_text(point.size, row.unit), time_text(point.ours),
+                f"{row.peer}: {time_text(point.yardstick)}", three_digits(point.ratio)])
     return lines
 
 
 def growth_lines(series):
     lines = []
+    listed = set()
     for row, points in series:
-        if len(points) < 2:
+        if len(points) < SERIES or (row.program, row.ours) in listed:
             continue
+        listed.add((row.program, row.ours))
         sizes = [point.size for point in points]
         lines.append([
             row.what,
@@ -271,7 +323,8 @@ def tables(measured):
         + ["Exponent: of time against size, least squares over the sizes below.", ""]
         + table(["kernel", "sizes", "ours", "ratios", "exponent", "of the yardstick"],
                 growth_lines(series))
-        + table(["memory", "ours", "at most", "met"], memory_lines(measured)))
+        + table(["memory", "ours", "at most", "met"], memory_lines(measured))
+        + table(["further kernel", "size", "ours", "yardstick", "ratio"], further_lines(series)))
 
 
 def missing_rows(measured):

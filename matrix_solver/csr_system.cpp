@@ -4,11 +4,13 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <tuple>
 #include <utility>
 
 namespace kvx3d_solver {
 namespace {
 
+constexpr int longRow = 64;               // entries, from where insertion no longer pays
 constexpr double symmetryMargin = 1e-10;  // relative: sums formed in another order
 
 using Entry = std::pair<int, double>;  // 0-based column, value
@@ -26,39 +28,63 @@ bool RowStartsAreValid(const CallerArrays& in) {
     return in.Ia[in.n] - 1 == in.nonZeroN;
 }
 
-/// The row's entries by ascending column; false if a column is outside 1..n or occurs twice, or if
-/// a value is not finite.
-bool ReadRow(const CallerArrays& in, int row, std::vector<Entry>& entries) {
-    entries.clear();
-    for (int k = in.Ia[row] - 1; k < in.Ia[row + 1] - 1; ++k) {
+/// Sorts the entries begin to end - 1 by column.
+void SortRow(CsrSystem& system, int begin, int end) {
+    if (end - begin > longRow) {
+        std::vector<Entry> entries;
+        for (int k = begin; k < end; ++k) {
+            entries.emplace_back(system.column[k], system.value[k]);
+        }
+        std::sort(entries.begin(), entries.end(),
+                  [](const Entry& a, const Entry& b) { return a.first < b.first; });
+        for (int k = begin; k < end; ++k) {
+            std::tie(system.column[k], system.value[k]) = entries[k - begin];
+        }
+        return;
+    }
+    for (int k = begin + 1; k < end; ++k) {
+        const int column = system.column[k];
+        const double value = system.value[k];
+        int place = k;
+        for (; place > begin && system.column[place - 1] > column; --place) {
+            system.column[place] = system.column[place - 1];
+            system.value[place] = system.value[place - 1];
+        }
+        system.column[place] = column;
+        system.value[place] = value;
+    }
+}
+
+/// Copies one row, its sign chosen so that the diagonal is not negative: aggregation-based
+/// multigrid fails on rows of mixed sign. False if a column is outside 1..n or occurs twice, if a
+/// value is not finite, or without a diagonal entry.
+bool ReadRow(const CallerArrays& in, int row, CsrSystem& system) {
+    const int begin = in.Ia[row] - 1;
+    const int end = in.Ia[row + 1] - 1;
+    for (int k = begin; k < end; ++k) {
         if (in.Ja[k] < 1 || in.Ja[k] > in.n || !std::isfinite(in.Aa[k])) {
             return false;
         }
-        entries.emplace_back(in.Ja[k] - 1, in.Aa[k]);
+        system.column[k] = in.Ja[k] - 1;
+        system.value[k] = in.Aa[k];
     }
-    const auto byColumn = [](const Entry& a, const Entry& b) { return a.first < b.first; };
-    std::sort(entries.begin(), entries.end(), byColumn);
-    const auto sameColumn = [](const Entry& a, const Entry& b) { return a.first == b.first; };
-    return std::adjacent_find(entries.begin(), entries.end(), sameColumn) == entries.end();
-}
-
-/// Appends one row, its sign chosen so that the diagonal is not negative: aggregation-based
-/// multigrid fails on rows of mixed sign. False without a diagonal entry.
-bool AppendRow(const std::vector<Entry>& entries, int row, double rhs, CsrSystem& system) {
-    const auto diagonal = std::find_if(entries.begin(), entries.end(),
-                                       [row](const Entry& e) { return e.first == row; });
-    if (diagonal == entries.end()) {
+    SortRow(system, begin, end);
+    const auto first = system.column.begin() + begin;
+    const auto last = system.column.begin() + end;
+    const auto diagonal = std::find(first, last, row);
+    if (diagonal == last || std::adjacent_find(first, last) != last ||
+        !std::isfinite(in.rhs[row])) {
         return false;
     }
-    const double sign = diagonal->second < 0.0 ? -1.0 : 1.0;
-    const auto start = static_cast<int>(system.column.size());
-    system.diagonal.push_back(start + static_cast<int>(diagonal - entries.begin()));
-    for (const auto& [column, value] : entries) {
-        system.column.push_back(column);
-        system.value.push_back(sign * value);
+    system.rowStart[row] = begin;
+    system.diagonal[row] = static_cast<int>(diagonal - system.column.begin());
+    system.rhs[row] = in.rhs[row];
+    if (system.value[system.diagonal[row]] < 0.0) {
+        for (int k = begin; k < end; ++k) {
+            system.value[k] = -system.value[k];
+        }
+        system.rhs[row] = -system.rhs[row];
     }
-    system.rhs.push_back(sign * rhs);
-    system.rowStart.push_back(static_cast<int>(system.column.size()));
     return true;
 }
 
@@ -88,19 +114,17 @@ std::optional<CsrSystem> ReadSystem(const CallerArrays& in) {
     }
     CsrSystem system;
     system.n = in.n;
-    system.rowStart.reserve(static_cast<std::size_t>(in.n) + 1);
-    system.rowStart.push_back(0);
-    system.diagonal.reserve(static_cast<std::size_t>(in.n));
-    system.rhs.reserve(static_cast<std::size_t>(in.n));
-    system.column.reserve(static_cast<std::size_t>(in.nonZeroN));
-    system.value.reserve(static_cast<std::size_t>(in.nonZeroN));
-    std::vector<Entry> entries;
+    system.rowStart.resize(static_cast<std::size_t>(in.n) + 1);
+    system.diagonal.resize(static_cast<std::size_t>(in.n));
+    system.rhs.resize(static_cast<std::size_t>(in.n));
+    system.column.resize(static_cast<std::size_t>(in.nonZeroN));
+    system.value.resize(static_cast<std::size_t>(in.nonZeroN));
     for (int row = 0; row < in.n; ++row) {
-        if (!std::isfinite(in.rhs[row]) || !ReadRow(in, row, entries) ||
-            !AppendRow(entries, row, in.rhs[row], system)) {
+        if (!ReadRow(in, row, system)) {
             return std::nullopt;
         }
     }
+    system.rowStart[in.n] = in.nonZeroN;
     const int matrixExponent = Normalise(system.value);
     system.solutionExponent = Normalise(system.rhs) - matrixExponent;
     system.rhsNorm = Norm(system.rhs);
