@@ -18,7 +18,7 @@
 class KDtreeIndex {
 public:
     /// @param core    a tree, its box and its root set
-    /// @param blocks  all its nodes, in any order, all coordinates finite
+    /// @param blocks  all its nodes, in any order, all coordinates finite and within the box
     /// @throws std::bad_alloc  no memory for the index
     KDtreeIndex(const KDtreeCore& core, const NodeBlock* blocks, int n);
 

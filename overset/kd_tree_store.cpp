@@ -155,9 +155,18 @@ bool HasNaN(const KDtreePoint* points, int n) {
     });
 }
 
-bool AllFinite(const NodeBlock* blocks, int n) {
-    return std::all_of(blocks, blocks + n,
-                       [](const NodeBlock& block) { return IsFinite(block.xyz); });
+/// True if all nodes have finite coordinates within the box. One that was made late, for want of
+/// memory, does not hold the points before it.
+bool AllWithin(const KDtreeRect& box, const NodeBlock* blocks, int n) {
+    return IsFinite(box.min) && IsFinite(box.max) &&
+           std::all_of(blocks, blocks + n, [&box](const NodeBlock& block) {
+               bool within = true;
+               for (int axis = 0; axis < 3; ++axis) {
+                   const double c = block.xyz[axis];
+                   within = within && box.min[axis] <= c && c <= box.max[axis];
+               }
+               return within;
+           });
 }
 
 void CallInPostOrder(KDtreeNode* node, void (*destructor)(int*)) {
@@ -237,7 +246,7 @@ void IndexNodes(KDtreeCore& core) try {
     const NodeChunk* chunk = static_cast<KDtreeStore&>(core).chunks;
     RectBlock* block = BlockOf(core.rect);
     if (!block || block->index || chunk->next || chunk->used < fewNodes ||
-        !AllFinite(chunk->blocks, chunk->used)) {
+        !AllWithin(*core.rect, chunk->blocks, chunk->used)) {
         return;
     }
     block->index = new KDtreeIndex(core, chunk->blocks, chunk->used);

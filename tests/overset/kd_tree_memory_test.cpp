@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "overset/kd_tree.h"
+#include "overset/kd_tree_store.h"
 #include "tests/overset/clouds.h"
 
 // Every form of new of this program goes through here and can be made to fail.
@@ -112,6 +113,53 @@ void ExpectRefusalsToLeaveAnEmptyTree(Build build, Cloud& cloud) {
         ExpectUsable(tree);
     }
     EXPECT_GT(nRefused, 0);
+}
+
+/// Answers, on points and between them, as the tree does that had all its memory.
+void ExpectAnswersOf(KVX_ART_KDtree& expected, KVX_ART_KDtree& tree, const Cloud& cloud) {
+    int* wanted = nullptr;
+    int* found = nullptr;
+    for (const Query& q : QueriesFor(cloud, 6)) {
+        expected.SearchNearestPoints(q[0], q[1], q[2], wanted);
+        ASSERT_EQ(tree.SearchNearestPoints(q[0], q[1], q[2], found), 1);
+        ASSERT_EQ(found[1], wanted[1]);
+    }
+    delete[] wanted;
+    delete[] found;
+}
+
+TEST(KdTreeOutOfMemoryIndex, ABuildWithoutRoomForItsIndexAnswersAllTheSame) {
+    Cloud cloud = LatticeCloud(9);
+    KVX_ART_KDtree complete;
+    ByArray(complete, cloud);
+    ASSERT_NE(IndexOf(*complete.tree), nullptr);
+    Outcome outcome = Outcome::Threw;
+    int nWithout = 0;
+    for (int nth = 1; outcome != Outcome::NothingFailed; ++nth) {
+        KVX_ART_KDtree tree;
+        outcome = BuildWithFailure(ByArray, tree, cloud, nth);
+        if (outcome == Outcome::Built && !IndexOf(*tree.tree)) {
+            ++nWithout;
+            ExpectAnswersOf(complete, tree, cloud);
+        }
+    }
+    EXPECT_GT(nWithout, 3);
+}
+
+TEST(KdTreeOutOfMemoryIndex, ABoxThatLeavesOutPointsGetsNone) {
+    Cloud cloud = UniformCloud(400, 7);
+    cloud.x[0] = 50.0;
+    bool boxFailed = false;
+    Outcome outcome = Outcome::Threw;
+    for (int nth = 1; outcome != Outcome::NothingFailed && !boxFailed; ++nth) {
+        KVX_ART_KDtree tree;
+        outcome = BuildWithFailure(ByArray, tree, cloud, nth);
+        boxFailed = outcome == Outcome::Built && tree.tree->rect && tree.tree->rect->max[0] < 50.0;
+        if (boxFailed) {
+            EXPECT_EQ(IndexOf(*tree.tree), nullptr);
+        }
+    }
+    EXPECT_TRUE(boxFailed);
 }
 
 class KdTreeOutOfMemory : public testing::TestWithParam<int> {};
