@@ -1,4 +1,5 @@
 #include "fvm_operators/face_rows.h"
+#include "fvm_operators/fetch_ahead.h"
 #include "fvm_operators/mat_operator.h"
 
 namespace KVX_ART_FVM {
@@ -180,6 +181,50 @@ void AddQuick(const InnerSide& side, double weight) {
     }
 }
 
+/// The pointers to the upwind stencils lie in two runs of a record, of ids and of coefficients.
+void FetchUpwindPointers(const CMAFVMFaceData& record) {
+    Fetch(&record.idLeft);
+    Fetch(&record.coefAux1);  // between the runs: three lines hold both, wherever they begin
+    Fetch(&record.coefFarRight);
+}
+
+/// The lists of the first nStencils of upstream, far upstream and downstream.
+inline void FetchUpwindLists(const CMAFVMFaceData& r, double flux, int nStencils) {
+    const bool positive = flux > fluxTolerance;
+    if (!positive && !(flux < -fluxTolerance)) {
+        FetchShort(r.idFace, r.coefFace);
+        return;
+    }
+    FetchShort(positive ? r.idLeft : r.idRight, positive ? r.coefLeft : r.coefRight);
+    if (nStencils > 1) {
+        FetchLong(positive ? r.idFarLeft : r.idFarRight, positive ? r.coefFarLeft : r.coefFarRight);
+    }
+    if (nStencils > 2) {
+        FetchShort(positive ? r.idRight : r.idLeft, positive ? r.coefRight : r.coefLeft);
+    }
+}
+
+constexpr RecordUse faceUse = {[](const CMAFVMFaceData& record) {
+                                   Fetch(&record.idFace);
+                                   Fetch(&record.coefFace);
+                               },
+                               [](const CMAFVMFaceData& record, double /*flux*/) {
+                                   FetchShort(record.idFace, record.coefFace);
+                               }};
+constexpr RecordUse upstreamUse = {
+    FetchUpwindPointers,
+    [](const CMAFVMFaceData& record, double flux) { FetchUpwindLists(record, flux, 1); }};
+constexpr RecordUse twoPointUse = {
+    FetchUpwindPointers,
+    [](const CMAFVMFaceData& record, double flux) { FetchUpwindLists(record, flux, 2); }};
+constexpr RecordUse threePointUse = {
+    FetchUpwindPointers,
+    [](const CMAFVMFaceData& record, double flux) { FetchUpwindLists(record, flux, 3); }};
+
+/// Nearly all faces use no record at all.
+constexpr RecordUse noUse = {[](const CMAFVMFaceData& /*record*/) {},
+                             [](const CMAFVMFaceData& /*record*/, double /*flux*/) {}};
+
 using InnerScheme = void (*)(const InnerSide&, double);
 using BoundaryScheme = void (*)(const BoundarySide&, double);
 
@@ -187,8 +232,9 @@ using BoundaryScheme = void (*)(const BoundarySide&, double);
 /// Inline, so that every operator has a walk of its own with the schemes built in.
 inline void AddFluxes(CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& gv, double weight,
                       const CMAFVMFaceVariableAll* flux, InnerScheme addInner,
-                      BoundaryScheme addBoundary) {
+                      BoundaryScheme addBoundary, const RecordUse& use) {
     for (int i = 1; i <= gv.Ne; ++i) {
+        FetchAhead(matrix, gv, i, flux, use);
         addInner(FirstSide(matrix, gv, *flux, i), weight);
         addInner(SecondSide(matrix, gv, *flux, i), weight);
     }
@@ -207,42 +253,43 @@ inline void AddFluxes(CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& gv, dou
 bool CKVX_ART_MatOperator::ConvectionOperator(bool upwind, double weight,
                                               CMAFVMFaceVariableAll* flux) {
     if (upwind) {
-        AddFluxes(*sparseMatrix, *artGv, weight, flux, AddCellUpwind, AddCellUpwind);
+        AddFluxes(*sparseMatrix, *artGv, weight, flux, AddCellUpwind, AddCellUpwind, noUse);
     } else {
-        AddFluxes(*sparseMatrix, *artGv, weight, flux, AddCentral, AddCentral);
+        AddFluxes(*sparseMatrix, *artGv, weight, flux, AddCentral, AddCentral, faceUse);
     }
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorCD(double weight, CMAFVMFaceVariableAll* flux) {
-    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddCentral, AddCentral);
+    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddCentral, AddCentral, faceUse);
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorLUD(double weight, CMAFVMFaceVariableAll* flux) {
-    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddLinearUpwind, AddLinearUpwind);
+    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddLinearUpwind, AddLinearUpwind, twoPointUse);
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorFU(double weight, CMAFVMFaceVariableAll* flux) {
-    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddStencilUpwind, AddStencilUpwind);
+    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddStencilUpwind, AddStencilUpwind, upstreamUse);
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorQUICK(double weight, CMAFVMFaceVariableAll* flux) {
     // No point lies downstream of a boundary face, so the scheme steps down there.
-    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddQuick, AddLinearUpwind);
+    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddQuick, AddLinearUpwind, threePointUse);
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorHybrid(double weight, CMAFVMFaceVariableAll* flux) {
     // The cell itself and not the record's Left stencil: no boundary record is read here.
-    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddHybrid, AddCellUpwind);
+    AddFluxes(*sparseMatrix, *artGv, weight, flux, AddHybrid, AddCellUpwind, twoPointUse);
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionFU_Diffusion_Operator(CMAFVMFaceVariableAll* flux) {
     for (int i = 1; i <= artGv->Ne; ++i) {
+        FetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
         const int L = artGv->Ce23[0][i];
         const int R = artGv->Ce23[1][i];
 

@@ -1,4 +1,5 @@
 #include "fvm_operators/face_rows.h"
+#include "fvm_operators/fetch_ahead.h"
 #include "fvm_operators/mat_operator.h"
 
 namespace KVX_ART_FVM {
@@ -14,6 +15,7 @@ void AddNormal(const FaceRow& row, const CMAFVMFaceData& record, double factor) 
 
 bool CKVX_ART_MatOperator::PureLaplaceOperator(double weight) {
     for (int i = 1; i <= artGv->Ne; ++i) {
+        FetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
         AddNormal({*sparseMatrix, artGv->Ce23[0][i], false}, artGv->faceDataLeft[i], weight);
         // On a non-matching face the row of the second cell gets nothing. The other two diffusion
         // operators fill it: with unit coefficients this row is all that tells them apart.
@@ -34,6 +36,7 @@ bool CKVX_ART_MatOperator::PureLaplaceOperator(double weight) {
 
 bool CKVX_ART_MatOperator::DiffusionOperator(double weight) {
     for (int i = 1; i <= artGv->Ne; ++i) {
+        FetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
         AddNormal({*sparseMatrix, artGv->Ce23[0][i], false}, artGv->faceDataLeft[i],
                   weight * artGv->faceMu->left[i]);
         AddNormal({*sparseMatrix, artGv->Ce23[1][i], true}, artGv->faceDataRight[i],
@@ -53,6 +56,7 @@ bool CKVX_ART_MatOperator::DiffusionOperator(double weight) {
 
 bool CKVX_ART_MatOperator::ThermalDiffusionOperator(double weight) {
     for (int i = 1; i <= artGv->Ne; ++i) {
+        FetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
         const double tLeft =
             artGv->faceK->left[i] / (artGv->faceCp->left[i] * artGv->faceRho->left[i]);
         AddNormal({*sparseMatrix, artGv->Ce23[0][i], false}, artGv->faceDataLeft[i],

@@ -10,6 +10,10 @@
 
 namespace KVX_ART_FVM {
 
+/// AddElementValue(), for adds that need a check, a compression or an insertion. Out of line, which
+/// leaves the walks their registers.
+void AddUnstored(CKVX_ART_SparseMatrix& matrix, int row, int col, double value);
+
 /// One matrix row, as one side of a face adds to it.
 struct FaceRow {
     CKVX_ART_SparseMatrix& matrix;
@@ -18,36 +22,42 @@ struct FaceRow {
 
     /// Adds `value` on column `col`.
     void AddCell(int col, double value) const {
-        matrix.AddElementValue(row, col, negate ? -value : value);
+        const double finished = negate ? -value : value;
+        if (const int k = Stored() ? Position(col) : 0) {
+            matrix.Aa[k] += finished;
+        } else {
+            AddUnstored(matrix, row, col, finished);
+        }
     }
 
     /// Adds factor * coef[j] on column id[j], for j from 1 to id[0]; a count below 1 adds nothing.
     void AddStencil(const int* id, const double* coef, double factor) const {
         const int nTerms = id[0];
-        for (int j = 1 + AddStored(id, coef, factor); j <= nTerms; ++j) {
-            AddCell(id[j], factor * coef[j]);
+        int j = 1;
+        if (nTerms > 0 && Stored()) {
+            const int begin = matrix.Ia[row];
+            const int end = matrix.Ia[row + 1];
+            for (; j <= nTerms; ++j) {
+                const int k = KVX3DART::PositionOf(id[j], matrix.Ja, begin, end);
+                if (k == 0) {
+                    break;
+                }
+                const double product = factor * coef[j];
+                matrix.Aa[k] += negate ? -product : product;
+            }
+        }
+        for (; j <= nTerms; ++j) {
+            const double product = factor * coef[j];
+            AddUnstored(matrix, row, id[j], negate ? -product : product);
         }
     }
 
 private:
-    /// Adds the leading terms whose entries are stored and returns their number. Whatever needs a
-    /// check, a compression or an insertion is left to AddElementValue().
-    int AddStored(const int* id, const double* coef, double factor) const {
-        if (!matrix.compressed || row < 1 || row > matrix.rowsN) {
-            return 0;
-        }
-        const int begin = matrix.Ia[row];
-        const int end = matrix.Ia[row + 1];
-        const int nTerms = id[0];
-        for (int j = 1; j <= nTerms; ++j) {
-            const int k = KVX3DART::PositionOf(id[j], matrix.Ja, begin, end);
-            if (k == 0) {
-                return j - 1;
-            }
-            const double product = factor * coef[j];
-            matrix.Aa[k] += negate ? -product : product;
-        }
-        return nTerms > 0 ? nTerms : 0;
+    /// The row can be searched as it stands: no check fails and nothing is to be compressed.
+    bool Stored() const { return matrix.compressed && row >= 1 && row <= matrix.rowsN; }
+
+    int Position(int col) const {
+        return KVX3DART::PositionOf(col, matrix.Ja, matrix.Ia[row], matrix.Ia[row + 1]);
     }
 };
 
