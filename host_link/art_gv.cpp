@@ -1,6 +1,7 @@
 #include "host_link/art_gv.h"
 
 #include <cmath>
+#include <cstddef>
 #include <iostream>
 
 #include "host_link/containers.h"
@@ -14,11 +15,20 @@ void Report(const char* text) {
     std::cout << text << std::endl;
 }
 
+double Length(double a, double b, double c) {
+    return std::sqrt(a * a + b * b + c * c);
+}
+
 /// Replaces `area` by the lengths of n area vectors.
 void FillArea(double*& area, const int& n, const double* nx, const double* ny, const double* nz) {
-    newDouble1D(area, n);
+    // Not newDouble1D(): the areas are the largest of our arrays, and clearing one that is written
+    // at once costs as much as writing it.
+    delete[] area;
+    area = nullptr;
+    area = new double[static_cast<std::size_t>(n) + 1];
+    area[0] = n;
     for (int i = 1; i <= n; ++i) {
-        area[i] = CKVX_ACMT_GV::CalNorm(nx[i], ny[i], nz[i]);
+        area[i] = Length(nx[i], ny[i], nz[i]);
     }
 }
 
@@ -168,7 +178,7 @@ int CKVX_ACMT_GV::getKvx3dData() {
 }
 
 double CKVX_ACMT_GV::CalNorm(const double& a, const double& b, const double& c) {
-    return std::sqrt(a * a + b * b + c * c);
+    return Length(a, b, c);
 }
 
 bool CKVX_ACMT_GV::getMeshNumber() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -21,24 +22,25 @@ struct Subtree {
     KDtreePoint* Points() const { return PointsIn(blocks, n); }
 };
 
-/// The nodes of a path that split on one axis and are left toward one side: ascending splits where
-/// the path goes right, descending ones where it goes left.
+/// The nodes of a path that split on one axis, and where a point leaves at them. The splits that
+/// the path passes on the right ascend, those that it passes on the left descend.
 class Turns {
 public:
-    explicit Turns(bool toTheRight) : right(toTheRight) {}
-
-    void Add(double split, int number) { list.push_back({split, number}); }
-
-    /// Number of the first node at which a point with the coordinate c leaves, or `none`.
-    int FirstLeft(double c, int none) {
-        // Points come in mesh order: where the last one left, or a node further, is a good guess.
-        if (!IsFirst(guess, c) && (guess == list.size() || !IsFirst(++guess, c))) {
-            const auto first = std::partition_point(
-                list.begin(), list.end(), [this, c](const Turn& turn) { return Takes(turn, c); });
-            guess = static_cast<std::size_t>(first - list.begin());
-        }
-        return guess < list.size() ? list[guess].number : none;
+    void Add(double split, bool toTheRight, int node) {
+        (toTheRight ? rights : lefts).push_back({split, node});
+        high = low;
     }
+
+    /// Number of the first node at which a point with the coordinate c leaves; `never` if at none.
+    int LeavesAt(double c) {
+        // Points come in mesh order: on most axes the answer is that for the point before.
+        if (!(low <= c && c < high)) {
+            Bisect(c);
+        }
+        return number;
+    }
+
+    static constexpr int never = std::numeric_limits<int>::max();
 
 private:
     struct Turn {
@@ -46,15 +48,37 @@ private:
         int number;
     };
 
-    bool Takes(const Turn& turn, double c) const { return (turn.split <= c) == right; }
-
-    bool IsFirst(std::size_t at, double c) const {
-        return (at == 0 || Takes(list[at - 1], c)) && (at == list.size() || !Takes(list[at], c));
+    /// Finds the answer for c, and the interval from low to below high for which it holds.
+    void Bisect(double c) {
+        constexpr double infinity = std::numeric_limits<double>::infinity();
+        const auto right = std::partition_point(rights.begin(), rights.end(),
+                                                [c](const Turn& t) { return t.split <= c; });
+        const auto left = std::partition_point(lefts.begin(), lefts.end(),
+                                               [c](const Turn& t) { return t.split > c; });
+        low = -infinity;
+        high = infinity;
+        number = never;
+        if (right != rights.begin()) {
+            low = right[-1].split;
+        }
+        if (right != rights.end()) {
+            high = right->split;
+            number = right->number;
+        }
+        if (left != lefts.begin()) {
+            high = std::min(high, left[-1].split);
+        }
+        if (left != lefts.end()) {
+            low = std::max(low, left->split);
+            number = std::min(number, left->number);
+        }
     }
 
-    const bool right;
-    std::vector<Turn> list;
-    std::size_t guess = 0;
+    std::vector<Turn> rights;
+    std::vector<Turn> lefts;
+    double low = 0.0;
+    double high = 0.0;
+    int number = never;
 };
 
 /// One path down from a free place, toward one of the points to arrive.
@@ -66,9 +90,7 @@ public:
     int LeavesAt(const KDtreePoint& point) {
         int first = length;
         for (int axis = 0; axis < 3; ++axis) {
-            const double c = point.xyz[axis];
-            first = std::min(first, rightTurns[axis].FirstLeft(c, first));
-            first = std::min(first, leftTurns[axis].FirstLeft(c, first));
+            first = std::min(first, turns[axis].LeavesAt(point.xyz[axis]));
         }
         return first;
     }
@@ -76,7 +98,7 @@ public:
     /// Appends the point as a node at the end.
     void Append(const KDtreePoint& point) {
         const double split = point.xyz[dir];
-        (split <= toward.xyz[dir] ? rightTurns : leftTurns)[dir].Add(split, length);
+        turns[dir].Add(split, split <= toward.xyz[dir], length);
         dir = (dir + 1) % 3;
         ++length;
     }
@@ -88,8 +110,7 @@ private:
     int dir;  ///< axis of the next node
     int length = 0;
     const KDtreePoint toward;
-    Turns rightTurns[3] = {Turns(true), Turns(true), Turns(true)};  ///< by axis
-    Turns leftTurns[3] = {Turns(false), Turns(false), Turns(false)};
+    Turns turns[3];  ///< by axis
 };
 
 constexpr int fewPoints = 8;     // up to this, points fall one by one
