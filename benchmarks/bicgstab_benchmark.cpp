@@ -69,6 +69,7 @@ void BM_Factorisation(benchmark::State& state, Kind kind) {
     if (D != expected) {
         state.SkipWithError("other bits than the plain transcription: the time means nothing");
     }
+    state.counters["size"] = A.rowsN;
 }
 
 void BM_FactorisationPlain(benchmark::State& state, Kind kind) {
@@ -81,6 +82,7 @@ void BM_FactorisationPlain(benchmark::State& state, Kind kind) {
         A.PlainDILU(D.data());
         benchmark::DoNotOptimize(D.data());
     }
+    state.counters["size"] = A.rowsN;
 }
 
 constexpr int kIterations = 20;

@@ -12,7 +12,7 @@ cd "$(dirname "$0")/.."
 
 build=build/benchmarks-release
 results=$build/results
-repetitions=5
+repetitions=3
 least_seconds=0.2
 quick=no
 programs=(overset_benchmark kd_tree_benchmark bicgstab_benchmark sparse_matrix_benchmark

@@ -116,7 +116,7 @@ class Tables(unittest.TestCase):
         runs = four_sizes()
         runs.reverse()
         self.assertIn("| Kernel | 1.00 k · 2.00 k · 4.00 k · 8.00 k cells | "
-                      "1.00 ms · 2.00 ms · 4.00 ms · 8.00 ms | 0.50 · 0.50 · 0.50 · 0.50 | 1.00 | "
+                      "1.00 ms · 2.00 ms · 4.00 ms · 8.00 ms | 0.500 · 0.500 · 0.500 · 0.500 | 1.00 | "
                       "plain: 1.00 |", self.lines(*runs))
 
     def test_memory_has_a_limit_or_is_only_told(self):
