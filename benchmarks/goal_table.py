@@ -96,6 +96,8 @@ ROWS = [
         "BM_Build/Lattice", "BM_BuildPlain/Lattice", "plain", "points"),
     Row("Tree and a search for every eight lattice points", "kd_tree_benchmark",
         "BM_FirstSearches/Lattice", "BM_FirstSearchesNanoflann/Lattice", "nanoflann", "points"),
+    Row("Pattern declared by face", "sparse_matrix_benchmark",
+        "BM_Pattern", "BM_PatternEigen", "Eigen, triplets", "rows"),
     Row("Assembly by coordinates", "sparse_matrix_benchmark",
         "BM_Assembly", "BM_AssemblyEigen", "Eigen, coeffRef", "rows"),
     Row("Diffusion operator", "operators_benchmark",
@@ -125,6 +127,12 @@ ROWS = [
 MEMORY = [
     Memory("Peak of the overset set-up above the mesh arrays, m = 20", "overset_benchmark",
            "BM_Setup/20", "peak_MB", "MB", 150),
+    Memory("Pattern of 1 M rows x 7, a matrix entry", "sparse_matrix_benchmark",
+           "BM_Pattern/100", "bytes_per_entry", "bytes"),
+    Memory("Peak while it is declared, a matrix entry", "sparse_matrix_benchmark",
+           "BM_Pattern/100", "peak_bytes_per_entry", "bytes"),
+    Memory("The same of plain ordered sets", "sparse_matrix_benchmark",
+           "BM_PatternPlain/100", "peak_bytes_per_entry", "bytes"),
 ]
 
 

@@ -201,9 +201,13 @@ int ConjugateGradients(const CsrSystem& A, Preconditioner& M, StopRule stop, Vec
         if (!(rho > 0.0 && curvature > 0.0 && std::isfinite(alpha))) {
             return step;
         }
-        AddScaled(alpha, p, x);
-        AddScaled(-alpha, q, r);
-        norm = Norm(r);
+        double sum = 0.0;
+        for (std::size_t i = 0; i < n; ++i) {
+            x[i] += alpha * p[i];
+            r[i] -= alpha * q[i];
+            sum += r[i] * r[i];
+        }
+        norm = std::sqrt(sum);
     }
     return stop.steps;
 }

@@ -7,6 +7,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <optional>
 
 #include "matrix_solver/dense_lu.h"
 #include "matrix_solver/ilu0.h"
@@ -44,7 +45,6 @@ public:
           options(chosen),
           target(chosen.tolerance * system.rhsNorm),
           stepsLeft(chosen.maxIterations),
-          symmetric(IsSymmetric(system)),
           best(start),
           work(start.size()) {
         startResidual = bestResidual = Residual(A, best, work);
@@ -85,8 +85,8 @@ public:
     /// a hierarchy would be set up: convection and time steps do, a large Poisson problem does not.
     void TryIlu() {
         const bool duneFollows = options.useMultigrid && HasMultigrid();
-        if (symmetric || duneFollows) {
-            if (IluPromise() < (symmetric ? symmetricPromise : promise)) {
+        if (duneFollows || Symmetric()) {
+            if (IluPromise() < (Symmetric() ? symmetricPromise : promise)) {
                 return;
             }
             const double trialResidual =
@@ -99,7 +99,7 @@ public:
 
     /// Conjugate gradients with the lean multigrid, about twice as fast as what follows.
     void TrySymmetric() {
-        if (!symmetric || stepsLeft == 0) {
+        if (!Symmetric() || stepsLeft == 0) {
             return;
         }
         if (const auto multigrid = MakePairwiseMultigrid(A)) {
@@ -147,6 +147,13 @@ public:
     }
 
 private:
+    bool Symmetric() {
+        if (!symmetric) {
+            symmetric = IsSymmetric(A);
+        }
+        return *symmetric;
+    }
+
     /// How much of a constant vector ILU(0) gives back after the matrix took it, 0 to 1: near 1 the
     /// factors carry information as far as the inverse does. The steps to expect are about 3 over
     /// this; a Poisson problem of m cells a side has 4 / m.
@@ -223,7 +230,7 @@ private:
     const SolveOptions& options;
     double target;  ///< norm of the residual to reach
     int stepsLeft;
-    bool symmetric;
+    std::optional<bool> symmetric;  ///< looked up when first asked for
     Vector best;
     Vector work;
     std::unique_ptr<Preconditioner> ilu;  ///< made when first asked for
