@@ -80,7 +80,7 @@ public:
         Fill(componentTree, 2);
     }
 
-    /// Donor of an inner face; 0 if `tries` searches do not end at one.
+    /// Donor of a face; 0 if `tries` searches do not end at one.
     int InnerDonor(int face, int tries = std::numeric_limits<int>::max()) const {
         const int o = data.Ce23[0][face];
         const int n = data.Ce23[1][face];
@@ -91,10 +91,10 @@ public:
         return Donor(P, N, turned ? n : o, tries);
     }
 
-    int WallDonor(int w) const {
+    int WallDonor(int w, int tries = std::numeric_limits<int>::max()) const {
         const double P[3] = {data.xWall[w], data.yWall[w], data.zWall[w]};
         const double N[3] = {data.nxWall[w], data.nxWall[w], data.nxWall[w]};
-        return Donor(P, N, data.CWall23[w], std::numeric_limits<int>::max());
+        return Donor(P, N, data.CWall23[w], tries);
     }
 
     KVX_ART_OVERSET_GRID_DATA& data;

@@ -16,8 +16,10 @@ namespace {
 
 constexpr int never = -1;
 int allocationsLeft = never;
+std::size_t bytesAsked = 0;  ///< in all; what is released again stays counted
 
 void* Allocate(std::size_t bytes) {
+    bytesAsked += bytes;
     if (allocationsLeft == 0) {
         allocationsLeft = never;
         throw std::bad_alloc();
@@ -172,6 +174,37 @@ TEST_P(KdTreeOutOfMemory, ARefusedBuildLeavesAnEmptyTreeThatCanStillGrow) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, KdTreeOutOfMemory, testing::Values(1, 8, 9, 3000));
+
+TEST(KdTreeOutOfMemoryDeep, ABuildAlongPathsIsRefusedAsWell) {
+    for (Cloud cloud : {LatticeCloud(12), OutAndBackCloud(1500)}) {
+        ExpectRefusalsToLeaveAnEmptyTree(ByArray, cloud);
+    }
+}
+
+/// Bytes that the build of a tree asks for, by point.
+std::size_t BytesAPoint(const Cloud& cloud) {
+    const auto n = static_cast<std::size_t>(cloud.Size());
+    std::vector<int> ids(n);
+    KVX_ART_KDtree tree;
+    const std::size_t before = bytesAsked;
+    KDtreePoint* points = RoomForPoints(*tree.tree, cloud.Size());
+    for (std::size_t i = 0; i < n; ++i) {
+        points[i] = {{cloud.x[i], cloud.y[i], cloud.z[i]}, &ids[i]};
+    }
+    EXPECT_TRUE(InsertPoints(*tree.tree));
+    return (bytesAsked - before) / n;
+}
+
+TEST(KdTreeMemory, ABuildTakesHardlyMoreThanItsNodes) {
+    // A node is 64 bytes, the side of a point 1, the node at which it leaves a path 4.
+    EXPECT_LE(BytesAPoint(UniformCloud(50000, 8)), 70u);
+    EXPECT_LE(BytesAPoint(LatticeCloud(37)), 70u);
+    EXPECT_LE(BytesAPoint(RepeatedCloud(50000, 9)), 70u);
+}
+
+TEST(KdTreeMemory, APathOfAllPointsTakesAsMuchAgain) {
+    EXPECT_LE(BytesAPoint(DiagonalCloud(50000, true)), 160u);
+}
 
 TEST(KdTreeOutOfMemorySinglePoint, ANodeThatCannotBeHadIsAnsweredByFalse) {
     KVX_ART_KDtree tree;
