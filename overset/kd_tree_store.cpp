@@ -36,10 +36,16 @@ struct RectBlock {
     KDtreeIndex* index;  ///< owned, null for most trees
 };
 
-/// The block of a box; null if it is not one of these.
+/// The block of a box; null if it is a box of somebody else's, whose bounds lie elsewhere.
 RectBlock* BlockOf(KDtreeRect* rect) {
-    RectBlock* block = reinterpret_cast<RectBlock*>(rect);
-    return rect && rect->min == block->min && rect->max == block->max ? block : nullptr;
+    const char* start = reinterpret_cast<const char*>(rect);
+    const auto isAt = [start](const double* bounds, std::size_t offset) {
+        return reinterpret_cast<const char*>(bounds) == start + offset;
+    };
+    return rect && isAt(rect->min, offsetof(RectBlock, min)) &&
+                   isAt(rect->max, offsetof(RectBlock, max))
+               ? reinterpret_cast<RectBlock*>(rect)
+               : nullptr;
 }
 
 constexpr std::size_t cacheLine = 64;
