@@ -1,7 +1,9 @@
 /// The sparse matrix: declaring a pattern, assembling into it, and the row-wise product.
 ///
-/// Sizes are the edge of a box of cells with 7-point rows. The yardsticks do the same work with
-/// Eigen: triplets to a compressed matrix, coeffRef on the finished pattern, its product.
+/// Sizes are the edge of a box of cells with 7-point rows. Plain is a vector of ordered sets
+/// without any checks. The other yardsticks do the same work with Eigen: triplets to a compressed
+/// matrix, coeffRef on the finished pattern, its product. Bytes of the pattern are those of all
+/// blocks, peak included, the allocator's own word for each of them counted.
 
 #include <benchmark/benchmark.h>
 
@@ -9,11 +11,18 @@
 #include <cmath>
 #include <vector>
 
+#include "benchmarks/allocation_count.h"
 #include "benchmarks/linear_systems.h"
+#include "benchmarks/plain/plain_sparse_matrix.h"
 
 namespace {
 
 using EigenMatrix = Eigen::SparseMatrix<double, Eigen::RowMajor>;
+
+/// Box edges; the largest has a million rows.
+void Edges(benchmark::internal::Benchmark* row) {
+    row->Arg(32)->Arg(50)->Arg(64)->Arg(100)->Unit(benchmark::kMillisecond);
+}
 
 EigenMatrix ToEigen(const std::vector<Coefficient>& entries, int n) {
     std::vector<Eigen::Triplet<double>> triplets;
@@ -26,24 +35,50 @@ EigenMatrix ToEigen(const std::vector<Coefficient>& entries, int n) {
     return A;
 }
 
-void BM_Pattern(benchmark::State& state) {
-    const int m = static_cast<int>(state.range(0));
-    const std::vector<Coefficient> entries = BoxCoefficients(m);
-    int stored = 0;
-    for (auto _ : state) {
-        CKVX_ART_SparseMatrix A(m * m * m);
-        for (const Coefficient& e : entries) {
-            A.AddIndex(e.row, e.col);
-        }
-        A.CompressIndex();
-        stored = A.Ia[m * m * m + 1] - 1;
+/// Declares the 7-point pattern of a box of m^3 cells as a host does: each diagonal, then both
+/// sides of each face.
+template <typename Matrix>
+void DeclareByFace(Matrix& A, int m) {
+    const int n = m * m * m;
+    for (int row = 1; row <= n; ++row) {
+        A.AddIndex(row, row);
     }
-    if (stored != static_cast<int>(entries.size())) {
+    for (int step : {1, m, m * m}) {
+        for (int row = 1; row <= n; ++row) {
+            if ((row - 1) / step % m < m - 1) {
+                A.AddIndex(row, row + step);
+                A.AddIndex(row + step, row);
+            }
+        }
+    }
+    A.CompressIndex();
+}
+
+template <typename Matrix>
+void BM_PatternOf(benchmark::State& state) {
+    const int m = static_cast<int>(state.range(0));
+    const int n = m * m * m;
+    int entries = 0;
+    for (auto _ : state) {
+        Matrix A(n);
+        DeclareByFace(A, m);
+        entries = A.Ia[n + 1] - 1;
+    }
+    if (entries != 7 * n - 6 * m * m) {
         state.SkipWithError("wrong count of entries");
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(entries.size()));
+    {
+        const AllocationCount count;
+        Matrix A(n);
+        DeclareByFace(A, m);
+        state.counters["bytes_per_entry"] = static_cast<double>(count.Bytes()) / entries;
+        state.counters["peak_bytes_per_entry"] = static_cast<double>(count.PeakBytes()) / entries;
+    }
+    state.SetItemsProcessed(state.iterations() * entries);
+    state.counters["size"] = n;
 }
-BENCHMARK(BM_Pattern)->Arg(32)->Arg(64)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PatternOf<CKVX_ART_SparseMatrix>)->Name("BM_Pattern")->Apply(Edges);
+BENCHMARK(BM_PatternOf<PlainPattern>)->Name("BM_PatternPlain")->Apply(Edges);
 
 void BM_PatternEigen(benchmark::State& state) {
     const int m = static_cast<int>(state.range(0));
@@ -56,8 +91,9 @@ void BM_PatternEigen(benchmark::State& state) {
         state.SkipWithError("wrong count of entries");
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(entries.size()));
+    state.counters["size"] = m * m * m;
 }
-BENCHMARK(BM_PatternEigen)->Arg(32)->Arg(64)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PatternEigen)->Apply(Edges);
 
 void BM_Assembly(benchmark::State& state) {
     const int m = static_cast<int>(state.range(0));
@@ -74,8 +110,9 @@ void BM_Assembly(benchmark::State& state) {
         state.SkipWithError("wrong diagonal");
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(entries.size()));
+    state.counters["size"] = m * m * m;
 }
-BENCHMARK(BM_Assembly)->Arg(32)->Arg(64)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Assembly)->Apply(Edges);
 
 void BM_AssemblyEigen(benchmark::State& state) {
     const int m = static_cast<int>(state.range(0));
@@ -91,8 +128,9 @@ void BM_AssemblyEigen(benchmark::State& state) {
         state.SkipWithError("wrong diagonal");
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(entries.size()));
+    state.counters["size"] = m * m * m;
 }
-BENCHMARK(BM_AssemblyEigen)->Arg(32)->Arg(64)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_AssemblyEigen)->Apply(Edges);
 
 void BM_Product(benchmark::State& state) {
     const int m = static_cast<int>(state.range(0));
@@ -111,8 +149,9 @@ void BM_Product(benchmark::State& state) {
         state.SkipWithError("wrong product");
     }
     state.SetItemsProcessed(state.iterations() * (A.Ia[n + 1] - 1));
+    state.counters["size"] = n;
 }
-BENCHMARK(BM_Product)->Arg(32)->Arg(64)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Product)->Apply(Edges);
 
 void BM_ProductEigen(benchmark::State& state) {
     const int m = static_cast<int>(state.range(0));
@@ -128,7 +167,8 @@ void BM_ProductEigen(benchmark::State& state) {
         state.SkipWithError("wrong product");
     }
     state.SetItemsProcessed(state.iterations() * A.nonZeros());
+    state.counters["size"] = n;
 }
-BENCHMARK(BM_ProductEigen)->Arg(32)->Arg(64)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ProductEigen)->Apply(Edges);
 
 }  // namespace

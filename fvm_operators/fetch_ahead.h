@@ -3,6 +3,7 @@
 
 #include "host_link/art_gv.h"
 #include "host_link/face_data.h"
+#include "linear_algebra/csr_rows.h"
 #include "linear_algebra/sparse_matrix.h"
 
 namespace KVX_ART_FVM {
@@ -12,17 +13,7 @@ namespace KVX_ART_FVM {
 // it will need a few faces before its turn. That takes a quarter off the assembly of a million
 // faces. It reads no more than the walk itself does, and nothing that is added depends on it.
 
-/// Asks for the cache line at `address`. Nothing is read: the address may be null.
-inline void Fetch(const void* address) {
-#if defined(__GNUC__)
-    __builtin_prefetch(address);
-    // GCC 12 takes a function that does nothing but prefetch for one without effect, and drops the
-    // calls to it.
-    asm volatile("");
-#else
-    static_cast<void>(address);
-#endif
-}
+using KVX3DART::Fetch;
 
 /// Asks for the start of both lists of a stencil: as a rule all of a short one.
 inline void FetchShort(const int* id, const double* coef) {

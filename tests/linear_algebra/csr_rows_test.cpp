@@ -46,4 +46,27 @@ TEST(PositionOf, TheFirstOfEqualEntriesWins) {
     }
 }
 
+TEST(RowProduct, AnEmptyRowReadsNeitherColumnsNorValues) {
+    const int Ia[] = {0, 1, 1};
+
+    EXPECT_EQ(KVX3DART::RowProduct({1, Ia, nullptr, nullptr}, 1, nullptr), 0.0);
+}
+
+TEST(RowProduct, ProductsAreAddedInStorageOrderFromZero) {
+    for (int length = 0; length <= 40; ++length) {
+        const int Ia[] = {0, 3, 3 + length};
+        std::vector<int> Ja(3 + length);
+        std::vector<double> Aa(3 + length);
+        std::vector<double> x = {0.0, 1.0, 0.3, -1e16, 7.1, 1e16};
+        double sum = 0.0;
+        for (int k = 3; k < 3 + length; ++k) {
+            Ja[k] = 1 + (7 * k) % 5;
+            Aa[k] = 1.0 + 0.1 * k;
+            sum += x[Ja[k]] * Aa[k];
+        }
+
+        EXPECT_EQ(KVX3DART::RowProduct({1, Ia, Ja.data(), Aa.data()}, 1, x.data()), sum) << length;
+    }
+}
+
 }  // namespace
