@@ -93,12 +93,26 @@ public:
     }
 
     /// Sets `side` of each cell to NearestFace::SideOf(), with a depth of `layer` cell sizes.
-    void Judge(NearestFace& faces, int layer) { JudgeGroup(faces, layer, 0, n); }
+    void Judge(NearestFace& faces, int layer) {
+        if (runsApart > 0) {
+            --runsApart;
+            for (int i = 0; i < n; ++i) {
+                side[i] = SideOfGroup(faces, layer, i, i + 1);
+            }
+            return;
+        }
+        nTogether = 0;
+        JudgeGroup(faces, layer, 0, n);
+        if (nTogether == 0) {
+            runsApart = patience;
+        }
+    }
 
     double SizeOf(int i) { return sizes.Of(V[i]); }
 
     static constexpr int capacity = 8;
-    static constexpr int parts = 4;  // a group without a common verdict is judged by parts
+    static constexpr int parts = 4;     // a group without a common verdict is judged by parts
+    static constexpr int patience = 4;  // runs; cells numbered at random never share a verdict
 
     int n = 0;
     int cell[capacity];
@@ -111,6 +125,7 @@ private:
         const int together = SideOfGroup(faces, layer, first, last);
         if (together != 0 || last - first == 1) {
             std::fill(side + first, side + last, together);
+            nTogether += last - first > 1 ? last - first : 0;
             return;
         }
         const int part = (last - first + parts - 1) / parts;
@@ -143,6 +158,8 @@ private:
     }
 
     CellSize sizes;
+    int nTogether = 0;  ///< cells of the run that shared a verdict
+    int runsApart = 0;  ///< runs to come whose cells are judged one by one
 };
 
 /// What a cell is judged by: the way to its centre from that of its nearest face, and the area
