@@ -27,17 +27,22 @@ inline void FetchLong(const int* id, const double* coef) {
     Fetch(coef + 7);
 }
 
-/// Asks for the middle of a row, where a compressed row has its diagonal and the nearest columns.
-/// Asking for more of it is slower: what else is needed comes in the time won. A row number
-/// outside the matrix is left to the add.
+/// Asks for the columns and values of a row, up to 32 of them. A row number outside the matrix is
+/// left to the add.
 inline void FetchRow(const CKVX_ART_SparseMatrix& matrix, int row) {
     if (!matrix.compressed || row < 1 || row > matrix.rowsN) {
         return;
     }
-    const int begin = matrix.Ia[row];
-    const int middle = begin + (matrix.Ia[row + 1] - begin) / 2;
-    Fetch(matrix.Ja + middle);
-    Fetch(matrix.Aa + middle);
+    const int* columns = matrix.Ja + matrix.Ia[row];
+    const double* values = matrix.Aa + matrix.Ia[row];
+    Fetch(columns);
+    Fetch(values);
+    Fetch(values, 64);
+    if (matrix.Ia[row + 1] - matrix.Ia[row] > 8) {
+        Fetch(columns, 64);
+        Fetch(values, 128);
+        Fetch(values, 192);
+    }
 }
 
 /// What a walk reads of a record: `pointers` asks for the lines that hold the pointers to the
