@@ -24,7 +24,7 @@ inline void FetchShort(const int* id, const double* coef) {
 /// The same for a stencil of up to 8 terms.
 inline void FetchLong(const int* id, const double* coef) {
     FetchShort(id, coef);
-    Fetch(coef + 7);
+    Fetch(coef, 7 * sizeof(double));
 }
 
 /// Asks for the columns and values of a row, up to 32 of them. A row number outside the matrix is
