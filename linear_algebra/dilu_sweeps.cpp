@@ -1,6 +1,7 @@
 #include "linear_algebra/dilu_sweeps.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace {
 
@@ -10,13 +11,11 @@ using KVX3DART::RowProduct;
 constexpr int chunkLength = 64;  // entries whose positions are gathered at a time
 constexpr int ahead = 256;       // entries asked for before they are needed
 
-/// Asks for what lies `entries` behind row i: the hardware's own prefetch ends with each page.
-/// Worth 3 to 8 per cent of a sweep. A hint: it may point outside of the arrays.
-inline void Prefetch(const CsrRows& A, int i, int entries) {
-#if defined(__GNUC__)
-    __builtin_prefetch(A.Ja + A.Ia[i] + entries);
-    __builtin_prefetch(A.Aa + A.Ia[i] + entries);
-#endif
+/// Asks for what is stored `entries` behind the start of row i, or before it if negative: the
+/// hardware's own prefetch ends with each page. Worth 3 to 8 per cent of a sweep.
+inline void FetchRow(const CsrRows& A, int i, std::intptr_t entries) {
+    KVX3DART::Fetch(A.Ja + A.Ia[i], static_cast<std::uintptr_t>(entries) * sizeof(int));
+    KVX3DART::Fetch(A.Aa + A.Ia[i], static_cast<std::uintptr_t>(entries) * sizeof(double));
 }
 
 /// Sum of x[Ja[k]] Aa[k] over the columns lowest..highest of a row in any order.
@@ -119,7 +118,7 @@ void KVX3DART::ForwardSweep(const DiluSweeps& sweeps, const double* rhs, int fir
     }
     double latest = first > 1 ? y[first - 1] : 0.0;
     for (int i = first; i <= std::min(last, A.n - 1); ++i) {
-        Prefetch(A, i, ahead);
+        FetchRow(A, i, ahead);
         latest = (rhs[i] - LowerSum(A, i, latest, y)) * D[i];
         y[i] = latest;
     }
@@ -144,7 +143,7 @@ void KVX3DART::BackwardSweepWithProduct(const DiluSweeps& sweeps, double* result
     }
     double latest = 0.0;
     for (int i = A.n; i >= 1; --i) {
-        Prefetch(A, i, -ahead);
+        FetchRow(A, i, -ahead);
         latest = y[i] - UpperSum(A, i, latest, result) * D[i];
         result[i] = latest;
         if (shape.reach <= A.n - i) {
