@@ -12,6 +12,7 @@ namespace {
 constexpr int leafSize = 8;               // centres; below this a scan is faster than boxes
 constexpr int maxDepth = 64;              // halving an int range ends long before
 constexpr int nodesToJudge = 24;          // a verdict that needs more costs as much as a search
+constexpr double largest = 1e150;         // products of larger numbers overflow
 constexpr double smallestDoubt = 1e-300;  // where numbers lose digits, no sign is certain
 constexpr double roundingDoubt = 1e-12;   // relative; a sum of four products errs by some 1e-15
 
@@ -48,6 +49,11 @@ double FurthestSqOfBoxes(const double* min, const double* max, const double* oth
     return sq[0] + sq[1] + sq[2];
 }
 
+/// False for what is no number, too.
+bool IsModerate(const NearestFace::Vector& v) {
+    return std::fabs(v[0]) <= largest && std::fabs(v[1]) <= largest && std::fabs(v[2]) <= largest;
+}
+
 void Extend(double* min, double* max, const double* v) {
     for (int axis = 0; axis < 3; ++axis) {
         min[axis] = std::min(min[axis], v[axis]);
@@ -64,7 +70,7 @@ NearestFace::~NearestFace() {
 void NearestFace::Add(const Vector& P, const Vector& S) {
     centres.push_back({{P[0], P[1], P[2]}, nullptr});
     areaVectors.push_back(S);
-    allFinite = allFinite && std::isfinite(P[0] + P[1] + P[2]) && std::isfinite(S[0] + S[1] + S[2]);
+    allModerate = allModerate && IsModerate(P) && IsModerate(S);
 }
 
 NearestFace::Node NearestFace::NodeOf(int first, int last) const {
@@ -147,7 +153,7 @@ int NearestFace::SideOfNode(const Node& node, const Cells& cells) {
 }
 
 int NearestFace::SideOf(const Cells& cells) {
-    if (centres.empty() || !allFinite) {
+    if (centres.empty() || !allModerate) {
         return 0;
     }
     if (nodes.empty()) {
@@ -217,8 +223,8 @@ int NearestFace::Find(const double* query) {
     if (centres.empty()) {
         return 0;
     }
-    if (!allFinite) {
-        // What is no number cannot be sorted into boxes.
+    if (!allModerate) {
+        // What is no number cannot be sorted into boxes, and intervals with infinite ends lose it.
         return static_cast<int>(NearestNode(InsertionTree(), query)->data - numbers.data()) + 1;
     }
     if (nodes.empty()) {

@@ -81,7 +81,7 @@ private:
     int previous = 0;        ///< answer of the search before, 0-based
     double closeBy[3] = {};  ///< a centre close to the cells of the verdict before
     KDtreeCore* insertionTree = nullptr;
-    bool allFinite = true;
+    bool allModerate = true;  ///< no face so large that sizes overflow
 };
 
 #endif

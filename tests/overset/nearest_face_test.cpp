@@ -162,4 +162,31 @@ TEST(NearestFace, AFaceThatIsNoNumberLeavesEveryCellToTheSearch) {
     EXPECT_EQ(faces.Find(C), 1);
 }
 
+TEST(NearestFace, AnAreaThatOverflowsLeavesEveryCellToTheSearch) {
+    NearestFace faces;
+    faces.Add({0, 0, 0}, {0, 0, 1.2e154});
+    faces.Add({1, 0, 0}, {0, 0, 1.4e154});  // infinite area: no number times a depth of 0
+    const double C[3] = {1, 0, 1};
+
+    EXPECT_EQ(SideOfOne(faces, C, 0.0), 0);
+    EXPECT_EQ(faces.Find(C), 2);
+}
+
+TEST(NearestFace, CentresTooFarApartForTheirSquaresAreLeftToTheSearch) {
+    NearestFace faces;
+    for (double y : {-1e160, 1e160}) {
+        for (double x : {-2e160, -1e160, 0.0}) {
+            faces.Add({x, y, 0}, {0, 0, 1});
+        }
+    }
+    faces.Add({5, 0, 3}, {0, 0, 1});
+    for (int i = 1; i <= 5; ++i) {
+        faces.Add({i * 1e160, 0, 0}, {0, 0, 1});
+    }
+    const double C[3] = {1, 0, 1};  // below its nearest face, above all others
+
+    EXPECT_EQ(faces.Find(C), 7);
+    EXPECT_LE(SideOfOne(faces, C, 0.0), 0);
+}
+
 }  // namespace
