@@ -147,26 +147,6 @@ const KDtreeNode* NearestNode(const KDtreeCore& core, const double* query) {
     return nearest ? nearest : NearestSearch(core, query).Run();
 }
 
-bool IsMetBefore(const KDtreeCore& core, const double* query, const KDtreePoint& a,
-                 const KDtreePoint& b) {
-    const KDtreeNode* node = core.root;
-    for (;;) {
-        const bool aRight = GoesRight(*node, a.xyz);
-        const bool bRight = GoesRight(*node, b.xyz);
-        const bool nearIsRight = !LeftIsNear(*node, query);
-        if (node->data == a.id) {
-            return bRight != nearIsRight;
-        }
-        if (node->data == b.id) {
-            return aRight == nearIsRight;
-        }
-        if (aRight != bRight) {
-            return aRight == nearIsRight;
-        }
-        node = aRight ? node->right : node->left;
-    }
-}
-
 bool InsertResult(KDtreeResultNode* head, KDtreeNode* node, double distSq) try {
     KDtreeResultNode* before = head;
     if (distSq >= 0.0) {

@@ -72,11 +72,6 @@ inline double DistanceSq(const double* a, const double* b) {
 /// @throws std::bad_alloc  a degenerate tree needs a longer list of open branches than memory has
 const KDtreeNode* NearestNode(const KDtreeCore& core, const double* query);
 
-/// True if a nearest search meets the point `a` of the tree before the point `b`, both at the same
-/// distance from the query and neither of them the root.
-bool IsMetBefore(const KDtreeCore& core, const double* query, const KDtreePoint& a,
-                 const KDtreePoint& b);
-
 /// Adds an entry to a result list.
 ///
 /// With distSq >= 0 entries are kept by ascending distance, the new one before the first that is

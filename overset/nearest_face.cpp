@@ -31,11 +31,6 @@ double DistanceSqOfBoxes(const double* min, const double* max, const double* oth
     return sq[0] + sq[1] + sq[2];
 }
 
-/// Squared distance to a box, 0 inside.
-double DistanceSqToBox(const double* min, const double* max, const double* query) {
-    return DistanceSqOfBoxes(min, max, query, query);
-}
-
 /// Squared distance of the two points of two boxes that are furthest apart; rounding never drops it
 /// below the distance of any two.
 double FurthestSqOfBoxes(const double* min, const double* max, const double* otherMin,
@@ -124,10 +119,6 @@ void NearestFace::BuildBoxes() {
         nodes.push_back(NodeOf(node.first, middle));
         nodes.push_back(NodeOf(middle, node.last));
     }
-    leafed.reserve(3 * centres.size());
-    for (int number : order) {
-        leafed.insert(leafed.end(), centres[number].xyz, centres[number].xyz + 3);
-    }
 }
 
 /// The sign for all faces of a node at once, by interval arithmetic; 0 if it may differ.
@@ -206,70 +197,11 @@ int NearestFace::SideOf(const Cells& cells) {
     return side;
 }
 
-void NearestFace::ScanLeaf(const Node& leaf, const double* query) {
-    for (int i = leaf.first; i < leaf.last; ++i) {
-        const double distSq = DistanceSq(query, &leafed[3 * static_cast<std::size_t>(i)]);
-        if (distSq < nearestSq) {
-            nearest.clear();
-            nearestSq = distSq;
-        }
-        if (distSq == nearestSq) {
-            nearest.push_back(order[i]);
-        }
-    }
-}
-
 int NearestFace::Find(const double* query) {
     if (centres.empty()) {
         return 0;
     }
-    if (!allModerate) {
-        // What is no number cannot be sorted into boxes, and intervals with infinite ends lose it.
-        return static_cast<int>(NearestNode(InsertionTree(), query)->data - numbers.data()) + 1;
-    }
-    if (nodes.empty()) {
-        BuildBoxes();
-    }
-    // The bound of the predecessor's answer alone, not that answer: it is met again on the way.
-    nearest.clear();
-    nearestSq = DistanceSq(query, centres[previous].xyz);
-    struct Open {
-        int node;
-        double distSq;
-    };
-    Open open[maxDepth];
-    int nOpen = 0;
-    open[nOpen++] = {0, 0.0};
-    while (nOpen > 0) {
-        const Open next = open[--nOpen];
-        if (next.distSq > nearestSq) {
-            continue;
-        }
-        const Node* node = &nodes[next.node];
-        while (node->child) {
-            int near = node->child;
-            int far = near + 1;
-            double nearSq = DistanceSqToBox(nodes[near].box.min, nodes[near].box.max, query);
-            double farSq = DistanceSqToBox(nodes[far].box.min, nodes[far].box.max, query);
-            if (farSq < nearSq) {
-                std::swap(near, far);
-                std::swap(nearSq, farSq);
-            }
-            if (farSq <= nearestSq) {
-                open[nOpen++] = {far, farSq};
-            }
-            if (nearSq > nearestSq) {
-                node = nullptr;
-                break;
-            }
-            node = &nodes[near];
-        }
-        if (node) {
-            ScanLeaf(*node, query);
-        }
-    }
-    previous = nearest.size() == 1 ? nearest[0] : FirstMet(query);
-    return previous + 1;
+    return static_cast<int>(NearestNode(InsertionTree(), query)->data - numbers.data()) + 1;
 }
 
 /// The tree that took the centres one after the other, built when it is first asked for.
@@ -289,22 +221,6 @@ const KDtreeCore& NearestFace::InsertionTree() {
     if (!points || !InsertPoints(*insertionTree) || !insertionTree->rect) {
         throw std::bad_alloc();
     }
+    IndexNodes(*insertionTree);
     return *insertionTree;
-}
-
-/// Of the equally near centres, the one a search of the insertion tree answers: the root, else the
-/// first on its way.
-int NearestFace::FirstMet(const double* query) {
-    // No candidate at all means a query that is no number: the root answers that, too.
-    if (nearest.empty() || std::find(nearest.begin(), nearest.end(), 0) != nearest.end()) {
-        return 0;
-    }
-    const KDtreeCore& tree = InsertionTree();
-    int first = nearest[0];
-    for (int candidate : nearest) {
-        if (candidate != first && IsMetBefore(tree, query, centres[candidate], centres[first])) {
-            first = candidate;
-        }
-    }
-    return first;
 }

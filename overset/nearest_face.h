@@ -13,10 +13,7 @@
 /// boxes, and Find() is left for the cells near the cut.
 ///
 /// The answer of Find() is that of a KVX_ART_KDtree that took the centres one after the other,
-/// equally near centres included. Walls are flat and meshes regular, which that tree takes badly:
-/// hundreds of nodes a search. Here the centres lie in a balanced tree of boxes, a search starts
-/// from the distance to its predecessor's answer, and the insertion tree is built and asked only
-/// when two centres are equally near.
+/// equally near centres included; that tree and its index are made when it is first asked.
 class NearestFace {
 public:
     using Vector = std::array<double, 3>;
@@ -66,20 +63,14 @@ private:
     void BuildBoxes();
     Node NodeOf(int first, int last) const;
     static int SideOfNode(const Node& node, const Cells& cells);
-    void ScanLeaf(const Node& leaf, const double* query);
-    int FirstMet(const double* query);
     const KDtreeCore& InsertionTree();
 
     std::vector<KDtreePoint> centres;  ///< in the order of Add()
     std::vector<Vector> areaVectors;
     std::vector<int> numbers;
-    std::vector<int> order;      ///< centres by leaf, 0-based
-    std::vector<double> leafed;  ///< coordinates in that order
-    std::vector<Node> nodes;     ///< empty before the first question
-    std::vector<int> nearest;    ///< centres at the least distance found, 0-based
-    double nearestSq = 0.0;
-    int previous = 0;        ///< answer of the search before, 0-based
-    double closeBy[3] = {};  ///< a centre close to the cells of the verdict before
+    std::vector<int> order;   ///< centres by leaf, 0-based
+    std::vector<Node> nodes;  ///< empty before the first verdict
+    double closeBy[3] = {};   ///< a centre close to the cells of the verdict before
     KDtreeCore* insertionTree = nullptr;
     bool allModerate = true;  ///< no face so large that sizes overflow
 };

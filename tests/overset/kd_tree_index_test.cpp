@@ -202,29 +202,6 @@ TEST(KdTreeIndexTies, AThousandLatticesAreDecidedAsTheTreeDecides) {
     }
 }
 
-TEST(KdTreeIndexTies, PairwiseOrderIsTheOrderOfTheSearch) {
-    std::mt19937 random(64);
-    for (int i = 0; i < 300; ++i) {
-        ThreeTrees trees(RandomLattice(random));
-        const KDtreeCore& core = *trees.atOnce.tree;
-        for (const Query& q : TieQueries(trees.cloud, random, 5)) {
-            const auto pointAt = [&trees](int at) {
-                const auto p = static_cast<std::size_t>(at);
-                return KDtreePoint{{trees.cloud.x[p], trees.cloud.y[p], trees.cloud.z[p]},
-                                   &trees.atOnce.ids[at]};
-            };
-            const int expected = trees.plainTree.Nearest(q[0], q[1], q[2]) - 1;
-            const double leastSq = DistanceSq(q.data(), pointAt(expected).xyz);
-            for (int other = 1; other < trees.cloud.Size() && expected != 0; ++other) {
-                if (other != expected && DistanceSq(q.data(), pointAt(other).xyz) == leastSq) {
-                    ASSERT_TRUE(IsMetBefore(core, q.data(), pointAt(expected), pointAt(other)));
-                    ASSERT_FALSE(IsMetBefore(core, q.data(), pointAt(other), pointAt(expected)));
-                }
-            }
-        }
-    }
-}
-
 TEST(KdTreeIndexTies, MorePointsInOnePlaceThanAreNotedAreLeftToTheTree) {
     Cloud cloud = UniformCloud(400, 65);
     for (std::size_t i = 300; i < 400; ++i) {
