@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -12,6 +13,12 @@ constexpr int maxDepth = onlyHalve + 32;  // halving an int range ends before
 constexpr int lopsided = 8;               // a side with a part in `lopsided` or less is no half
 constexpr int maxTies = 16;               // equally near nodes; more are left to the tree
 
+/// A length as a float; the largest one for a length that no float holds.
+float Narrowed(double length) {
+    constexpr double largest = std::numeric_limits<float>::max();
+    return static_cast<float>(std::min(length, largest));
+}
+
 /// Sorts nodes into the leaves of an index.
 class IndexBuild {
 public:
@@ -19,14 +26,13 @@ public:
         places.reserve(static_cast<std::size_t>(n));
         for (int i = 0; i < n; ++i) {
             const double* xyz = blocks[i].xyz;
-            places.push_back({{static_cast<float>(xyz[0] - bounds.min[0]),
-                               static_cast<float>(xyz[1] - bounds.min[1]),
-                               static_cast<float>(xyz[2] - bounds.min[2])},
+            places.push_back({{Narrowed(xyz[0] - bounds.min[0]), Narrowed(xyz[1] - bounds.min[1]),
+                               Narrowed(xyz[2] - bounds.min[2])},
                               i});
         }
         Part whole = {0, n, 0, noParent, {{}, {}}};
         for (int a = 0; a < 3; ++a) {
-            whole.box.max[a] = static_cast<float>(bounds.max[a] - bounds.min[a]);
+            whole.box.max[a] = Narrowed(bounds.max[a] - bounds.min[a]);
         }
         open.push_back(whole);
     }
