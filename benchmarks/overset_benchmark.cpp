@@ -10,78 +10,22 @@
 /// states), which both sides share, and `above_mesh_MB`, the difference.
 
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <iostream>
 #include <map>
 #include <memory>
-#include <new>
 #include <vector>
 
+#include "benchmarks/allocation_count.h"
 #include "benchmarks/plain/plain_overset.h"
 #include "overset/overset_grid_data.h"
 #include "overset/overset_mesh.h"
 #include "overset/overset_mesh_impl.h"
 #include "tests/overset/cylinder_host.h"
 
-// Every block of this program is counted while it lives.
-
 namespace {
-
-std::size_t liveBytes = 0;
-std::size_t peakBytes = 0;
-
-void* Allocate(std::size_t bytes) {
-    void* memory = std::malloc(bytes > 0 ? bytes : 1);
-    if (!memory) {
-        throw std::bad_alloc();
-    }
-    liveBytes += malloc_usable_size(memory);
-    peakBytes = std::max(peakBytes, liveBytes);
-    return memory;
-}
-
-void Release(void* memory) {
-    liveBytes -= malloc_usable_size(memory);
-    std::free(memory);
-}
-
-}  // namespace
-
-void* operator new(std::size_t bytes) {
-    return Allocate(bytes);
-}
-void* operator new[](std::size_t bytes) {
-    return Allocate(bytes);
-}
-void operator delete(void* memory) noexcept {
-    Release(memory);
-}
-void operator delete[](void* memory) noexcept {
-    Release(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    Release(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-    Release(memory);
-}
-
-namespace {
-
-/// The peak of the counted bytes since construction.
-class PeakMemory {
-public:
-    PeakMemory() : start(liveBytes) { peakBytes = liveBytes; }
-    double MB() const { return 1e-6 * static_cast<double>(peakBytes - start); }
-
-private:
-    std::size_t start;
-};
 
 /// Keeps the step lines out of the table.
 class QuietOutput {
@@ -175,12 +119,12 @@ public:
 
     /// Bytes of the arrays that the linking and the grid information derive from the host's.
     double MeshMB() {
-        const std::size_t before = liveBytes;
+        const AllocationCount count;
         KVX_ART_OVERSET_GRID_DATA data;
         data.getKvx3dGV(&host.gv, &host.fvm);
         data.getKvx3dData();
         data.OversetGridsInfoSetting();
-        return 1e-6 * static_cast<double>(liveBytes - before);
+        return 1e-6 * static_cast<double>(count.Bytes());
     }
 
     CylinderHost host;
@@ -199,18 +143,19 @@ void RunSetup(benchmark::State& state, Rig& rig, std::unique_ptr<Side>& last) {
     for (auto _ : state) {
         state.PauseTiming();
         last.reset();
-        const PeakMemory peak;
+        const AllocationCount count;
         state.ResumeTiming();
         last = std::make_unique<Side>(rig.host);
         state.PauseTiming();
-        peakMB = peak.MB();
+        peakMB = 1e-6 * static_cast<double>(count.PeakBytes());
         state.ResumeTiming();
     }
     state.SetItemsProcessed(state.iterations() * rig.host.fvm.Nc);
     state.counters["size"] = rig.host.fvm.Nc;
     state.counters["peak_MB"] = peakMB;
-    state.counters["mesh_MB"] = rig.MeshMB();
-    state.counters["above_mesh_MB"] = peakMB - rig.MeshMB();
+    const double meshMB = rig.MeshMB();
+    state.counters["mesh_MB"] = meshMB;
+    state.counters["above_mesh_MB"] = peakMB - meshMB;
 }
 
 void BM_Setup(benchmark::State& state) {
