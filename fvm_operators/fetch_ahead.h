@@ -11,7 +11,8 @@ namespace KVX_ART_FVM {
 // A walk over faces waits for memory: a coefficient is three dependent reads away (record, list,
 // row), and records and lists take far more room than the caches have. So each walk asks for what
 // it will need a few faces before its turn. That takes a quarter off the assembly of a million
-// faces. It reads no more than the walk itself does, and nothing that is added depends on it.
+// faces. It reads pointers, fluxes and row starts, never what a list holds, and nothing that is
+// added depends on it.
 
 using KVX3DART::Fetch;
 
@@ -60,7 +61,8 @@ constexpr int pointersAhead = 8;  ///< faces
 /// @param flux  null in a walk without
 inline void FetchAhead(const CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& gv, int face,
                        const CMAFVMFaceVariableAll* flux, const RecordUse& use) {
-    if (face + pointersAhead > gv.Ne) {
+    // A mesh may lack the records that its walk does not read, those of non-matching faces say.
+    if (face + pointersAhead > gv.Ne || !gv.faceDataLeft || !gv.faceDataRight) {
         return;
     }
     use.pointers(gv.faceDataLeft[face + pointersAhead]);

@@ -98,6 +98,47 @@ TEST_F(Laplace, AnyNonzeroFlagMarksANonmatchingFace) {
     EXPECT_TRUE(RowOf(A, 2).empty());
 }
 
+/// Enough faces for the walk to ask for memory ahead of itself.
+TEST(LongWalk, NonmatchingFacesNeedNoSecondRecords) {
+    const std::vector<std::pair<int, int>> faces(20, {1, 2});
+    OperatorHost host(2, faces);
+    host.gv.useBoundaryFaces = false;
+    for (int i = 1; i <= host.gv.Ne; ++i) {
+        SetStencil(host.Left(i), Pair::Normal, {{1, -1.0}, {2, 1.0}});
+        host.gv.nonmatchingFace[i] = 1;
+        host.gv.faceMu->left[i] = -1.0;
+    }
+    CKVX_ART_SparseMatrix A(2);
+    CMAFVMFaceData* const second = host.gv.faceDataRight;
+    host.gv.faceDataRight = nullptr;
+
+    host.Operator(A).PureLaplaceOperator(1.0);
+    host.Operator(A).ConvectionFU_Diffusion_Operator(&host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{1, -40.0}, {2, 40.0}}));
+    host.gv.faceDataRight = second;
+}
+
+TEST(LongWalk, CellUpwindNeedsNoRecords) {
+    const std::vector<std::pair<int, int>> faces(20, {1, 2});
+    OperatorHost host(2, faces);
+    host.gv.useBoundaryFaces = false;
+    for (int i = 1; i <= host.gv.Ne; ++i) {
+        host.SetFlux(i, 1.0);
+    }
+    CKVX_ART_SparseMatrix A(2);
+    CMAFVMFaceData* const first = host.gv.faceDataLeft;
+    CMAFVMFaceData* const second = host.gv.faceDataRight;
+    host.gv.faceDataLeft = host.gv.faceDataRight = nullptr;
+
+    host.Operator(A).ConvectionOperator(true, 1.0, &host.flux);
+
+    EXPECT_EQ(RowOf(A, 1), (Terms{{1, 20.0}}));
+    EXPECT_EQ(RowOf(A, 2), (Terms{{1, -20.0}}));
+    host.gv.faceDataLeft = first;
+    host.gv.faceDataRight = second;
+}
+
 TEST_F(Diffusion, EachSideHasItsOwnCoefficient) {
     host.gv.useBoundaryFaces = false;
     host.gv.Ne = 1;
