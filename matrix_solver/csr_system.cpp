@@ -42,17 +42,7 @@ void SortRow(CsrSystem& system, int begin, int end) {
         }
         return;
     }
-    for (int k = begin + 1; k < end; ++k) {
-        const int column = system.column[k];
-        const double value = system.value[k];
-        int place = k;
-        for (; place > begin && system.column[place - 1] > column; --place) {
-            system.column[place] = system.column[place - 1];
-            system.value[place] = system.value[place - 1];
-        }
-        system.column[place] = column;
-        system.value[place] = value;
-    }
+    SortShortRow(system.column, system.value, begin, end);
 }
 
 /// Copies one row, its sign chosen so that the diagonal is not negative: aggregation-based

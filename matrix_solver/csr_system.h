@@ -47,6 +47,22 @@ bool IsFixed(const CsrSystem& A, int row);
 /// set the rest is a symmetric system.
 bool IsSymmetric(const CsrSystem& A);
 
+/// Sorts the entries begin..end - 1 of a row by column; for rows that are short and nearly sorted.
+template <typename Value>
+void SortShortRow(std::vector<int>& columns, std::vector<Value>& values, int begin, int end) {
+    for (int k = begin + 1; k < end; ++k) {
+        const int column = columns[k];
+        const Value value = values[k];
+        int place = k;
+        for (; place > begin && columns[place - 1] > column; --place) {
+            columns[place] = columns[place - 1];
+            values[place] = values[place - 1];
+        }
+        columns[place] = column;
+        values[place] = value;
+    }
+}
+
 /// y = A x. The sizes must fit.
 void Multiply(const CsrSystem& A, const Vector& x, Vector& y);
 

@@ -112,17 +112,7 @@ std::pair<std::vector<int>, std::vector<int>> RowsByAggregate(const std::vector<
 void FinishRow(Level& A, int row) {
     const int begin = A.rowStart[row];
     const int end = static_cast<int>(A.column.size());
-    for (int k = begin + 1; k < end; ++k) {
-        const int column = A.column[k];
-        const float value = A.value[k];
-        int place = k;
-        for (; place > begin && A.column[place - 1] > column; --place) {
-            A.column[place] = A.column[place - 1];
-            A.value[place] = A.value[place - 1];
-        }
-        A.column[place] = column;
-        A.value[place] = value;
-    }
+    SortShortRow(A.column, A.value, begin, end);
     const auto found = std::find(A.column.begin() + begin, A.column.end(), row);
     A.diagonal.push_back(static_cast<int>(found - A.column.begin()));
     A.rowStart.push_back(end);
