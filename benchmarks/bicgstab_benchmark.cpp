@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "benchmarks/linear_systems.h"
-#include "benchmarks/plain/plain_bicgstab.h"
+#include "plain/plain_bicgstab.h"
 
 namespace {
 

@@ -26,7 +26,7 @@
 #include "matrix_solver/krylov.h"
 #include "matrix_solver/matrix_solver.h"
 #include "matrix_solver/multigrid.h"
-#include "tests/matrix_solver/problems.h"
+#include "plain/samples/problems.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 ///   list and the matrix. No operator gets there, since Read alone takes longer.
 
 #include "benchmarks/box_of_cells.h"
-#include "benchmarks/plain/plain_operators.h"
 #include "fvm_operators/mat_operator.h"
+#include "plain/plain_operators.h"
 
 #include <benchmark/benchmark.h>
 

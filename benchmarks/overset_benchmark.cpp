@@ -1,4 +1,4 @@
-/// Overset setup and donors on the cylinder family of tests/overset/cylinder_host.h.
+/// Overset setup and donors on the cylinder family of plain/samples/cylinder_host.h.
 ///
 /// The argument is m, the mesh has 240 m^3 cells. "Setup" is SetFVM() from the host's arrays to
 /// the donor trees, its size is the number of cells; "Donors" is one query for each inner face on
@@ -19,11 +19,11 @@
 #include <vector>
 
 #include "benchmarks/allocation_count.h"
-#include "benchmarks/plain/plain_overset.h"
 #include "overset/overset_grid_data.h"
 #include "overset/overset_mesh.h"
 #include "overset/overset_mesh_impl.h"
-#include "tests/overset/cylinder_host.h"
+#include "plain/plain_overset.h"
+#include "plain/samples/cylinder_host.h"
 
 namespace {
 

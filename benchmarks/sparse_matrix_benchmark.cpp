@@ -13,7 +13,7 @@
 
 #include "benchmarks/allocation_count.h"
 #include "benchmarks/linear_systems.h"
-#include "benchmarks/plain/plain_sparse_matrix.h"
+#include "plain/plain_sparse_matrix.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "benchmarks/plain/plain_vtu_writer.h"
+#include "plain/plain_vtu_writer.h"
 #include "vtk_output/vtk_data.h"
 #include "vtk_output/vtk_xml.h"
 

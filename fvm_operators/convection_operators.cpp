@@ -1,5 +1,5 @@
-#include "fvm_operators/face_rows.h"
-#include "fvm_operators/fetch_ahead.h"
+#include "fvm_operators/detail/face_rows.h"
+#include "fvm_operators/detail/prefetch.h"
 #include "fvm_operators/mat_operator.h"
 
 namespace KVX_ART_FVM {

@@ -1,6 +1,6 @@
 #include "fvm_operators/mat_operator.h"
 
-#include "host_link/last_stores.h"
+#include "host_link/detail/last_stores.h"
 
 namespace KVX_ART_FVM {
 

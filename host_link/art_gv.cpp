@@ -5,8 +5,8 @@
 #include <iostream>
 
 #include "host_link/containers.h"
+#include "host_link/detail/last_stores.h"
 #include "host_link/face_data.h"
-#include "host_link/last_stores.h"
 
 namespace {
 

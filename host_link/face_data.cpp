@@ -2,7 +2,7 @@
 
 #include "host_link/art_gv.h"
 #include "host_link/containers.h"
-#include "host_link/last_stores.h"
+#include "host_link/detail/last_stores.h"
 
 CMAFVMFaceData::CMAFVMFaceData() = default;
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "linear_algebra/dilu_sweeps.h"
+#include "linear_algebra/detail/dilu_sweeps.h"
 
 namespace {
 

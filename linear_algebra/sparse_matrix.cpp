@@ -6,7 +6,7 @@
 #include <memory>
 #include <utility>
 
-#include "linear_algebra/csr_rows.h"
+#include "linear_algebra/detail/csr_rows.h"
 
 CKVX_ART_SparseMatrix::CKVX_ART_SparseMatrix(int n) {
     DefaultConstructorProcedure(n, n);

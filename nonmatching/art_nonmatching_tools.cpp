@@ -4,7 +4,7 @@
 #include <set>
 #include <vector>
 
-#include "host_link/last_stores.h"
+#include "host_link/detail/last_stores.h"
 #include "vtk_output/vtk_tool.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <new>
 
 #include "host_link/art_gv.h"
+#include "overset/detail/nearest_face.h"
 #include "overset/kd_tree.h"
-#include "overset/nearest_face.h"
 #include "overset/overset_grid_data.h"
 
 namespace {

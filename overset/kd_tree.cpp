@@ -7,7 +7,7 @@
 #include <new>
 #include <vector>
 
-#include "overset/kd_tree_store.h"
+#include "overset/detail/kd_tree_store.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host_link/containers.h"
-#include "host_link/last_stores.h"
+#include "host_link/detail/last_stores.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "host_link/last_stores.h"
+#include "host_link/detail/last_stores.h"
 
 CKVXOversetMesh::CKVXOversetMesh() : impl(new CKVXOversetMesh_Impl()) {}
 

@@ -4,8 +4,8 @@
 #include <new>
 
 #include "host_link/containers.h"
-#include "host_link/last_stores.h"
-#include "overset/kd_tree_store.h"
+#include "host_link/detail/last_stores.h"
+#include "overset/detail/kd_tree_store.h"
 #include "vtk_output/vtk_data.h"
 #include "vtk_output/vtk_tool.h"
 

@@ -1,7 +1,7 @@
 #ifndef KVX3D_VTK_OUTPUT_DIR_ITERATOR_H
 #define KVX3D_VTK_OUTPUT_DIR_ITERATOR_H
 
-#include "vtk_output/platform.h"
+#include "vtk_output/detail/platform.h"
 
 /// One directory entry.
 class VTK_DirEntry {

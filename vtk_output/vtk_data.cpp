@@ -2,7 +2,7 @@
 
 #include <type_traits>
 
-#include "host_link/last_stores.h"
+#include "host_link/detail/last_stores.h"
 
 static_assert(std::is_trivially_copyable_v<MeshCell>, "a cell is a plain value");
 

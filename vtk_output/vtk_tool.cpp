@@ -4,10 +4,10 @@
 #include <iostream>
 #include <locale>
 
-#include "host_link/last_stores.h"
+#include "host_link/detail/last_stores.h"
+#include "vtk_output/detail/number_text.h"
+#include "vtk_output/detail/platform.h"
 #include "vtk_output/dir_iterator.h"
-#include "vtk_output/number_text.h"
-#include "vtk_output/platform.h"
 #include "vtk_output/vtk_xml.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "vtk_output/number_text.h"
+#include "vtk_output/detail/number_text.h"
 
 namespace {
 

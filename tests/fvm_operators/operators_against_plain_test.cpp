@@ -1,7 +1,7 @@
 /// Every operator against its plain transcription on random meshes: the same entries, in the same
 /// storage order, with the same bits.
 
-#include "benchmarks/plain/plain_operators.h"
+#include "plain/plain_operators.h"
 #include "tests/fvm_operators/operator_host.h"
 
 #include <gtest/gtest.h>

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "benchmarks/plain/plain_bicgstab.h"
+#include "plain/plain_bicgstab.h"
 
 // The solver must end where the plain transcription ends, with the same bits in x, in every work
 // vector and in both figures, whatever order the rows are stored in and wherever it breaks down.

@@ -1,4 +1,4 @@
-#include "linear_algebra/csr_rows.h"
+#include "linear_algebra/detail/csr_rows.h"
 
 #include <gtest/gtest.h>
 

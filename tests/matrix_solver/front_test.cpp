@@ -8,7 +8,7 @@
 #include "linear_algebra/solver_dense.h"
 #include "linear_algebra/solver_samg.h"
 #include "matrix_solver/matrix_solver.h"
-#include "tests/matrix_solver/problems.h"
+#include "plain/samples/problems.h"
 
 namespace {
 

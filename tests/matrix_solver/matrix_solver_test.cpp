@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "matrix_solver/sparse_lu.h"
-#include "tests/matrix_solver/problems.h"
+#include "plain/samples/problems.h"
 #include "tests/matrix_solver/solver_calls.h"
 
 namespace {

@@ -13,7 +13,7 @@
 #include "matrix_solver/matrix_solver.h"
 #include "matrix_solver/multigrid.h"
 #include "matrix_solver/sparse_lu.h"
-#include "tests/matrix_solver/problems.h"
+#include "plain/samples/problems.h"
 #include "tests/matrix_solver/solver_calls.h"
 
 namespace {

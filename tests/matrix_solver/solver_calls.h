@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "tests/matrix_solver/problems.h"
+#include "plain/samples/problems.h"
 
 /// What one call is given beside the problem.
 struct Call {

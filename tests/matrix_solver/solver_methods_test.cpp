@@ -14,7 +14,7 @@
 #include "matrix_solver/multigrid.h"
 #include "matrix_solver/pairwise_multigrid.h"
 #include "matrix_solver/sparse_lu.h"
-#include "tests/matrix_solver/problems.h"
+#include "plain/samples/problems.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "benchmarks/plain/plain_overset.h"
+#include "plain/plain_overset.h"
+#include "plain/samples/cylinder_host.h"
 #include "tests/overset/cutting.h"
-#include "tests/overset/cylinder_host.h"
 #include "tests/support/output_capture.h"
 
 // The pair of cuts on hand-linked data, and the pair of the setup against its plain form.

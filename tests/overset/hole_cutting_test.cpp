@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "benchmarks/plain/plain_kd_tree.h"
 #include "overset/overset_grid_data.h"
+#include "plain/plain_kd_tree.h"
 #include "tests/overset/cutting.h"
 #include "tests/support/box_host.h"
 #include "tests/support/output_capture.h"

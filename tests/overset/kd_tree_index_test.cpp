@@ -10,10 +10,10 @@
 #include <thread>
 #include <vector>
 
-#include "benchmarks/plain/plain_kd_tree.h"
+#include "overset/detail/kd_tree_store.h"
 #include "overset/kd_tree.h"
-#include "overset/kd_tree_store.h"
-#include "tests/overset/clouds.h"
+#include "plain/plain_kd_tree.h"
+#include "plain/samples/clouds.h"
 
 namespace {
 

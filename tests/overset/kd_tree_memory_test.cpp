@@ -6,9 +6,9 @@
 #include <new>
 #include <vector>
 
+#include "overset/detail/kd_tree_store.h"
 #include "overset/kd_tree.h"
-#include "overset/kd_tree_store.h"
-#include "tests/overset/clouds.h"
+#include "plain/samples/clouds.h"
 
 // Every form of new of this program goes through here and can be made to fail.
 

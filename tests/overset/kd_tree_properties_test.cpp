@@ -3,9 +3,9 @@
 #include <utility>
 #include <vector>
 
-#include "benchmarks/plain/plain_kd_tree.h"
 #include "overset/kd_tree.h"
-#include "tests/overset/clouds.h"
+#include "plain/plain_kd_tree.h"
+#include "plain/samples/clouds.h"
 
 namespace {
 

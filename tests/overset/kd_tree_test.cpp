@@ -9,8 +9,8 @@
 #include <new>
 #include <vector>
 
-#include "overset/kd_tree_store.h"
-#include "tests/overset/clouds.h"
+#include "overset/detail/kd_tree_store.h"
+#include "plain/samples/clouds.h"
 #include "tests/support/allocation_recorder.h"
 #include "tests/support/output_capture.h"
 

@@ -1,4 +1,4 @@
-#include "overset/nearest_face.h"
+#include "overset/detail/nearest_face.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <random>
 #include <vector>
 
-#include "benchmarks/plain/plain_kd_tree.h"
-#include "tests/overset/clouds.h"
+#include "plain/plain_kd_tree.h"
+#include "plain/samples/clouds.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "benchmarks/plain/plain_overset.h"
 #include "overset/kd_tree.h"
 #include "overset/overset_grid_data.h"
 #include "overset/overset_mesh_impl.h"
-#include "tests/overset/cylinder_host.h"
+#include "plain/plain_overset.h"
+#include "plain/samples/cylinder_host.h"
 #include "tests/support/box_host.h"
 #include "tests/support/output_capture.h"
 

@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "benchmarks/plain/plain_overset.h"
 #include "overset/kd_tree.h"
 #include "overset/overset_mesh.h"
 #include "overset/overset_mesh_impl.h"
+#include "plain/plain_overset.h"
 #include "tests/overset/cutting.h"
 #include "tests/overset/scatter_host.h"
 #include "tests/support/output_capture.h"

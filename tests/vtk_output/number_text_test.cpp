@@ -1,4 +1,4 @@
-#include "vtk_output/number_text.h"
+#include "vtk_output/detail/number_text.h"
 
 #include <gtest/gtest.h>
 

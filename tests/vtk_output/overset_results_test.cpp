@@ -12,7 +12,7 @@
 #include "tests/support/box_host.h"
 #include "tests/support/output_capture.h"
 #include "tests/vtk_output/output_support.h"
-#include "vtk_output/number_text.h"
+#include "vtk_output/detail/number_text.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <random>
 #include <sstream>
 
-#include "benchmarks/plain/plain_vtu_writer.h"
+#include "plain/plain_vtu_writer.h"
 #include "tests/support/output_capture.h"
 #include "tests/support/temp_directory.h"
 #include "tests/vtk_output/output_support.h"

@@ -1,0 +1,5 @@
+#include "fvm_operators/detail/face_rows.h"
+
+void KVX_ART_FVM::AddUnstored(CKVX_ART_SparseMatrix& matrix, int row, int col, double value) {
+    matrix.AddElementValue(row, col, value);
+}

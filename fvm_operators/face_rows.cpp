@@ -1,5 +1,0 @@
-#include "fvm_operators/face_rows.h"
-
-void KVX_ART_FVM::AddUnstored(CKVX_ART_SparseMatrix& matrix, int row, int col, double value) {
-    matrix.AddElementValue(row, col, value);
-}

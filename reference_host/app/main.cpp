@@ -1,0 +1,87 @@
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <new>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+
+#include "reference_host/app/command_line.h"
+
+namespace {
+
+int Run(const host::Command& command) {
+    switch (command.task) {
+        case host::Task::Cylinder:
+            return host::RunCylinder(command.cylinder);
+        case host::Task::Heat:
+            return host::RunHeat(command.heat);
+        case host::Task::Mms:
+            return host::RunMms(command.mms);
+        case host::Task::Nonmatching:
+            return host::RunNonmatching(command.nonmatching);
+        case host::Task::Dump:
+            return host::RunDump(command.dump);
+        case host::Task::Sphere:
+            return host::RunSphere(command.sphere);
+        case host::Task::ShowHelp:
+            std::cout << command.help;
+    }
+    return 0;
+}
+
+/// A log cut short by a full disk or a closed pager is no success.
+void RequireWrittenOutput() {
+    if (!std::cout.flush() || std::fflush(stdout) != 0) {
+        throw std::runtime_error(
+            "standard output could not be written to its end; result files are not affected");
+    }
+}
+
+/// One line for each fault.
+void PrintError(const std::string& text) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        std::cerr << "reference_host: " << line << '\n';
+    }
+}
+
+/// Gmsh 4.8 throws texts out of parallel loops on some geometries: nothing can catch them there.
+[[noreturn]] void EndInOneLine() noexcept {
+    std::string what = "unknown";
+    try {
+        if (const std::exception_ptr thrown = std::current_exception()) {
+            std::rethrow_exception(thrown);
+        }
+    } catch (const std::exception& error) {
+        what = error.what();
+    } catch (const std::string& text) {
+        what = text;
+    } catch (...) {
+    }
+    std::replace(what.begin(), what.end(), '\n', ' ');
+    std::cerr << "reference_host: a library ended the program, its error: " << what << '\n';
+    std::_Exit(1);
+}
+
+}  // namespace
+
+/// A small flow solver that hosts the toolbox; `reference_host --help` lists its cases.
+int main(int argc, char** argv) try {
+    std::set_terminate(EndInOneLine);
+#ifdef SIGPIPE
+    std::signal(SIGPIPE, SIG_IGN);  // a closed pager must not cost a long run its results
+#endif
+    const int code = Run(host::ReadCommand(argc, argv));
+    RequireWrittenOutput();
+    return code;
+} catch (const std::bad_alloc&) {
+    PrintError("out of memory: take a coarser mesh");
+    return 1;
+} catch (const std::exception& error) {
+    PrintError(error.what());
+    return 1;
+}

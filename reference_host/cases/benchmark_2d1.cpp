@@ -1,0 +1,99 @@
+#include "reference_host/cases/benchmark_2d1.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+#include "reference_host/physics/forces.h"
+
+namespace host::benchmark2d1 {
+
+namespace {
+
+/// Lowest and highest y of the inlet's nodes.
+std::pair<double, double> InletRange(const Mesh& mesh) {
+    double low = std::numeric_limits<double>::max();
+    double high = std::numeric_limits<double>::lowest();
+    for (int face = 1; face <= mesh.FaceCount(Boundary::Inlet); ++face) {
+        for (const int node : mesh.Faces(Boundary::Inlet)[face].nodes) {
+            low = std::min(low, mesh.nodes[node].y());
+            high = std::max(high, mesh.nodes[node].y());
+        }
+    }
+    return {low, high};
+}
+
+}  // namespace
+
+InletProfile Inflow(const Mesh& mesh) {
+    if (mesh.FaceCount(Boundary::Inlet) == 0) {
+        throw std::runtime_error("the mesh has no face in the group \"inlet\"");
+    }
+    const auto [low, high] = InletRange(mesh);
+    return [bottom = low, height = high - low](const Vec3& point) {
+        const double y = (point.y() - bottom) / height;
+        return Vec3(6.0 * y * (1.0 - y), 0.0, 0.0);
+    };
+}
+
+Result Measure(const FlowSolver& flow) {
+    constexpr double pressureUnit = 0.04;  // the benchmark's mean velocity 0.2, squared
+    const Momentum& momentum = flow.MomentumPart();
+    const double depth = momentum.builder.mesh.Depth();
+    const Vec3 force = ForceOnBody(momentum, flow.Fields());
+    const StagnationPressures stagnation =
+        PressuresAtStagnation(momentum.builder, flow.Fields().pressure);
+    Result result;
+    result.cd = 2.0 * force.x() / depth;
+    result.cl = 2.0 * force.y() / depth;
+    result.dp = pressureUnit * (stagnation.front - stagnation.back);
+    result.massDefect = flow.MassDefect();
+    return result;
+}
+
+std::optional<Limits> LimitsOf(Scheme scheme, int n) {
+    if (scheme == Scheme::LinearUpwind) {
+        switch (n) {
+            case 10:
+                return Limits{6e-3, 4e-3, 0.1, 5e-3, 160};
+            case 20:
+                return Limits{1.5e-3, 1.5e-3, 0.03, 1.2e-3, 240};
+            case 40:
+                return Limits{4e-4, 8e-4, 0.01, 2.5e-4, 420};
+            default:
+                return std::nullopt;
+        }
+    }
+    if ((scheme == Scheme::Quick || scheme == Scheme::Central) && n == 20) {
+        return Limits{3.5e-3, 5e-3, std::nullopt, std::nullopt, std::nullopt};
+    }
+    return std::nullopt;
+}
+
+std::vector<std::string> Misses(const Result& result, const Limits& limits) {
+    std::vector<std::string> misses;
+    const auto check = [&](const char* name, double value, double limit) {
+        if (!(std::abs(value) <= limit)) {  // true for not-a-number as well
+            misses.push_back(
+                fmt::format("{} is off by {:.2e}, at most {:.2e} wanted", name, value, limit));
+        }
+    };
+    check("Cd", result.cd / dragCoefficient - 1.0, limits.cd);
+    check("pressure difference", result.dp / pressureDifference - 1.0, limits.dp);
+    if (limits.cl) {
+        check("Cl", result.cl / liftCoefficient - 1.0, *limits.cl);
+    }
+    if (limits.massDefect) {
+        check("mass balance", result.massDefect, *limits.massDefect);
+    }
+    if (limits.iterations && result.iterations > *limits.iterations) {
+        misses.push_back(
+            fmt::format("{} iterations, at most {} wanted", result.iterations, *limits.iterations));
+    }
+    return misses;
+}
+
+}  // namespace host::benchmark2d1

@@ -1,0 +1,112 @@
+#include "reference_host/cases/benchmark_sphere.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+#include "reference_host/discretisation/donor_interpolation.h"
+#include "reference_host/mesh/cell_faces.h"
+#include "reference_host/mesh/point_tree.h"
+#include "reference_host/physics/forces.h"
+
+namespace host::benchmarksphere {
+
+namespace {
+
+constexpr double radius = 0.5;
+
+std::vector<int> ActiveCells(const Mesh& mesh, const OversetLink& link) {
+    std::vector<int> cells;
+    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+        if (link.IsActive(cell)) {
+            cells.push_back(cell);
+        }
+    }
+    return cells;
+}
+
+}  // namespace
+
+Vec3 Stream() {
+    return {1.0, 0.0, 0.0};
+}
+
+Vec3 ForceCoefficient(const FlowSolver& flow) {
+    const double area = std::acos(-1.0) * radius * radius;
+    return ForceOnBody(flow.MomentumPart(), flow.Fields()) / (0.5 * area);
+}
+
+std::vector<AxisPoint> WakeAxis(const FlowSolver& flow, double end, double step) {
+    const Mesh& mesh = flow.MomentumPart().builder.mesh;
+    const OversetLink& link = flow.MomentumPart().builder.link;
+    const CellFaces cellFaces(mesh);
+    const DonorInterpolation interpolation(mesh, link, cellFaces);
+    const PointTree tree(ActiveCells(mesh, link),
+                         [&](int cell) -> const Vec3& { return mesh.cellCentre[cell]; });
+    const std::vector<double>& u = flow.Fields().velocity[0];
+    std::vector<AxisPoint> axis;
+    for (int k = 0; radius + k * step <= end; ++k) {
+        const Vec3 point(radius + k * step, 0.0, 0.0);
+        const int cell = tree.Nearest(point);
+        const Stencil fit = interpolation.Fit(cell, point);
+        axis.push_back({point.x(), fit.Terms().empty() ? u[cell] : fit.Apply(u)});
+    }
+    return axis;
+}
+
+double RecirculationLength(const std::vector<AxisPoint>& axis) {
+    for (std::size_t k = 1; k < axis.size(); ++k) {
+        const AxisPoint& a = axis[k - 1];
+        const AxisPoint& b = axis[k];
+        if (a.u < 0.0 && b.u >= 0.0) {
+            return a.x - a.u * (b.x - a.x) / (b.u - a.u) - radius;
+        }
+    }
+    return 0.0;
+}
+
+Result Measure(const FlowSolver& flow) {
+    constexpr double farEnd = 4.0;  // three times as far as the vortex reaches
+    constexpr double step = 0.01;   // far below a cell
+    const Vec3 force = ForceCoefficient(flow);
+    Result result;
+    result.cd = force.x();
+    result.sideForce = std::hypot(force.y(), force.z());
+    result.recirculation = RecirculationLength(WakeAxis(flow, farEnd, step));
+    result.massDefect = flow.MassDefect();
+    return result;
+}
+
+std::optional<Limits> LimitsOf(Scheme scheme, int n) {
+    if (scheme != Scheme::LinearUpwind) {
+        return std::nullopt;
+    }
+    switch (n) {
+        case 5:
+            return Limits{0.05, 0.12, 0.02, 1e-3};
+        case 7:
+            return Limits{0.04, 0.08, 0.01, 5e-4};
+        case 10:
+            return Limits{0.025, 0.04, 0.005, 2e-4};
+        default:
+            return std::nullopt;
+    }
+}
+
+std::vector<std::string> Misses(const Result& result, const Limits& limits) {
+    std::vector<std::string> misses;
+    const auto check = [&](const char* name, double value, double limit) {
+        if (!(std::abs(value) <= limit)) {  // true for not-a-number as well
+            misses.push_back(
+                fmt::format("{} is off by {:.2e}, at most {:.2e} wanted", name, value, limit));
+        }
+    };
+    check("Cd", result.cd / dragCoefficient - 1.0, limits.cd);
+    check("recirculation length", result.recirculation / recirculationLength - 1.0,
+          limits.recirculation);
+    check("side force", result.sideForce, limits.sideForce);
+    check("mass balance", result.massDefect, limits.massDefect);
+    return misses;
+}
+
+}  // namespace host::benchmarksphere

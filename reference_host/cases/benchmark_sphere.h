@@ -1,0 +1,82 @@
+#ifndef KVX3D_REFERENCE_HOST_CASES_BENCHMARK_SPHERE_H
+#define KVX3D_REFERENCE_HOST_CASES_BENCHMARK_SPHERE_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "reference_host/discretisation/scheme.h"
+#include "reference_host/mesh/mesh.h"
+#include "reference_host/physics/flow_solver.h"
+
+namespace host {
+
+/// Steady laminar flow around a sphere in an unbounded uniform stream at Reynolds number 100.
+///
+/// Lengths are in sphere diameters and velocities in those of the stream. The sphere stands in the
+/// origin, the stream runs along x. Behind the sphere the flow runs back, inside a closed ring
+/// vortex that is steady and axisymmetric up to a Reynolds number of about 210.
+///
+/// The drag lies between two correlations of experiments: 1.087 by R. Clift, J. R. Grace, M. E.
+/// Weber, Bubbles, Drops, and Particles, Academic Press 1978, table 5.2: 24 / Re (1 + 0.1935
+/// Re^0.6305), and 1.092 by L. Schiller, A. Naumann, Z. Ver. Dtsch. Ing. 77 (1933) 318-320: 24 / Re
+/// (1 + 0.15 Re^0.687). Length of the vortex: T. A. Johnson, V. C. Patel, J. Fluid Mech. 378 (1999)
+/// 19-70, doi:10.1017/S0022112098003206, computed; S. Taneda, J. Phys. Soc. Japan 11 (1956)
+/// 1104-1108, doi:10.1143/JPSJ.11.1104, by experiment.
+namespace benchmarksphere {
+
+constexpr double viscosity = 1.0 / 100.0;
+constexpr double dragCoefficient = 1.09;
+constexpr double recirculationLength = 0.88;
+
+/// The stream: uniform, 1 along x. Also the velocity of the box's side walls.
+Vec3 Stream();
+
+struct Result {
+    double cd = 0.0;             ///< Fx / (1/2 pi/4)
+    double sideForce = 0.0;      ///< the same of the force across the stream; 0 by symmetry
+    double recirculation = 0.0;  ///< from the rear of the sphere to where u changes sign
+    double massDefect = 0.0;
+    int iterations = 0;
+};
+
+/// Drag coefficient and side force coefficient of the flow as it stands.
+Vec3 ForceCoefficient(const FlowSolver& flow);
+
+/// Velocity along x on the axis behind the sphere, from the rear to `end`, by quadratic fits in
+/// whichever grid has the nearest active cell.
+struct AxisPoint {
+    double x = 0.0;
+    double u = 0.0;
+};
+std::vector<AxisPoint> WakeAxis(const FlowSolver& flow, double end, double step);
+
+/// Distance from the rear at x = 1/2 to the first change of u from negative to positive, by linear
+/// interpolation; 0 if nothing runs back.
+double RecirculationLength(const std::vector<AxisPoint>& axis);
+
+/// All figures of the flow as it stands.
+Result Measure(const FlowSolver& flow);
+
+/// Largest relative deviations from the published values.
+struct Limits {
+    double cd = 0.0;
+    double recirculation = 0.0;
+    double sideForce = 0.0;   ///< magnitude
+    double massDefect = 0.0;  ///< magnitude
+};
+
+/// The limits for a scheme on sphere_overset.geo with n cells a diameter; none for other
+/// combinations.
+std::optional<Limits> LimitsOf(Scheme scheme, int n);
+/// What there are limits for, for messages.
+constexpr char checkable[] = "lud at n = 5, 7 and 10";
+
+/// What misses the limits, one sentence each.
+std::vector<std::string> Misses(const Result& result, const Limits& limits);
+
+}  // namespace benchmarksphere
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,140 @@
+#include "reference_host/discretisation/gradient.h"
+
+#include <Eigen/Eigenvalues>
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+using Mat3 = Eigen::Matrix3d;
+
+/// An unknown seen from the cell: its column and the vector to where its value stands.
+struct Sample {
+    int column;
+    Vec3 offset;
+};
+
+struct SampleSet {
+    std::vector<Sample> samples;
+    Mat3 moments = Mat3::Zero();
+
+    void AddMoment(const Vec3& d) { moments += d * d.transpose() / d.squaredNorm(); }
+    void Add(int column, const Vec3& d) {
+        samples.push_back({column, d});
+        AddMoment(d);
+    }
+};
+
+bool GhostTakesPart(GradientSet set, Boundary kind, const BoundaryFace& face) {
+    return set == GradientSet::Velocity || kind == Boundary::Outlet || face.oversetGroup > 0;
+}
+
+bool IsTetrahedron(const Mesh& mesh, int cell) {
+    return mesh.cellNodes[cell].size() == 4;
+}
+
+/// Adds the active neighbours of the neighbours, across faces with both cells active. Ghosts of the
+/// neighbours' boundary faces stay out: the pressure has no condition at all of them.
+void AddSecondNeighbours(int cell, const Mesh& mesh, const OversetLink& link,
+                         const CellFaces& cellFaces, SampleSet& around) {
+    const auto neighbour = [&](int of, int face) {
+        const InnerFace& pair = mesh.innerFaces[face];
+        return pair.owner == of ? pair.neighbor : pair.owner;
+    };
+    std::vector<int> seen = {cell};
+    for (const Sample& sample : around.samples) {
+        seen.push_back(sample.column);
+    }
+    for (const int face : cellFaces.InnerFaces(cell)) {
+        if (link.Side(face) != FaceSide::Both) {
+            continue;
+        }
+        const int first = neighbour(cell, face);
+        for (const int next : cellFaces.InnerFaces(first)) {
+            const int second = neighbour(first, next);
+            if (link.Side(next) == FaceSide::Both &&
+                std::find(seen.begin(), seen.end(), second) == seen.end()) {
+                seen.push_back(second);
+                around.Add(second, mesh.cellCentre[second] - mesh.cellCentre[cell]);
+            }
+        }
+    }
+}
+
+SampleSet SamplesAround(int cell, const Mesh& mesh, const HostObjects& objects,
+                        const OversetLink& link, const CellFaces& cellFaces, GradientSet set) {
+    const Vec3& centre = mesh.cellCentre[cell];
+    SampleSet around;
+    for (const int face : cellFaces.InnerFaces(cell)) {
+        const int other =
+            mesh.innerFaces[face].owner == cell ? link.Second(face) : link.First(face);
+        around.Add(other, mesh.cellCentre[other] - centre);
+    }
+    if (IsTetrahedron(mesh, cell)) {
+        AddSecondNeighbours(cell, mesh, link, cellFaces, around);
+    }
+    for (const BoundaryFaceId& id : cellFaces.BoundaryFaces(cell)) {
+        const BoundaryFace& face = mesh.Faces(id.kind)[id.face];
+        const Vec3 toFace = face.centre - centre;
+        if (id.kind == Boundary::Symmetry) {
+            const Vec3 normal = face.area.normalized();
+            around.AddMoment(2.0 * toFace.dot(normal) * normal);
+        } else if (GhostTakesPart(set, id.kind, face)) {
+            around.Add(objects.Ghost(id.kind, id.face), toFace);
+        }
+    }
+    return around;
+}
+
+/// Inverse of the moments on the directions that the samples span, zero on the rest: a corner
+/// tetrahedron with boundary ghosts left out may see fewer than three directions.
+Mat3 PseudoInverse(const Mat3& moments) {
+    const Eigen::SelfAdjointEigenSolver<Mat3> eigen(moments);
+    const double smallest = 1e-10 * eigen.eigenvalues()[2];  // relative: moments are scale free
+    Vec3 inverse = Vec3::Zero();
+    for (int i = 0; i < 3; ++i) {
+        if (eigen.eigenvalues()[i] > smallest) {
+            inverse[i] = 1.0 / eigen.eigenvalues()[i];
+        }
+    }
+    return eigen.eigenvectors() * inverse.asDiagonal() * eigen.eigenvectors().transpose();
+}
+
+/// Rounding noise dropped: on Cartesian cells each component keeps two unknowns instead of all.
+Vec3 WithoutNoise(Vec3 weight, double distance) {
+    for (double& component : weight) {
+        if (std::abs(component) < 1e-14 / distance) {
+            component = 0.0;
+        }
+    }
+    return weight;
+}
+
+GradientStencil Fit(int cell, const SampleSet& around) {
+    const Mat3 inverse = PseudoInverse(around.moments);
+    GradientStencil gradient;
+    for (const Sample& sample : around.samples) {
+        const Vec3 weight = WithoutNoise(inverse * sample.offset / sample.offset.squaredNorm(),
+                                         sample.offset.norm());
+        if (!weight.isZero(0.0)) {
+            gradient.Add(sample.column, weight);
+            gradient.Add(cell, -weight);
+        }
+    }
+    return gradient;
+}
+
+}  // namespace
+
+CellGradients::CellGradients(const Mesh& mesh, const HostObjects& objects, const OversetLink& link,
+                             const CellFaces& cellFaces, GradientSet set)
+    : gradients(mesh.CellCount() + 1) {
+    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+        if (link.IsActive(cell)) {
+            gradients[cell] = Fit(cell, SamplesAround(cell, mesh, objects, link, cellFaces, set));
+        }
+    }
+}
+
+}  // namespace host

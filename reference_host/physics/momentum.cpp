@@ -1,0 +1,136 @@
+#include "reference_host/physics/momentum.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "reference_host/discretisation/face_flux.h"
+
+namespace host {
+
+namespace {
+
+/// Weight of a cell in a stencil.
+double Weight(const int* ids, const double* coefs, int cell) {
+    double weight = 0.0;
+    for (int j = 1; j <= ids[0]; ++j) {
+        weight += ids[j] == cell ? coefs[j] : 0.0;
+    }
+    return weight;
+}
+
+}  // namespace
+
+Momentum::Momentum(const Mesh& mesh, HostObjects& objects_, const OversetLink& link,
+                   const FlowConditions& conditions_, Scheme scheme_, double mu_,
+                   double relaxation_, MatrixSolver matrixSolver)
+    : builder(mesh, objects_, link, GradientSet::Velocity),
+      records(builder, objects_, FarPointOf(scheme_)),
+      equation(builder, records, ReachOf(scheme_), matrixSolver),
+      mu(mu_),
+      objects(objects_),
+      conditions(conditions_),
+      scheme(scheme_),
+      relaxation(relaxation_),
+      dimensions(mesh.IsQuasi2d() ? 2 : 3) {
+    SumDiffusionWeights();
+}
+
+void Momentum::SumDiffusionWeights() {
+    const Mesh& mesh = builder.mesh;
+    diffusionWeights.assign(mesh.CellCount() + 1, 0.0);
+    const auto add = [&](int cell, const CMAFVMFaceData& record) {
+        diffusionWeights[cell] += mu * std::abs(Weight(record.idNormal, record.coefNormal, cell));
+    };
+    for (int face = 1; face <= mesh.InnerFaceCount(); ++face) {
+        add(builder.link.First(face), records.gv.faceDataLeft[face]);
+        add(builder.link.Second(face), records.gv.faceDataRight[face]);
+    }
+    for (const Boundary kind : {Boundary::Inlet, Boundary::Wall}) {
+        for (int face = 1; face <= mesh.FaceCount(kind); ++face) {
+            add(mesh.Faces(kind)[face].cell, records.AtBoundary(kind, face));
+        }
+    }
+}
+
+void Momentum::SumCoefficients(const CMAFVMFaceVariableAll& flux) {
+    const Mesh& mesh = builder.mesh;
+    coefficients = diffusionWeights;
+    for (int face = 1; face <= mesh.InnerFaceCount(); ++face) {
+        coefficients[builder.link.First(face)] += std::max(flux.left[face], 0.0);
+        coefficients[builder.link.Second(face)] += std::max(-flux.right[face], 0.0);
+    }
+    for (const Boundary kind : allBoundaries) {
+        const double* through = BoundaryFlux(flux, kind);
+        for (int face = 1; face <= mesh.FaceCount(kind); ++face) {
+            coefficients[mesh.Faces(kind)[face].cell] += std::max(through[face], 0.0);
+        }
+    }
+}
+
+void Momentum::Assemble(CMAFVMFaceVariableAll& flux) {
+    const Mesh& mesh = builder.mesh;
+    conditions.velocity[0].SetGhostMu(mesh, objects, std::vector<double>(mesh.CellCount() + 1, mu));
+    records.SetFaceMu(mu);
+    equation.Clear();
+    KVX_ART_FVM::CKVX_ART_MatOperator operators(&equation.matrix, &records.gv);
+    AddConvection(scheme, operators, flux);
+    operators.DiffusionOperator(-1.0);
+
+    SumCoefficients(flux);
+    // Until continuity holds, div(F u) carries u div F along: that part is no momentum.
+    const std::vector<double> net = NetOutflow(mesh, builder.link, flux);
+    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+        if (builder.link.IsActive(cell)) {
+            const double relaxed = (1.0 - relaxation) / relaxation * coefficients[cell];
+            equation.matrix.AddElementValue(cell, cell, relaxed - net[cell]);
+        }
+    }
+    equation.CloseRows(conditions.velocity[0], coefficients);
+}
+
+/// What a plane of symmetry adds to the right-hand side: the normal velocity falls to zero there.
+/// Explicit, since the matrix serves all components.
+double Momentum::NormalStressAtSymmetry(const BoundaryFace& face, const Vec3& velocity,
+                                        int component) const {
+    const Vec3 n = face.area.normalized();
+    const Vec3 d = face.centre - builder.mesh.cellCentre[face.cell];
+    return -mu * face.area.norm() / d.dot(n) * velocity.dot(n) * n[component];
+}
+
+std::vector<double> Momentum::RightHandSide(const std::vector<Vec3>& pressureGradient,
+                                            const FlowFields& fields, int component) const {
+    const Mesh& mesh = builder.mesh;
+    std::vector<double> rhs(records.gv.NcAll + 1, 0.0);
+    const double relaxed = (1.0 - relaxation) / relaxation;
+    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+        rhs[cell] = relaxed * coefficients[cell] * fields.velocity[component][cell] -
+                    mesh.volume[cell] * pressureGradient[cell][component];
+    }
+    for (int face = 1; dimensions == 3 && face <= mesh.FaceCount(Boundary::Symmetry); ++face) {
+        const BoundaryFace& plane = mesh.Faces(Boundary::Symmetry)[face];
+        rhs[plane.cell] += NormalStressAtSymmetry(plane, fields.Velocity(plane.cell), component);
+    }
+    equation.FillGhostRows(conditions.velocity[component], rhs);
+    return rhs;
+}
+
+int Momentum::Solve(const std::vector<Vec3>& pressureGradient, FlowFields& fields) {
+    std::vector<std::vector<double>> rhs;
+    for (int component = 0; component < dimensions; ++component) {
+        rhs.push_back(RightHandSide(pressureGradient, fields, component));
+    }
+    int iterations = 0;
+    for (int component = 0; component < dimensions; ++component) {
+        iterations += equation.solver.Solve(rhs[component], fields.velocity[component]);
+    }
+    FillGhosts(fields);
+    return iterations;
+}
+
+void Momentum::FillGhosts(FlowFields& fields) const {
+    for (int component = 0; component < dimensions; ++component) {
+        equation.FillGhosts(conditions.velocity[component], fields.velocity[component]);
+    }
+}
+
+}  // namespace host

@@ -1,0 +1,150 @@
+#include "reference_host/cases/case_heat.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+
+#include "tests/reference_host/discretisation/mesh_case.h"
+#include "tests/support/output_capture.h"
+#include "tests/support/temp_directory.h"
+
+namespace {
+
+using host::HeatBalance;
+using host::HeatCase;
+using host::HeatProblem;
+
+const MeshChoice channel = {"Channel", "channel_cylinder_overset.geo", {{"n", 10}}};
+
+/// Heat from a cylinder of unit temperature and diameter at (a, b) in a half-infinite strip of
+/// height H with cold walls, per unit depth: the potential of a line source between the walls less
+/// that of its image behind the cold inlet, taken on the cylinder's radius R. Leading order in R
+/// over the distances, here 1/4: a few tenths of a percent.
+double HeatOfALineSource(double a, double b, double H, double R) {
+    const double pi = std::acos(-1.0);
+    const double walls = std::log(2.0 * H * std::sin(pi * b / H) / (pi * R));
+    const double apart = std::cosh(2.0 * pi * a / H);
+    const double inlet = 0.5 * std::log((apart - std::cos(2.0 * pi * b / H)) / (apart - 1.0));
+    return 2.0 * pi / (walls - inlet);
+}
+
+TEST(HeatSteady, CylinderGivesOffWhatALineSourceDoes) {
+    OutputCapture quiet;
+    MeshCase c(channel);
+    HeatProblem heat(c.mesh, c.objects, c.link);
+
+    const host::SolveReport solve = heat.Advance(0.0);
+
+    const HeatBalance balance = heat.Balance();
+    EXPECT_TRUE(solve.Converged());
+    const double expected = HeatOfALineSource(2.0, 2.0, 4.1, 0.5);
+    EXPECT_NEAR(balance.body, expected, 5e-3 * expected);
+    EXPECT_EQ(balance.outlet, 0.0);
+    EXPECT_GT(balance.inlet, 0.0);
+    EXPECT_GT(balance.walls, balance.inlet);
+}
+
+TEST(HeatSteady, OversetBalanceClosesToTheInterpolationError) {
+    OutputCapture quiet;
+    MeshCase c(channel);
+    HeatProblem heat(c.mesh, c.objects, c.link);
+    heat.Advance(0.0);
+
+    EXPECT_LT(std::abs(heat.Balance().Defect()), 2e-3);  // falls with the cell size squared
+}
+
+TEST(HeatSteady, SingleGridBalanceClosesToTheSolver) {
+    MeshCase c(boxPrisms);
+    HeatProblem heat(c.mesh, c.objects, c.link);
+    heat.Advance(0.0);
+
+    EXPECT_LT(std::abs(heat.Balance().Defect()), 1e-8);
+}
+
+TEST(HeatSteady, TemperatureStaysBetweenColdAndHot) {
+    OutputCapture quiet;
+    MeshCase c(channel);
+    HeatProblem heat(c.mesh, c.objects, c.link);
+    heat.Advance(0.0);
+    heat.Publish();
+
+    for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+        ASSERT_GE(c.objects.pressure[cell], -1e-6);
+        ASSERT_LE(c.objects.pressure[cell], 1.0 + 1e-6);
+    }
+}
+
+TEST(HeatTransient, LongTimeIsTheSteadyState) {
+    MeshCase c(boxHexahedra);
+    HeatProblem marched(c.mesh, c.objects, c.link);
+    for (int i = 0; i < 8; ++i) {
+        marched.Advance(10.0);
+    }
+    HeatProblem steady(c.mesh, c.objects, c.link);
+    steady.Advance(0.0);
+
+    EXPECT_NEAR(marched.Balance().body, steady.Balance().body, 1e-6);
+}
+
+TEST(HeatTransient, ColdStartTakesMoreHeatThanTheSteadyState) {
+    MeshCase c(boxHexahedra);
+    HeatProblem heat(c.mesh, c.objects, c.link);
+    heat.Advance(0.01);
+    const double early = heat.Balance().body;
+    heat.Advance(0.0);
+
+    EXPECT_GT(early, 2.0 * heat.Balance().body);
+}
+
+TEST(HeatRun, SeriesHoldsEveryStepAndExactlyTheActiveCells) {
+    TempDirectory results;
+    HeatCase run;
+    run.meshFile = ShippedMesh(channel.file);
+    run.parameters = {{"n", 5}};
+    run.outputDir = results.Text();
+    run.steps = 3;
+    std::string out;
+    {
+        OutputCapture capture;
+        EXPECT_EQ(host::RunHeat(run), 0);
+        out = capture.Out();
+    }
+
+    EXPECT_NE(out.find("in - out, relative"), std::string::npos) << out;
+    const std::string pvd = ReadFile(results.Path() / "VTK_Overset_Flow_Results.pvd");
+    std::size_t steps = 0;
+    for (std::size_t at = pvd.find("<DataSet "); at != std::string::npos;
+         at = pvd.find("<DataSet ", at + 1)) {
+        ++steps;
+    }
+    EXPECT_EQ(steps, 4u);
+    OutputCapture quiet;
+    const MeshCase c({"Channel5", channel.file, {{"n", 5}}});
+    int activeCells = 0;
+    for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+        activeCells += c.link.IsActive(cell) ? 1 : 0;
+    }
+    EXPECT_LT(activeCells, c.mesh.CellCount());
+    const std::string step = ReadFile(results.Path() / "VTK_Overset_Flow_Results_0" /
+                                      "VTK_Overset_Flow_Results_Itr1_T0.01_P0_B1.vtu");
+    EXPECT_NE(step.find("NumberOfCells=\"" + std::to_string(activeCells) + "\""),
+              std::string::npos);
+}
+
+TEST(HeatRun, MeshWithoutAWallHasNothingToHeat) {
+    TempDirectory results;
+    HeatCase run;
+    run.meshFile = ShippedMesh(boxFile);
+    run.parameters = {{"n", 5}, {"kind", 3}};
+    run.outputDir = results.Text();
+    try {
+        host::RunHeat(run);
+        FAIL() << "ran";
+    } catch (const std::runtime_error& error) {
+        EXPECT_NE(std::string(error.what()).find("nothing to heat"), std::string::npos)
+            << error.what();
+    }
+}
+
+}  // namespace

@@ -1,0 +1,116 @@
+#include "reference_host/discretisation/gradient.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/reference_host/discretisation/mesh_case.h"
+
+namespace {
+
+using host::Boundary;
+using host::CellFaces;
+using host::CellGradients;
+using host::GradientSet;
+
+class GradientOnMesh : public testing::TestWithParam<MeshChoice> {};
+
+TEST_P(GradientOnMesh, VelocitySetIsExactForALinearField) {
+    const MeshCase c(GetParam());
+    const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
+                                  GradientSet::Velocity);
+    const host::AnalyticField linear = c.Linear();
+    const std::vector<double> field = c.Sample(linear);
+
+    for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+        if (c.link.IsActive(cell)) {
+            const host::Vec3 error = gradients[cell].Apply(field) - linear.gradient({});
+            ASSERT_LT(error.norm(), 1e-11) << "cell " << cell;
+        }
+    }
+}
+
+TEST_P(GradientOnMesh, CutCellsHaveNone) {
+    const MeshCase c(GetParam());
+    const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
+                                  GradientSet::Velocity);
+
+    for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+        ASSERT_EQ(gradients[cell].Terms().empty(), !c.link.IsActive(cell)) << "cell " << cell;
+    }
+}
+
+TEST_P(GradientOnMesh, PressureSetReadsNoInletNoPhysicalWallAndNoSymmetryGhost) {
+    const MeshCase c(GetParam());
+    const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
+                                  GradientSet::Pressure);
+    std::vector<char> mayAppear(c.objects.CellAndGhostCount() + 1, 1);
+    for (const Boundary kind : host::allBoundaries) {
+        for (int face = 1; face <= c.mesh.FaceCount(kind); ++face) {
+            const bool outflowOrOverset =
+                kind == Boundary::Outlet || c.mesh.Faces(kind)[face].oversetGroup > 0;
+            mayAppear[c.objects.Ghost(kind, face)] = outflowOrOverset ? 1 : 0;
+        }
+    }
+
+    for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+        for (const auto& term : gradients[cell].Terms()) {
+            ASSERT_TRUE(mayAppear[term.column]) << "cell " << cell << " column " << term.column;
+        }
+    }
+}
+
+TEST_P(GradientOnMesh, WeightsSumToZero) {
+    const MeshCase c(GetParam());
+    const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
+                                  GradientSet::Pressure);
+
+    for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+        host::Vec3 sum = host::Vec3::Zero();
+        for (const auto& term : gradients[cell].Terms()) {
+            sum += term.weight;
+        }
+        ASSERT_LT(sum.norm(), 1e-10) << "cell " << cell;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Meshes, GradientOnMesh, testing::ValuesIn(AllMeshes()), MeshName);
+
+TEST(GradientOfTetrahedra, ReadsTheNeighboursOfTheNeighbours) {
+    const MeshCase c(oversetTetrahedra);
+    const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
+                                  GradientSet::Pressure);
+    int tetrahedra = 0;
+
+    for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+        if (c.mesh.cellNodes[cell].size() != 4) {
+            continue;
+        }
+        ++tetrahedra;
+        // Itself, and at a wall three neighbours with three more each, fewer in a corner.
+        ASSERT_GE(gradients[cell].Terms().size(), 7u) << "cell " << cell;
+        ASSERT_LE(gradients[cell].Terms().size(), 17u) << "cell " << cell;
+    }
+    EXPECT_GT(tetrahedra, 1000);
+}
+
+TEST(GradientByHand, UniformInteriorCellTakesCentralDifferences) {
+    const MeshCase c(boxHexahedra);  // cells of 0.2
+    const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
+                                  GradientSet::Velocity);
+    int middle = 0;
+    for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+        middle =
+            (c.mesh.cellCentre[cell] - host::Vec3(2.1, 2.1, 0.1)).norm() < 1e-9 ? cell : middle;
+    }
+    ASSERT_GT(middle, 0);
+
+    const host::Stencil alongX = gradients[middle].Along(host::Vec3::UnitX());
+
+    // 1 / (2 h) at the neighbours to the east and west, nothing elsewhere but rounding.
+    for (const host::Stencil::Term& term : alongX.Terms()) {
+        const double dx = c.mesh.cellCentre[term.column][0] - 2.1;
+        const double expected = std::abs(dx) > 0.1 ? 2.5 * (dx > 0 ? 1 : -1) : 0.0;
+        EXPECT_NEAR(term.weight, expected, 1e-10);
+    }
+}
+
+}  // namespace

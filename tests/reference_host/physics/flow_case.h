@@ -1,0 +1,65 @@
+#ifndef KVX3D_TESTS_REFERENCE_HOST_PHYSICS_FLOW_CASE_H
+#define KVX3D_TESTS_REFERENCE_HOST_PHYSICS_FLOW_CASE_H
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "reference_host/cases/benchmark_2d1.h"
+#include "reference_host/discretisation/face_flux.h"
+#include "reference_host/physics/flow_solver.h"
+#include "tests/reference_host/discretisation/mesh_case.h"
+#include "tests/support/output_capture.h"
+
+inline const MeshChoice channel5 = {"Channel5", "channel_cylinder_overset.geo", {{"n", 5}}};
+inline const MeshChoice channel10 = {"Channel10", "channel_cylinder_overset.geo", {{"n", 10}}};
+
+/// Settings of the channel cases: Reynolds number 20, the parabola of mean 1 at the inlet.
+inline host::FlowSettings FlowAtRe20(const host::Mesh& mesh,
+                                     host::Scheme scheme = host::Scheme::LinearUpwind,
+                                     double relaxation = 0.9) {
+    host::FlowSettings settings;
+    settings.inlet = host::benchmark2d1::Inflow(mesh);
+    settings.mu = 1.0 / host::benchmark2d1::reynolds;
+    settings.scheme = scheme;
+    settings.relaxation = relaxation;
+    return settings;
+}
+
+/// Iterates until the velocity changes by less than `change`; at most 1000 times.
+/// @return iterations; 1000 if that was not enough
+inline int Converge(host::FlowSolver& flow, double change = 1e-7) {
+    int iterations = 0;
+    while (iterations < 1000) {
+        ++iterations;
+        if (flow.Iterate().change < change) {
+            break;
+        }
+    }
+    return iterations;
+}
+
+/// Largest net outflow of a cell.
+inline double LargestImbalance(const host::Mesh& mesh, const host::OversetLink& link,
+                               const CMAFVMFaceVariableAll& flux) {
+    double largest = 0.0;
+    for (const double net : host::NetOutflow(mesh, link, flux)) {
+        largest = std::max(largest, std::abs(net));
+    }
+    return largest;
+}
+
+/// Largest difference of the velocity to a given one, over all cells.
+inline double LargestVelocityError(const host::Mesh& mesh, const host::FlowFields& fields,
+                                   const host::InletProfile& exact) {
+    double largest = 0.0;
+    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+        largest = std::max(largest, (fields.Velocity(cell) - exact(mesh.cellCentre[cell])).norm());
+    }
+    return largest;
+}
+
+#endif
