@@ -101,6 +101,9 @@ TEST(ShippedCases, AreReadAsTheyStand) {
 
 TEST(ShippedCases, OpenWithWhatTheyShowAndTheRunLine) {
     for (const auto& entry : std::filesystem::directory_iterator(KVX3D_TEST_CASE_DIR)) {
+        if (entry.path().extension() != ".toml") {
+            continue;
+        }
         std::ifstream file(entry.path());
         const std::string text{std::istreambuf_iterator<char>(file), {}};
         EXPECT_THAT(text, StartsWith("# ")) << entry.path();
