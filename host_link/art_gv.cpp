@@ -93,7 +93,7 @@ CKVX_ACMT_GV::~CKVX_ACMT_GV() {
     kvxPartFace = nullptr;
     kvxGradient = nullptr;
     kvxCommunication = nullptr;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 bool CKVX_ACMT_GV::isKvxGv() {

@@ -24,7 +24,7 @@ CMAFVMFaceData::~CMAFVMFaceData() {
         }
     }
     linked = false;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 int CMAFVMFaceData::LinkedDataForAll(const CMAFVMFaceData& other) {
@@ -49,7 +49,7 @@ CMAFVMFaceVariable::~CMAFVMFaceVariable() {
         delete[] right;
     }
     sharedInner = false;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 bool CMAFVMFaceVariable::NewMemory(CKVX_ACMT_GV* gv) {

@@ -40,7 +40,7 @@ VTK_Block::VTK_Block(VTK_Points* blockPoints, VTK_Cells* blockCells)
 VTK_Block::~VTK_Block() {
     points = nullptr;
     cells = nullptr;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 void VTK_Block::addPointsData(VTK_Data* data) {

@@ -176,7 +176,7 @@ CKVX_ART_VTK_Tool::~CKVX_ART_VTK_Tool() {
     collectionWriter = nullptr;
     delete settings;
     settings = nullptr;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 bool CKVX_ART_VTK_Tool::Initialize(char* rootDir, char* project, int processId) {

@@ -7,7 +7,7 @@
 
 namespace {
 
-using KVX3DART::PositionOf;
+using kvx3d::detail::PositionOf;
 
 TEST(PositionOf, EveryColumnOfEveryRowLengthIsFound) {
     for (int length = 0; length <= 40; ++length) {
@@ -49,7 +49,7 @@ TEST(PositionOf, TheFirstOfEqualEntriesWins) {
 TEST(RowProduct, AnEmptyRowReadsNeitherColumnsNorValues) {
     const int Ia[] = {0, 1, 1};
 
-    EXPECT_EQ(KVX3DART::RowProduct({1, Ia, nullptr, nullptr}, 1, nullptr), 0.0);
+    EXPECT_EQ(kvx3d::detail::RowProduct({1, Ia, nullptr, nullptr}, 1, nullptr), 0.0);
 }
 
 TEST(RowProduct, ProductsAreAddedInStorageOrderFromZero) {
@@ -65,7 +65,7 @@ TEST(RowProduct, ProductsAreAddedInStorageOrderFromZero) {
             sum += x[Ja[k]] * Aa[k];
         }
 
-        EXPECT_EQ(KVX3DART::RowProduct({1, Ia, Ja.data(), Aa.data()}, 1, x.data()), sum) << length;
+        EXPECT_EQ(kvx3d::detail::RowProduct({1, Ia, Ja.data(), Aa.data()}, 1, x.data()), sum) << length;
     }
 }
 
