@@ -59,7 +59,7 @@ void art_nonmatching_tools::NonmatchingPreprocess() {
             cavityFaces.push_back(face);
         }
     }
-    // [sic] "Nun-matching": programs that read this output compare the text.
+    // [sic] "Nun-matching": the wording is part of the interface and compared as text.
     std::cout << "Total Nun-matching Face Number = " << outsideFaces.size() + cavityFaces.size()
               << std::endl;
 

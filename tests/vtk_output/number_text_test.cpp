@@ -11,6 +11,8 @@
 #include <random>
 #include <sstream>
 
+using kvx3d::detail::numberText;
+
 namespace {
 
 constexpr double inf = std::numeric_limits<double>::infinity();

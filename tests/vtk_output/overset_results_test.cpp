@@ -14,6 +14,8 @@
 #include "tests/vtk_output/output_support.h"
 #include "vtk_output/detail/number_text.h"
 
+using kvx3d::detail::numberText;
+
 namespace {
 
 namespace fs = std::filesystem;
