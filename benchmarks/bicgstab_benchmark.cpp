@@ -26,7 +26,7 @@ enum class Kind { Box, Irregular, Shuffled };
 
 struct System {
     std::vector<Coefficient> entries;
-    std::unique_ptr<PlainBiCGSTAB> A;
+    std::unique_ptr<plain::BiCGSTAB> A;
     std::vector<double> b;
 };
 
@@ -38,7 +38,7 @@ System& TheSystem(Kind kind, int m) {
         return system;
     }
     system.entries = kind == Kind::Box ? BoxCoefficients(m) : IrregularCoefficients(m);
-    system.A = std::make_unique<PlainBiCGSTAB>(m * m * m);
+    system.A = std::make_unique<plain::BiCGSTAB>(m * m * m);
     Assemble(system.entries, *system.A);
     if (kind == Kind::Shuffled) {
         ShuffleRows(*system.A);
@@ -56,7 +56,7 @@ System& TheSystem(const benchmark::State& state, Kind kind) {
 
 /// The inverted DILU diagonal, once a solve.
 void BM_Factorisation(benchmark::State& state, Kind kind) {
-    PlainBiCGSTAB& A = *TheSystem(state, kind).A;
+    plain::BiCGSTAB& A = *TheSystem(state, kind).A;
     std::vector<double> D(A.rowsN + 1);
     std::vector<double> expected(A.rowsN + 1);
     A.SetTimes(0);
@@ -73,7 +73,7 @@ void BM_Factorisation(benchmark::State& state, Kind kind) {
 }
 
 void BM_FactorisationPlain(benchmark::State& state, Kind kind) {
-    PlainBiCGSTAB& A = *TheSystem(state, kind).A;
+    plain::BiCGSTAB& A = *TheSystem(state, kind).A;
     std::vector<double> D(A.rowsN + 1);
     std::vector<double> x(A.rowsN + 1);
     A.SetTimes(0);
@@ -92,7 +92,7 @@ constexpr int kIterations = 20;
 template <typename Solve>
 void RunIterations(benchmark::State& state, Kind kind, Solve solve) {
     System& system = TheSystem(state, kind);
-    PlainBiCGSTAB& A = *system.A;
+    plain::BiCGSTAB& A = *system.A;
     A.SetTolerance(-1.0);  // no norm is below this
     A.SetTimes(kIterations);
     std::vector<double> x(A.rowsN + 1);
@@ -156,7 +156,7 @@ double RelativeResidual(CKVX_ART_SparseMatrix& A, const std::vector<double>& b,
 
 void BM_Solve(benchmark::State& state, Kind kind) {
     System& system = TheSystem(state, kind);
-    PlainBiCGSTAB& A = *system.A;
+    plain::BiCGSTAB& A = *system.A;
     A.SetTimes(1000);
     A.SetTolerance(1e-8);
     std::vector<double> x(A.rowsN + 1);

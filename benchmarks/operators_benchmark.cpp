@@ -95,7 +95,7 @@ Problem& TheProblem(const benchmark::State& state) {
 /// Runs the plain transcription of an operator with `add` at the end of each product.
 template <typename Operator, typename Add>
 void Walk(BoxOfCells& box, Add& add) {
-    Operator::Walk(PlainOperators<Add>(box.gv, add), box.flux);
+    Operator::Walk(plain::Operators<Add>(box.gv, add), box.flux);
 }
 
 /// A position in the value array and what is added there.

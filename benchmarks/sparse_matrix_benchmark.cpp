@@ -78,7 +78,7 @@ void BM_PatternOf(benchmark::State& state) {
     state.counters["size"] = n;
 }
 BENCHMARK(BM_PatternOf<CKVX_ART_SparseMatrix>)->Name("BM_Pattern")->Apply(Edges);
-BENCHMARK(BM_PatternOf<PlainPattern>)->Name("BM_PatternPlain")->Apply(Edges);
+BENCHMARK(BM_PatternOf<plain::Pattern>)->Name("BM_PatternPlain")->Apply(Edges);
 
 void BM_PatternEigen(benchmark::State& state) {
     const int m = static_cast<int>(state.range(0));

@@ -113,7 +113,7 @@ public:
 /// The bytes that every writer must leave.
 std::string Expected(const Box& box) {
     const ScratchFile file;
-    PlainVtuWriter(file.path).Write(box.block);
+    plain::VtuWriter(file.path).Write(box.block);
     return file.Bytes();
 }
 
@@ -140,7 +140,7 @@ void BM_StepFile(benchmark::State& state) {
 void BM_StepFilePlain(benchmark::State& state) {
     Box box(static_cast<int>(state.range(0)));
     Run(state, Expected(box),
-        [&](const std::string& path) { PlainVtuWriter(path).Write(box.block); });
+        [&](const std::string& path) { plain::VtuWriter(path).Write(box.block); });
 }
 
 void BM_StepFileLineWrites(benchmark::State& state) {

@@ -39,7 +39,7 @@ struct Add {
 /// Runs the transcription of the operator with that name in AllOperators().
 template <typename Sink>
 void RunPlain(const std::string& name, OperatorHost& host, double weight, Sink& sink) {
-    PlainOperators<Sink> plain(host.gv, sink);
+    plain::Operators<Sink> plain(host.gv, sink);
     const CMAFVMFaceVariableAll& flux = host.flux;
     const std::map<std::string, std::function<void()>> operators = {
         {"Laplace", [&] { plain.Laplace(weight); }},

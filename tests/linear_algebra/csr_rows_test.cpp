@@ -65,7 +65,8 @@ TEST(RowProduct, ProductsAreAddedInStorageOrderFromZero) {
             sum += x[Ja[k]] * Aa[k];
         }
 
-        EXPECT_EQ(kvx3d::detail::RowProduct({1, Ia, Ja.data(), Aa.data()}, 1, x.data()), sum) << length;
+        EXPECT_EQ(kvx3d::detail::RowProduct({1, Ia, Ja.data(), Aa.data()}, 1, x.data()), sum)
+            << length;
     }
 }
 

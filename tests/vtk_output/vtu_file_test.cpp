@@ -322,7 +322,7 @@ TEST(VtuFileAgainstPlainWriter, HasTheSameBytesOnRandomBlocks) {
         block.addCellsData(&wide);
 
         ASSERT_TRUE(writeVTUFile(dir.Text() + "/ours.vtu", &block));
-        PlainVtuWriter(dir.Text() + "/plain.vtu").Write(block);
+        plain::VtuWriter(dir.Text() + "/plain.vtu").Write(block);
 
         ExpectSameLines(ReadFile(dir.Path() / "ours.vtu"), ReadFile(dir.Path() / "plain.vtu"));
         ASSERT_FALSE(HasFailure()) << "run " << run;
@@ -339,7 +339,7 @@ TEST(VtuFileAgainstPlainWriter, HasTheSameBytesOnLinesBeyondTheBuffer) {
     }
     TempDirectory dir;
 
-    PlainVtuWriter(dir.Text() + "/plain.vtu").Write(one.block);
+    plain::VtuWriter(dir.Text() + "/plain.vtu").Write(one.block);
 
     ExpectSameLines(Written(one.block), ReadFile(dir.Path() / "plain.vtu"));
 }
