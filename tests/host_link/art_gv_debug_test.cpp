@@ -60,7 +60,7 @@ TEST(DebugDump, PrintsEverySectionOfATwoCellHost) {
               "Ce23\n1 2\n");
 }
 
-TEST(DebugDump, GoesOnWithPartitionFacesWhenThereAreAny) {
+TEST(DebugDump, ContinuesWithPartitionFacesIfThereAreAny) {
     BoxHost host(1, 1, 1);
     host.WithPartitionFaces();
     CKVX_ACMT_GV gv;

@@ -26,7 +26,8 @@ std::string Printed(Call call) {
     return capture.Out() + capture.Err();
 }
 
-/// The same, from streams with every format setting changed; fails if the call changes one.
+/// What a call writes to streams on which every format setting was changed. Fails if the call
+/// leaves one of the settings different.
 template <typename Call>
 std::string PrintedToHostileStreams(Call call) {
     const OutputCapture capture;

@@ -5,8 +5,8 @@
 #include <locale>
 #include <ostream>
 
-/// Sets every format setting of a stream to something other than its default for the lifetime of
-/// the object, as a host might leave its streams: hexadecimal integers with base and sign, two
+/// Changes every format setting of a stream from its default during the lifetime of the object, as
+/// a host might do with its streams: hexadecimal integers with base and sign, two
 /// digits in scientific notation, words for booleans, left adjustment, a field width that is still
 /// pending, a fill character, and a locale with thousands separators and a decimal comma.
 class HostileFormat {
