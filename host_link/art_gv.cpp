@@ -329,7 +329,7 @@ bool CKVX_ACMT_GV::getMeshRelation() {
         for (int cell = 1; cell <= Nc; ++cell) {
             ghostBCIndex[cell] = cell;  // the type is 0 from the allocation
         }
-        // Ghost cells of partition faces are not marked: they stand for real cells of another
+        // Ghost cells of partition faces are not marked: they represent real cells of another
         // process, not for a boundary.
         MarkGhosts(ghostBCType, ghostBCIndex, 1, idInlet, NInlet);
         MarkGhosts(ghostBCType, ghostBCIndex, 2, idOutlet, NOutlet);

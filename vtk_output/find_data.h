@@ -31,7 +31,7 @@ struct FindData {
 };
 #endif
 
-/// The handle that stands for no open directory.
+/// The value of a handle without an open directory.
 FindHandle InvalidHandle();
 
 }  // namespace vtk_platform
