@@ -31,8 +31,10 @@ int CKVX_ACMT_GV::debugMode() {
 }
 
 void CKVX_ACMT_GV::debugDataCheck() {
-    const kvx3d::detail::ClassicFormat format(std::cout);
-    std::ostream& out = std::cout;
+    // A stream of our own on the same buffer: a host may have enabled exceptions on std::cout, and
+    // no exception may leave this class.
+    std::ostream out(std::cout.rdbuf());
+    const kvx3d::detail::ClassicFormat format(out);
 
     out << "Nc = " << Nc << '\n'
         << "Ne = " << Ne << '\n'

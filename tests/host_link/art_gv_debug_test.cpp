@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <ios>
+#include <iostream>
+#include <streambuf>
 #include <string>
 
 #include "host_link/art_gv.h"
@@ -96,6 +99,22 @@ TEST(DebugDump, PrintsDoublesWithSixSignificantDigits) {
     const std::string dump = Dump(gv);
 
     EXPECT_NE(dump.find("volume\n0.333333\n"), std::string::npos) << dump;
+}
+
+TEST(DebugDump, ThrowsNothingIfTheHostEnabledExceptionsOnAFailingStream) {
+    struct FailingBuffer : std::streambuf {};  // accepts no character
+    BoxHost host(1, 1, 1);
+    CKVX_ACMT_GV gv;
+    gv.getKvx3dGV(&host.gv, &host.fvm);
+    ASSERT_EQ(gv.getKvx3dData(), 0);
+    FailingBuffer failing;
+    std::streambuf* const oldBuffer = std::cout.rdbuf(&failing);
+    std::cout.exceptions(std::ios_base::badbit);
+
+    EXPECT_NO_THROW(gv.debugMode());
+
+    std::cout.exceptions(std::ios_base::goodbit);
+    std::cout.rdbuf(oldBuffer);
 }
 
 TEST(DebugDump, ChangesNothing) {
