@@ -204,7 +204,7 @@ void PrefetchUpwindPointers(const CMAFVMFaceData& record) {
     Prefetch(&record.coefFarRight);
 }
 
-/// Prefetches the first nStencils of the stencils upstream, far upstream and downstream.
+/// Prefetches the first `nStencils` of these: upstream, far upstream, downstream stencil.
 inline void PrefetchUpwindLists(const CMAFVMFaceData& r, double flux, int nStencils) {
     const bool positive = flux > fluxTolerance;
     if (!positive && !(flux < -fluxTolerance)) {
