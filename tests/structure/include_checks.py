@@ -107,11 +107,15 @@ def _unit(file):
 
 
 def check_circles(tree):
-    """No unit (a header with its source file) includes another that includes it in turn."""
+    """No unit (a header with its source file) includes another that includes it in turn.
+
+    A unit in a detail folder is part of the public units beside that folder and may include them.
+    """
     uses = {}
     for file in tree.of_type(".h", ".cpp"):
+        public = str(Path(file).parents[1]) if Path(file).parent.name == "detail" else ""
         for number, name in _own_includes(tree, file):
-            if _unit(name) != _unit(file):
+            if _unit(name) != _unit(file) and str(Path(name).parent) != public:
                 uses.setdefault(_unit(file), {}).setdefault(_unit(name), (file, number))
     allowed = [set(pair) for pair in tree.folders["circles"]["allowed"]]
     for first in sorted(uses):
