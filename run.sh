@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the toolbox and its reference host, runs two cases on overset meshes made by Gmsh, checks
-# the files that came out and draws them. Installs missing Debian packages first.
+# Builds the toolbox and its reference host, runs two cases on overset meshes that Gmsh makes, checks
+# the result files and draws pictures of them. Installs missing Debian packages first.
 #
 #   ./run.sh             heated cylinder and flow benchmark 2D-1, results under results/
 #   ./run.sh 20          the same with 20 background cells per cylinder diameter (default 10)

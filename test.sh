@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Builds everything with warnings as errors and passes all tests, then once more under
-# AddressSanitizer and UndefinedBehaviorSanitizer. Installs missing Debian packages first.
+# Builds everything with warnings as errors and runs all tests, once as a release build and once
+# under AddressSanitizer and UndefinedBehaviorSanitizer. Installs missing Debian packages first.
 #
-#   ./test.sh            quick suite, both builds
-#   ./test.sh --full     and the long accuracy runs (release build only)
+#   ./test.sh            the quick tests in both builds
+#   ./test.sh --full     the quick tests in both builds and the long accuracy runs in the release build
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -18,27 +18,20 @@ done
 bash cmake/install_packages.sh test
 jobs=$(nproc)
 
-# build <folder> <cmake arguments...>
+# build <preset>
 build() {
-    local folder=$1
-    shift
-    cmake -S . -B "$folder" -G Ninja "$@" >"$folder.configure.log" 2>&1 ||
-        { cat "$folder.configure.log" >&2; exit 1; }
-    cmake --build "$folder" -j "$jobs"
+    cmake --preset "$1" >"build/$1.configure.log" 2>&1 ||
+        { cat "build/$1.configure.log" >&2; exit 1; }
+    cmake --build --preset "$1" -j "$jobs"
 }
 
 mkdir -p build
 echo "== Release build"
-build build/release -DCMAKE_BUILD_TYPE=Release
+build release
 echo "== Sanitizer build"
-build build/sanitize -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKVX3D_SANITIZE=address,undefined \
-    -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1"  # half the compile time of -O2 -g
+build sanitize
 
 echo "== Tests under AddressSanitizer and UndefinedBehaviorSanitizer"
-ctest --test-dir build/sanitize -j "$jobs" --output-on-failure -LE 'full|release' --progress
+ctest --preset sanitize -j "$jobs" --progress
 echo "== Tests of the release build"
-if [ "$full" = yes ]; then
-    ctest --test-dir build/release -j "$jobs" --output-on-failure --progress
-else
-    ctest --test-dir build/release -j "$jobs" --output-on-failure -LE full --progress
-fi
+ctest --preset "$([ "$full" = yes ] && echo full || echo release)" -j "$jobs" --progress

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Installs the Debian packages this project builds, tests and draws with, as far as they are missing.
+# Installs those Debian packages that this project needs and that are missing.
 #
 #   cmake/install_packages.sh            what run.sh needs
-#   cmake/install_packages.sh test       and what test.sh needs on top
-#   cmake/install_packages.sh benchmark  or what benchmarks/run.sh needs on top
+#   cmake/install_packages.sh test       what run.sh and test.sh need
+#   cmake/install_packages.sh benchmark  what run.sh and benchmarks/run.sh need
+#   cmake/install_packages.sh lint       what run.sh and the checks in .ci need
 set -euo pipefail
 
 packages=(
@@ -17,7 +18,8 @@ case "${1:-}" in
     '') ;;
     test) packages+=(libgtest-dev libgmock-dev) ;;
     benchmark) packages+=(libbenchmark-dev libnanoflann-dev) ;;
-    *) echo "install_packages.sh: unknown argument '$1' (known: test, benchmark)" >&2; exit 2 ;;
+    lint) packages+=(clang-format clang-tidy) ;;
+    *) echo "install_packages.sh: unknown argument '$1' (known: test, benchmark, lint)" >&2; exit 2 ;;
 esac
 
 missing=()

@@ -10,36 +10,37 @@
 
 namespace host {
 
-/// What a boundary face says about its ghost unknown, the value at the face centre.
+/// The equation of the unknown of a ghost cell, which is the value at the center of its face.
 struct GhostCondition {
     enum class Kind {
         Value,         ///< phi_g = value
         ZeroGradient,  ///< phi_g = phi_C
-        Mirror         ///< phi_g = (phi_C + phi_Q) / 2, Q the mirrored cell centre (overset faces)
+        Mirror         ///< phi_g = (phi_C + phi_Q) / 2 with Q = 2P - C, on overset boundaries
     };
     Kind kind = Kind::ZeroGradient;
     double value = 0.0;
 };
 
-/// The condition of every boundary face of a mesh, for one equation.
+/// The conditions of all boundary faces of a mesh, for one transport equation.
 ///
-/// The scheme fixes three of them: symmetry faces have zero gradient, overset faces mirror, and the
-/// ghosts of cut cells are set to 0. The rest is the case's choice.
+/// Three of them are fixed: symmetry faces have a zero gradient, overset faces take the mean with
+/// the mirrored point, and the ghosts of cut cells are 0. The case chooses all others.
 class BoundaryConditions {
 public:
     using Choice = std::function<GhostCondition(Boundary kind, int face)>;
 
-    /// Asks `choose` for each inlet, outlet and physical wall face beside an active cell.
+    /// Calls `choose` for each inlet, outlet and physical wall face beside an active cell.
     BoundaryConditions(const Mesh& mesh, const OversetLink& link, const Choice& choose);
 
     const GhostCondition& At(Boundary kind, int face) const {
         return conditions[static_cast<int>(kind)][face];
     }
 
-    /// Writes the diffusion coefficient of each ghost into the host's `mu`: that of the cell beside
-    /// it, but 0 under zero gradient, where the stencil of a skewed cell would conduct something.
+    /// Writes the diffusion coefficient of each ghost into the host's array `mu`: the one of the
+    /// cell beside it, but 0 under a zero gradient, where the stencil of a skewed cell would let a
+    /// small diffusive flux through.
     ///
-    /// @param cellMu  by cell, entries 1..Nc
+    /// @param cellMu  diffusion coefficient by cell, entries 1..Nc
     void SetGhostMu(const Mesh& mesh, HostObjects& objects,
                     const std::vector<double>& cellMu) const;
 

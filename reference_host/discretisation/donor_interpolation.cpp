@@ -7,9 +7,9 @@ namespace host {
 
 namespace {
 
-/// Adds the active neighbours of `cell` across regular faces that the cloud does not hold yet.
-void AddNeighbours(int cell, const Mesh& mesh, const OversetLink& link, const CellFaces& cellFaces,
-                   std::vector<int>& cloud) {
+/// Adds the neighbors of `cell` across regular faces that the cloud does not hold yet.
+void AddNeighbors(int cell, const Mesh& mesh, const OversetLink& link, const CellFaces& cellFaces,
+                  std::vector<int>& cloud) {
     for (const int face : cellFaces.InnerFaces(cell)) {
         if (link.Side(face) != FaceSide::Both) {
             continue;
@@ -30,10 +30,10 @@ DonorInterpolation::DonorInterpolation(const Mesh& mesh_, const OversetLink& lin
 
 std::vector<int> DonorInterpolation::Cloud(int donor) const {
     std::vector<int> cloud = {donor};
-    AddNeighbours(donor, mesh, link, cellFaces, cloud);
+    AddNeighbors(donor, mesh, link, cellFaces, cloud);
     const std::size_t firstRing = cloud.size();
     for (std::size_t k = 1; k < firstRing; ++k) {
-        AddNeighbours(cloud[k], mesh, link, cellFaces, cloud);
+        AddNeighbors(cloud[k], mesh, link, cellFaces, cloud);
     }
     return cloud;
 }
@@ -63,12 +63,12 @@ Stencil DonorInterpolation::Fit(int donor, const Vec3& point) const {
     for (const int cell : cloud) {
         const Vec3 offset = (mesh.cellCentre[cell] - point) / reach;
         const Eigen::VectorXd basis = Basis(offset);
-        const double weight = 1.0 / (offset.squaredNorm() + 0.02);  // 0.02: no pole at the donor
+        const double weight = 1.0 / (offset.squaredNorm() + 0.02);  // 0.02: finite at the donor
         weightedBasis.push_back(weight * basis);
         normal += weight * basis * basis.transpose();
     }
     Eigen::FullPivLU<Eigen::MatrixXd> factors(normal);
-    factors.setThreshold(1e-10);  // relative to the largest pivot; sound clouds stay above 1e-5
+    factors.setThreshold(1e-10);  // relative to the largest pivot, which regular clouds keep > 1e-5
     if (!factors.isInvertible()) {
         return {};
     }

@@ -10,20 +10,21 @@
 
 namespace host {
 
-/// Value of a field at a point of the other grid: a quadratic least-squares fit about the point
-/// over a cloud of cells around the donor.
+/// Interpolates a field to a point of the other grid, by a quadratic least-squares fit about the
+/// point over the cells around the donor.
 ///
-/// Quadratic is what keeps the whole solution second order: the overlap is a fixed number of
-/// cells, so an error e of the interpolated values grows to e / h in the solution.
+/// A quadratic fit keeps the whole solution second-order accurate. The overlap is a fixed number of
+/// cells wide, so that an error e of the interpolated values grows to e / h in the solution.
 class DonorInterpolation {
 public:
     DonorInterpolation(const Mesh& mesh, const OversetLink& link, const CellFaces& cellFaces);
 
-    /// The donor, its active face neighbours and theirs, across regular inner faces.
+    /// The donor, its neighbors across regular inner faces, and the neighbors of those; all active.
     std::vector<int> Cloud(int donor) const;
 
-    /// The fit at `point`; its weights sum to 1.
-    /// @return an empty stencil if the cloud has fewer than basis + 2 cells or is degenerate
+    /// The weights of the fit for the value at `point`; their sum is 1.
+    /// @return an empty stencil if the cloud is degenerate, or has fewer cells than the basis has
+    ///         functions plus 2
     Stencil Fit(int donor, const Vec3& point) const;
 
 private:
@@ -32,7 +33,7 @@ private:
     const Mesh& mesh;
     const OversetLink& link;
     const CellFaces& cellFaces;
-    const bool quasi2d;  // basis of the six quadratic terms in x, y instead of all ten
+    const bool quasi2d;  // six quadratic basis functions of x and y instead of all ten
 };
 
 }  // namespace host

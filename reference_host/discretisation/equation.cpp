@@ -54,8 +54,8 @@ void Equation::DeclareBoundary(Boundary kind, const CMAFVMFaceData* records, Rea
         if (reach == Reach::Normal) {
             continue;
         }
-        // Convection adds an explicit zero at (cell, ghost) on faces without flux, symmetry faces
-        // and faces of cut cells included.
+        // Convection adds a zero at (cell, ghost) on faces without flux, which includes symmetry
+        // faces and faces of cut cells.
         matrix.AddIndex(cell, ghost);
         DeclarePair(cell, records[face].idLeft);
         if (reach == Reach::Far) {

@@ -10,66 +10,66 @@
 
 namespace host {
 
-/// Which stencil pairs the pattern provides for.
+/// The stencils for which the matrix pattern has entries.
 enum class Reach {
-    Normal,  ///< diffusion alone: a third fewer entries than with the next
-    Near,    ///< Face, Left and Right as well: upwind and central schemes
-    Far      ///< the far-upstream pairs as well
+    Normal,  ///< diffusion alone, with a third fewer entries than Near
+    Near,    ///< also Face, Left and Right, for upwind and central schemes
+    Far      ///< also the far-upstream stencils
 };
 
-/// How a linear solve went, by the true residual b - A x in the plain 2-norm.
+/// The result of a linear solve, measured by the 2-norm of the true residual b - A x.
 struct SolveReport {
-    double initialResidual = 0.0;  ///< with the first guess
-    double finalResidual = 0.0;
-    double target = 0.0;
-    int iterations = 0;  ///< over all calls; 0 by SAMG, which tells none
-    int calls = 0;       ///< of the solver
+    double initialResidual = 0.0;  ///< of the first guess
+    double finalResidual = 0.0;    ///< of the solution returned
+    double target = 0.0;           ///< largest residual that counts as converged
+    int iterations = 0;            ///< of all calls; 0 with SAMG, which reports no count
+    int calls = 0;                 ///< of the solver
     bool Converged() const { return finalResidual <= target; }
 };
 
-/// The matrix of one implicit equation over cells and ghosts.
+/// The matrix of one implicit transport equation; the unknowns are cells and ghost cells.
 ///
-/// An assembly is: Clear(), the toolbox's operators on `matrix`, the caller's own diagonal terms,
-/// CloseRows(). Right-hand sides are the caller's vectors, entries 1..NcAll: source in the rows of
-/// active cells, ghost rows from FillGhostRows(), 0 in the rows of cut cells.
+/// To assemble it, call Clear(), apply the toolbox's operators to `matrix`, add further diagonal
+/// terms and call CloseRows(). The caller owns the right-hand sides, entries 1..NcAll: the source
+/// in the rows of active cells, ghost rows from FillGhostRows(), and 0 in the rows of cut cells.
 ///
-/// Every ghost has a row, because the solver must see no column above its row count.
+/// Every ghost cell has a row of its own, because the solver needs a square matrix.
 class Equation {
 public:
-    /// Declares the whole pattern, so that no operator ever meets an unknown position: each such
-    /// first touch would copy the matrix.
+    /// Declares the whole pattern, so that no operator meets an undeclared position: each of those
+    /// would cost a copy of the matrix.
     Equation(const StencilBuilder& builder, StencilRecords& records, Reach reach,
              MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
     Equation(const Equation&) = delete;
     Equation& operator=(const Equation&) = delete;
 
-    /// All values to 0, the pattern stays.
+    /// Sets all values to 0 and keeps the pattern.
     void Clear() { matrix.Clear(); }
 
     /// Adds the ghost rows and the identity rows of cut cells. Each ghost row is multiplied by a
-    /// scale of its cell, so that unit rows do not dominate the residual norm.
+    /// scale of its cell; rows of unit size would dominate the norm of the residual.
     ///
-    /// @param cellScale  positive scale by cell, entries 1..Nc; empty: the magnitude of the cell's
-    ///                   diagonal
+    /// @param cellScale  positive scale by cell, entries 1..Nc; if empty, the magnitude of the
+    ///                   cell's diagonal entry
     void CloseRows(const BoundaryConditions& conditions, const std::vector<double>& cellScale = {});
-    /// Right-hand side of the ghost rows, with the scales of the last CloseRows().
+    /// Writes the right-hand side of the ghost rows, with the scales of the last CloseRows().
     void FillGhostRows(const BoundaryConditions& conditions, std::vector<double>& rhs) const;
-    /// Values of the ghosts that go with the cell values in `phi`.
+    /// Computes the ghost values in `phi` from its cell values and the conditions.
     void FillGhosts(const BoundaryConditions& conditions, std::vector<double>& phi) const;
 
-    /// Norm of b - A x.
+    /// 2-norm of b - A x.
     double Residual(const std::vector<double>& rhs, std::vector<double>& phi);
 
-    /// Solves until the true residual is below `reduction` times that of a zero field. The solver
-    /// judges itself by the residual after its first iteration and says nothing when it stops
-    /// early, so the residual is computed here and the solver called again, at most `maxCalls`
-    /// times in all.
+    /// Solves until the true residual is at most `reduction` times that of a zero field. The solver
+    /// stops relative to the residual after its first iteration and does not report an early end.
+    /// The true residual is therefore computed here, and the solver is called again while it is too
+    /// large, at most `maxCalls` times in all.
     SolveReport Solve(const std::vector<double>& rhs, std::vector<double>& phi, double reduction,
                       int maxCalls = 5);
 
-    SolverMatrix solver;            ///< owns `matrix`; takes tolerance and most iterations
-    CKVX_ART_SparseMatrix& matrix;  ///< of `solver`
-    CKVX_ACMT_GV& gv;
+    SolverMatrix solver;            ///< owns `matrix`; set tolerance and iteration limit here
+    CKVX_ART_SparseMatrix& matrix;  ///< the matrix of `solver`
+    CKVX_ACMT_GV& gv;               ///< the record that the operators read
 
 private:
     void DeclarePattern(Reach reach);

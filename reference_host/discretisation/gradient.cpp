@@ -9,7 +9,7 @@ namespace {
 
 using Mat3 = Eigen::Matrix3d;
 
-/// An unknown seen from the cell: its column and the vector to where its value stands.
+/// An unknown near a cell: its column and the vector from the cell to the point of its value.
 struct Sample {
     int column;
     Vec3 offset;
@@ -34,11 +34,11 @@ bool IsTetrahedron(const Mesh& mesh, int cell) {
     return mesh.cellNodes[cell].size() == 4;
 }
 
-/// Adds the active neighbours of the neighbours, across faces with both cells active. Ghosts of the
-/// neighbours' boundary faces stay out: the pressure has no condition at all of them.
-void AddSecondNeighbours(int cell, const Mesh& mesh, const OversetLink& link,
-                         const CellFaces& cellFaces, SampleSet& around) {
-    const auto neighbour = [&](int of, int face) {
+/// Adds the neighbors of the neighbors, across faces with two active cells. The ghosts of the
+/// neighbors' boundary faces are left out, because the pressure has no condition at some of them.
+void AddSecondNeighbors(int cell, const Mesh& mesh, const OversetLink& link,
+                        const CellFaces& cellFaces, SampleSet& around) {
+    const auto neighbor = [&](int of, int face) {
         const InnerFace& pair = mesh.innerFaces[face];
         return pair.owner == of ? pair.neighbor : pair.owner;
     };
@@ -50,9 +50,9 @@ void AddSecondNeighbours(int cell, const Mesh& mesh, const OversetLink& link,
         if (link.Side(face) != FaceSide::Both) {
             continue;
         }
-        const int first = neighbour(cell, face);
+        const int first = neighbor(cell, face);
         for (const int next : cellFaces.InnerFaces(first)) {
-            const int second = neighbour(first, next);
+            const int second = neighbor(first, next);
             if (link.Side(next) == FaceSide::Both &&
                 std::find(seen.begin(), seen.end(), second) == seen.end()) {
                 seen.push_back(second);
@@ -72,7 +72,7 @@ SampleSet SamplesAround(int cell, const Mesh& mesh, const HostObjects& objects,
         around.Add(other, mesh.cellCentre[other] - centre);
     }
     if (IsTetrahedron(mesh, cell)) {
-        AddSecondNeighbours(cell, mesh, link, cellFaces, around);
+        AddSecondNeighbors(cell, mesh, link, cellFaces, around);
     }
     for (const BoundaryFaceId& id : cellFaces.BoundaryFaces(cell)) {
         const BoundaryFace& face = mesh.Faces(id.kind)[id.face];
@@ -87,11 +87,11 @@ SampleSet SamplesAround(int cell, const Mesh& mesh, const HostObjects& objects,
     return around;
 }
 
-/// Inverse of the moments on the directions that the samples span, zero on the rest: a corner
-/// tetrahedron with boundary ghosts left out may see fewer than three directions.
+/// Inverse of the moments in the directions that the samples span, zero in all others. A
+/// tetrahedron in a corner may have samples in fewer than three directions if ghosts are left out.
 Mat3 PseudoInverse(const Mat3& moments) {
     const Eigen::SelfAdjointEigenSolver<Mat3> eigen(moments);
-    const double smallest = 1e-10 * eigen.eigenvalues()[2];  // relative: moments are scale free
+    const double smallest = 1e-10 * eigen.eigenvalues()[2];  // the moments have no unit
     Vec3 inverse = Vec3::Zero();
     for (int i = 0; i < 3; ++i) {
         if (eigen.eigenvalues()[i] > smallest) {
@@ -101,7 +101,8 @@ Mat3 PseudoInverse(const Mat3& moments) {
     return eigen.eigenvectors() * inverse.asDiagonal() * eigen.eigenvectors().transpose();
 }
 
-/// Rounding noise dropped: on Cartesian cells each component keeps two unknowns instead of all.
+/// Sets components that are rounding errors to zero. On Cartesian cells each component of the
+/// gradient then depends on two unknowns instead of all.
 Vec3 WithoutNoise(Vec3 weight, double distance) {
     for (double& component : weight) {
         if (std::abs(component) < 1e-14 / distance) {

@@ -10,21 +10,23 @@
 
 namespace host {
 
-/// Which ghosts take part in a cell's gradient.
+/// The ghost cells whose values enter the gradient of a cell.
 enum class GradientSet {
-    Velocity,  ///< inlet, outlet, wall and overset ghosts: every scalar with values there
-    Pressure   ///< outlet and overset ghosts only: one-sided at inlets and physical walls
+    Velocity,  ///< inlet, outlet, wall and overset ghosts, for scalars with values there
+    Pressure   ///< outlet and overset ghosts; one-sided at inlets and physical walls
 };
 
 /// Least-squares gradients of the active cells, exact for linear fields.
 ///
 /// grad C = M^-1 sum w d (phi - phi_C), M = sum w d d^T, w = 1 / |d|^2, over the faces of C.
-/// Regular faces give the neighbour, hole-boundary faces the donor at its own centre, boundary
-/// faces their ghost at the face centre. A symmetry face enters M alone (zero difference to the
-/// mirrored point), which also keeps M regular on one-cell-thick meshes.
+/// A regular face contributes the neighbor, a hole-boundary face the donor at its own center, and a
+/// boundary face its ghost at the face center. A symmetry face contributes to M only, since the
+/// value at the mirrored point equals that of the cell; this also keeps M regular on meshes that
+/// are one cell thick.
 ///
-/// Tetrahedra take the neighbours of their neighbours as well: from four of them alone, fewer at a
-/// wall, the gradient is so sensitive that a flow diverges within ten iterations.
+/// For tetrahedra the neighbors of the neighbors contribute as well. With the four face neighbors
+/// only, or three at a wall, the gradient is so sensitive that a flow diverges within ten
+/// iterations.
 ///
 /// Sources: T. J. Barth, A 3-D upwind Euler solver for unstructured meshes, AIAA 91-1548; second
 /// neighbours: F. Haider, J.-P. Croisille, B. Courbet, Numer. Math. 113 (2009) 555-600,
@@ -34,7 +36,7 @@ public:
     CellGradients(const Mesh& mesh, const HostObjects& objects, const OversetLink& link,
                   const CellFaces& cellFaces, GradientSet set);
 
-    /// Empty for a cut cell.
+    /// The gradient of a cell; empty for a cut cell.
     const GradientStencil& operator[](int cell) const { return gradients[cell]; }
 
 private:

@@ -10,34 +10,34 @@
 
 namespace host {
 
-/// What stands for the transport term; each is one operator of the toolbox.
+/// The discretization of the transport term. Each scheme is one operator of the toolbox.
 enum class Scheme {
-    Laplace,         ///< no convection; diffusion by the operator with unit coefficient
+    Laplace,         ///< no convection; diffusion by the operator with a constant coefficient
     Diffusion,       ///< no convection
-    UpwindCells,     ///< first order, cell entries
-    UpwindStencils,  ///< first order, from the records
+    UpwindCells,     ///< first order, from the cell values
+    UpwindStencils,  ///< first order, from the stencils of the face records
     Central,
     LinearUpwind,
     Quick,
     Hybrid
 };
 
-/// Name on the command line and in tables: "diffusion", "lud", ...
+/// Name of a scheme on the command line and in tables: "diffusion", "lud", ...
 const char* Name(Scheme scheme);
-/// The scheme of that name, if there is one.
+/// The scheme with this name, if there is one.
 std::optional<Scheme> SchemeNamed(const std::string& name);
-/// All names, comma-separated, for messages.
-/// @param convecting  only those with convection
+/// The names of all schemes, separated by commas, for messages.
+/// @param convecting  whether to leave out the schemes without convection
 std::string SchemeNames(bool convecting = false);
 /// False for the two pure diffusion schemes.
 bool Convects(Scheme scheme);
 
-/// Stencil pairs that the scheme's operator touches.
+/// The stencils that the operator of the scheme reads.
 Reach ReachOf(Scheme scheme);
-/// Far-upstream stencils that the scheme's point weights are made for.
+/// The far-upstream stencils that belong to the weights of the scheme.
 FarPoint FarPointOf(Scheme scheme);
 
-/// Adds div(F phi) of the scheme to the operators' matrix; nothing for pure diffusion.
+/// Adds div(F phi) by the scheme to the matrix of the operators; nothing for pure diffusion.
 void AddConvection(Scheme scheme, KVX_ART_FVM::CKVX_ART_MatOperator& operators,
                    CMAFVMFaceVariableAll& flux);
 

@@ -48,7 +48,7 @@ int SolverMatrix::Solve(const std::vector<double>& b, std::vector<double>& x, do
         SolveCorrection(b, x, target);
         return 0;
     }
-    // A call that stops before its first iteration leaves the count of the one before.
+    // A call that stops before its first iteration keeps the count of the call before it.
     bicgstab->iterTimes = 0;
     bicgstab->MatSolve(b.data(), x.data());
     return bicgstab->iterTimes;

@@ -13,41 +13,43 @@ namespace host {
 
 /// The two iterative solvers of the toolbox.
 enum class MatrixSolver {
-    Bicgstab,  ///< the toolbox's own
-    Samg       ///< the external library
+    Bicgstab,  ///< BiCGSTAB with DILU, part of the toolbox
+    Samg       ///< the front to the external solver library
 };
 
-/// Name on the command line: "bicgstab", "samg".
+/// Name of a solver on the command line: "bicgstab" or "samg".
 const char* Name(MatrixSolver solver);
-/// The solver of that name, if there is one.
+/// The solver with this name, if there is one.
 std::optional<MatrixSolver> MatrixSolverNamed(const std::string& name);
 
-/// A square sparse matrix with the solver it was made for: the only place that knows which.
+/// A square sparse matrix together with its solver, so that all other code is independent of the
+/// choice.
 ///
-/// Neither solver says whether it converged, and each has a stop rule of its own. Judge by the
-/// residual.
+/// Neither solver reports whether it converged, and their stopping criteria differ. Compute the
+/// true residual to find out.
 class SolverMatrix {
 public:
     SolverMatrix(int rows, MatrixSolver solver);
 
-    /// What the operators assemble into.
+    /// The matrix into which the operators assemble.
     CKVX_ART_SparseMatrix& Matrix() { return *matrix; }
     MatrixSolver Solver() const { return samg ? MatrixSolver::Samg : MatrixSolver::Bicgstab; }
 
-    /// Residual reduction that a call aims at: by BiCGSTAB against its first iteration, by SAMG
-    /// against the first guess.
+    /// Sets the residual reduction of a call: relative to the residual after the first iteration
+    /// with BiCGSTAB, relative to that of the first guess with SAMG.
     void SetTolerance(double tolerance);
-    /// Most iterations of a call.
+    /// Sets the largest number of iterations of a call.
     void SetTimes(int times);
 
-    /// Improves x towards A x = b, once. SAMG measures by the right-hand side alone and would take
-    /// a fair first guess for the solution, so it solves for the correction.
+    /// Calls the solver once for A x = b. SAMG compares the residual with the right-hand side only
+    /// and would return a fair first guess unchanged, so it solves for the correction of x.
     ///
-    /// @param[in]     b       entries 1..rows
+    /// @param[in]     b       right-hand side, entries 1..rows
     /// @param[in,out] x       first guess and result, entries 1..rows
-    /// @param         target  2-norm of the residual that is good enough, even if the tolerance
-    ///                        asks for less; BiCGSTAB has no use for it
-    /// @return iterations; SAMG tells none: 0
+    /// @param         target  2-norm of the residual at which SAMG may stop although the tolerance
+    /// is
+    ///                        not reached; BiCGSTAB ignores it
+    /// @return number of iterations; 0 with SAMG, which reports none
     int Solve(const std::vector<double>& b, std::vector<double>& x, double target = 0.0);
 
 private:

@@ -6,7 +6,7 @@ namespace host {
 
 namespace {
 
-/// The term of a column, or null. A linear scan: a stencil has a few dozen terms at most.
+/// The term of a column, or null. The search is linear, as a stencil has a few dozen terms at most.
 template <class Term>
 Term* FindTerm(std::vector<Term>& terms, int column) {
     const auto at = std::find_if(terms.begin(), terms.end(),

@@ -7,8 +7,8 @@
 
 namespace host {
 
-/// A weighted sum of unknowns: sum of weight * phi[column] over the terms. Columns are cell ids,
-/// ghost cells included, each at most once.
+/// A weighted sum of unknowns, sum of weight * phi[column] over its terms. A column is the id of a
+/// cell or a ghost cell and occurs at most once.
 class Stencil {
 public:
     struct Term {
@@ -19,25 +19,25 @@ public:
     Stencil() = default;
     explicit Stencil(int column, double weight = 1.0) { Add(column, weight); }
 
-    /// Adds weight * phi[column]; a column that is there already keeps its place.
+    /// Adds weight * phi[column]. A column that has a term already keeps its position.
     void Add(int column, double weight);
-    /// Adds factor * other.
+    /// Adds factor times another stencil.
     void Add(const Stencil& other, double factor = 1.0);
 
     const std::vector<Term>& Terms() const { return terms; }
-    /// Weight of a column, 0 if it has no term.
+    /// Weight of a column; 0 without a term.
     double Weight(int column) const;
-    /// Sum of the weights: 1 for a value, 0 for a derivative.
+    /// Sum of the weights, which is 1 for a value and 0 for a derivative.
     double Sum() const;
-    /// The sum over a field with one entry per cell id.
+    /// The weighted sum of a field with one entry for each cell id.
     double Apply(const std::vector<double>& field) const;
 
 private:
     std::vector<Term> terms;
 };
 
-/// A gradient as a weighted sum of unknowns: sum of weight * phi[column], weights are vectors
-/// [1 / length].
+/// A gradient as a weighted sum of unknowns, sum of weight * phi[column] over its terms. The
+/// weights are vectors [1 / length].
 class GradientStencil {
 public:
     struct Term {
@@ -48,9 +48,9 @@ public:
     void Add(int column, const Vec3& weight);
 
     const std::vector<Term>& Terms() const { return terms; }
-    /// direction . gradient, without the terms whose weight vanishes.
+    /// The stencil of direction . gradient, without terms of weight zero.
     Stencil Along(const Vec3& direction) const;
-    /// The gradient of a field with one entry per cell id.
+    /// The gradient of a field with one entry for each cell id.
     Vec3 Apply(const std::vector<double>& field) const;
 
 private:

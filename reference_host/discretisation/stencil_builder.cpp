@@ -4,9 +4,10 @@ namespace host {
 
 namespace {
 
-constexpr double negligible = 1e-10;  // relative to the length or area it is compared with
+constexpr double negligible = 1e-10;  // relative to a length or an area
 
-/// The part of the area vector that the difference along `d` does not see (over-relaxed split).
+/// The non-orthogonal part of the area vector in the over-relaxed decomposition, where `d` connects
+/// the two points of the face.
 Vec3 Tangential(const Vec3& area, const Vec3& d) {
     return area - d * (area.squaredNorm() / area.dot(d));
 }

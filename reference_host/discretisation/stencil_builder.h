@@ -11,58 +11,63 @@
 
 namespace host {
 
-/// What the far-upstream stencils are made for: the factor that moves them off the cell line, so
-/// that the scheme's point weights (-0.5 and -0.125) turn it into one grad . (P - M).
+/// The scheme that reads the far-upstream stencils. The number multiplies the offset P - M between
+/// the face center P and the middle M of the two cells, so that with the weight of the scheme for
+/// the far point (-1/2 or -1/8) the face value contains grad . (P - M) once.
 enum class FarPoint { LinearUpwind = 2, Quick = 8 };
 
+/// Values one step further upstream than the first and the second cell of a face.
 struct FarStencils {
     Stencil left, right;
 };
 
-/// The stencils of an inner face. The upstream pairs are the two sides' own values.
+/// The stencils of an inner face.
 struct InnerStencils {
-    Stencil face;    ///< value at the face centre
-    Stencil normal;  ///< gradient . area vector, from the first to the second cell
-    Stencil left;    ///< value of the first cell, or its stand-in on a hole boundary
-    Stencil right;   ///< value of the second cell, likewise
-    FarStencils far;
+    Stencil face;     ///< value at the face center
+    Stencil normal;   ///< gradient . area vector, from the first to the second cell
+    Stencil left;     ///< value of the first cell, interpolated if that cell is cut
+    Stencil right;    ///< value of the second cell, interpolated if that cell is cut
+    FarStencils far;  ///< values one step further upstream
 };
 
+/// The stencils of a boundary face.
 struct BoundaryStencils {
     Stencil normal;   ///< gradient . area vector, out of the domain
     Stencil left;     ///< value of the cell
-    Stencil farLeft;  ///< so that 1.5 left - 0.5 farLeft is the value at the face centre
+    Stencil farLeft;  ///< such that 1.5 left - 0.5 farLeft is the value at the face center
 };
 
 /// Builds the stencils of every face from one set of cell gradients.
 ///
-/// The ghost unknown is the value at the face centre. Faces of cells on both sides of the overset
-/// interface follow the same rules: the cut side is replaced by the mirrored point Q = 2P - C of
-/// the active cell C, with a quadratic interpolation in the donor's grid as its value.
+/// The unknown of a ghost cell is the value at the center of its face. At a hole boundary, on
+/// either grid, the cut cell is replaced by the mirrored point Q = 2P - C of the active cell C; the
+/// value there is a quadratic interpolation in the donor's grid.
 ///
-/// All stencils are exact for linear fields, on skewed and non-orthogonal cells too. The
-/// non-orthogonal part of `normal` is over-relaxed, implicit and not limited: a limiter costs that
-/// exactness on tetrahedra.
+/// All stencils are exact for linear fields, on skewed and non-orthogonal cells as well. The
+/// non-orthogonal part of `normal` is the over-relaxed correction, implicit and without a limiter,
+/// because a limiter would destroy the exactness on tetrahedra.
 class StencilBuilder {
 public:
     /// Borrows its arguments.
     StencilBuilder(const Mesh& mesh, const HostObjects& objects, const OversetLink& link,
                    GradientSet set);
 
-    /// Empty for a cut cell.
+    /// The gradient of a cell; empty for a cut cell.
     const GradientStencil& Gradient(int cell) const { return gradients[cell]; }
 
-    /// Stencils of a face with at least one live side.
+    /// Stencils of an inner face with at least one active cell.
     InnerStencils Inner(int face, FarPoint farPoint) const;
+    /// The far-upstream stencils alone, of an inner face with at least one active cell.
     FarStencils Far(int face, FarPoint farPoint) const;
-    /// True on symmetry faces and beside cut cells: such a face adds nothing to the matrix.
+    /// Whether a boundary face adds nothing to the matrix: a symmetry face or a face of a cut cell.
     bool IsSilent(Boundary kind, int face) const;
     /// Stencils of a boundary face that is not silent.
     BoundaryStencils AtBoundary(Boundary kind, int face) const;
-    /// Value at the mirrored point of the cell beside an overset wall face.
+    /// The value at the mirrored point of the cell beside a wall face on an overset boundary.
     Stencil Mirrored(int wallFace) const;
 
-    /// Interpolations that fell back to the donor's value and gradient, so far; 0 on a sound mesh.
+    /// Number of interpolations so far that used value and gradient of the donor in place of the
+    /// quadratic fit; 0 on a mesh with enough overlap.
     int FallbackCount() const { return fallbackCount; }
 
     const Mesh& mesh;
@@ -70,7 +75,7 @@ public:
     const OversetLink& link;
 
 private:
-    /// The two points a face stencil joins: value, position and gradient on each side.
+    /// The two points that a face stencil connects: value, position and gradient of each side.
     struct Pair {
         Stencil a, b;
         Vec3 xLeft, xRight;

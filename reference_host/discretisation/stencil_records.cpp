@@ -7,7 +7,8 @@ namespace host {
 
 namespace {
 
-/// Puts a stencil into a pair of the record, in the toolbox's form: count in slot 0, terms from 1.
+/// Replaces a stencil of a record. The toolbox expects the count in entry 0 and the terms from 1
+/// on.
 void Put(const Stencil& stencil, int*& ids, double*& coefs) {
     delete[] ids;
     delete[] coefs;
@@ -22,7 +23,8 @@ void Put(const Stencil& stencil, int*& ids, double*& coefs) {
     }
 }
 
-/// All nine pairs with count 0: the operators read slot 0 of every pair they can reach.
+/// Makes all nine stencils empty. The operators read entry 0 of each stencil, so every array
+/// exists.
 void PutEmpty(CMAFVMFaceData& record) {
     Put({}, record.idFace, record.coefFace);
     Put({}, record.idNormal, record.coefNormal);

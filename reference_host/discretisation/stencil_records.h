@@ -10,31 +10,34 @@
 
 namespace host {
 
-/// One stencil of a record on a field: the sum of coefs[j] * field[ids[j]].
+/// Applies a stencil of a record to a field: the sum of coefs[j] * field[ids[j]], with the number
+/// of terms in ids[0].
 double Apply(const int* ids, const double* coefs, const std::vector<double>& field);
 
-/// The toolbox's view of the host with one set of stencils in it: what the operators walk.
+/// The toolbox's record of the host objects together with one set of stencils; the operators read
+/// both.
 ///
-/// Only live sides carry stencils. The donor's side of a hole-boundary face, faces between cut
-/// cells, symmetry faces and boundary faces of cut cells are linked to one shared empty record:
-/// a donor's row must get nothing from the face that borrows its value.
+/// Only the sides of active cells have stencils. The donor's side of a hole-boundary face, faces
+/// between cut cells, symmetry faces and boundary faces of cut cells are linked to one shared empty
+/// record: the row of a donor must receive nothing from a face that only reads its value.
 ///
-/// Neither copied nor moved: operators keep the address of `gv`.
+/// Objects are neither copied nor moved, because operators keep the address of `gv`.
 class StencilRecords {
 public:
-    /// Links `objects` and fills all records. The donors must stand in Ce23 by now.
+    /// Links `objects` and fills all records. The donors must have been written to Ce23 before.
     /// @throws std::runtime_error  the toolbox could not link the host objects
     StencilRecords(const StencilBuilder& builder, HostObjects& objects, FarPoint farPoint);
     StencilRecords(const StencilRecords&) = delete;
     StencilRecords& operator=(const StencilRecords&) = delete;
 
-    /// Refills the far-upstream stencils of the inner faces for another scheme.
+    /// Replaces the far-upstream stencils of the inner faces by those of another scheme.
     void SetFarPoint(FarPoint farPoint);
-    /// Sets the diffusion coefficient of the inner faces, one value for all.
+    /// Sets the diffusion coefficient of all inner faces to one value.
     void SetFaceMu(double mu);
 
-    /// The record of a face's live side; of a face between cut cells an empty one.
+    /// The record of an inner face on the side of an active cell; an empty one between cut cells.
     const CMAFVMFaceData& Inner(int face) const;
+    /// The record of a boundary face; an empty one on symmetry faces and faces of cut cells.
     const CMAFVMFaceData& AtBoundary(Boundary kind, int face) const;
 
 private:
@@ -42,10 +45,10 @@ private:
     void FillBoundary(Boundary kind, CMAFVMFaceData*& records);
 
     const StencilBuilder& builder;
-    CMAFVMFaceData empty;  // before gv: the records in gv borrow its arrays
+    CMAFVMFaceData empty;  // declared before gv, whose records use its arrays
 
 public:
-    CKVX_ACMT_GV gv;
+    CKVX_ACMT_GV gv;  ///< owns the face records
 };
 
 }  // namespace host

@@ -7,13 +7,14 @@
 
 namespace host {
 
+/// A boundary face: its kind and its number among the faces of that kind.
 struct BoundaryFaceId {
     Boundary kind = Boundary::Inlet;
     int face = 0;
 };
 
-/// The faces around each cell, taken from the mesh's own pairs: Ce23 is no topology any more once
-/// donors stand in it.
+/// The faces around each cell, from the owners and neighbors of the mesh. The toolbox's Ce23 does
+/// not serve here: after the donors are written, it no longer holds the topology of the mesh.
 class CellFaces {
 public:
     explicit CellFaces(const Mesh& mesh);

@@ -10,7 +10,8 @@
 namespace host {
 namespace {
 
-/// The Name in `variable = {value, ..., Name "..."}`, if that begins at `at`; else empty.
+/// The Name in a definition `variable = {value, ..., Name "..."}` that begins at position `at`, or
+/// an empty text if none begins there.
 std::string NameInDefinition(const std::string& text, std::size_t at, const std::string& variable) {
     constexpr char blanks[] = " \t\r\n";
     const bool isTail = at > 0 && (std::isalnum(static_cast<unsigned char>(text[at - 1])) != 0 ||
@@ -38,7 +39,7 @@ std::string OnelabName(const std::string& file, const std::string& variable) {
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
     std::size_t at = variable.empty() ? std::string::npos : text.find(variable);
     for (; at != std::string::npos; at = text.find(variable, at + 1)) {
-        const std::string name = NameInDefinition(text, at, variable);
+        std::string name = NameInDefinition(text, at, variable);
         if (!name.empty()) {
             return name;
         }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr char errorMark[] = "Error: ";
 
-/// First error in Gmsh's log, else `thrown`, as one line.
+/// First error in Gmsh's log, or `thrown` if there is none, as one line.
 std::string FirstError(std::string thrown) {
     std::vector<std::string> log;
     gmsh::logger::get(log);
@@ -39,7 +39,7 @@ GmshSession::~GmshSession() {
         gmsh::logger::stop();
         gmsh::finalize();
     } catch (...) {
-        // Nothing is left to release, and a destructor has nobody to tell.
+        // A destructor cannot report an error, and nothing is left to release.
     }
 }
 
@@ -50,7 +50,7 @@ void GmshSession::Run(const std::function<void()>& calls) {
         throw std::runtime_error(FirstError(error.what()));
     } catch (const std::string& text) {  // Gmsh 4.8
         throw std::runtime_error(FirstError(text));
-    } catch (...) {  // older ones throw their error number
+    } catch (...) {  // older versions throw their error number
         throw std::runtime_error(FirstError("unknown error"));
     }
 }

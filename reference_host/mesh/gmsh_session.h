@@ -6,9 +6,10 @@
 
 namespace host {
 
-/// Gmsh from construction to destruction: silent, on one thread, without the user's option files
-/// and without the log and the ONELAB parameters of the session before, which the library keeps.
-/// Gmsh is one per process, so sessions must not overlap.
+/// Starts Gmsh when it is constructed and ends it when it is destroyed. Gmsh then prints nothing,
+/// uses one thread and reads no option file of the user; the log and the ONELAB parameters that the
+/// library keeps from an earlier session are cleared. There is one Gmsh per process, so two
+/// sessions must not overlap.
 class GmshSession {
 public:
     GmshSession();
@@ -16,11 +17,11 @@ public:
     GmshSession(const GmshSession&) = delete;
     GmshSession& operator=(const GmshSession&) = delete;
 
-    /// Runs calls of the Gmsh library and turns what they throw, whatever its type in the
-    /// installed version, into one line.
+    /// Makes calls of the Gmsh library. Versions of Gmsh throw different types; all of them become
+    /// one exception with a text of one line.
     ///
-    /// @throws std::runtime_error  Gmsh's own words for its first error; without one, what the
-    ///         calls threw
+    /// @throws std::runtime_error  the first error in Gmsh's log, or the text of what the calls
+    /// threw
     void Run(const std::function<void()>& calls);
 };
 

@@ -6,8 +6,8 @@
 namespace host {
 namespace {
 
-/// Marks cells with a symmetry face that looks along +z (bit 1) and along -z (bit 2); 4 marks a
-/// face that looks elsewhere, or a second one that looks the same way.
+/// What a symmetry face adds to the marks of its cell: 1 if its normal points along +z, 2 if along
+/// -z, 4 if along another direction or along one that the cell has already.
 int DirectionMark(const BoundaryFace& face, int marksSoFar) {
     const double tilt = std::hypot(face.area.x(), face.area.y());
     if (tilt > 1e-10 * std::abs(face.area.z())) {
@@ -37,6 +37,14 @@ double Mesh::Depth() const {
     const auto range = std::minmax_element(
         nodes.begin() + 1, nodes.end(), [](const Vec3& a, const Vec3& b) { return a.z() < b.z(); });
     return range.second->z() - range.first->z();
+}
+
+Vec3 NodeMean(const Mesh& mesh, const std::vector<int>& nodeIds) {
+    Vec3 sum = Vec3::Zero();
+    for (int node : nodeIds) {
+        sum += mesh.nodes[node];
+    }
+    return sum / static_cast<double>(nodeIds.size());
 }
 
 }  // namespace host

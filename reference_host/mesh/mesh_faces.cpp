@@ -13,8 +13,8 @@ namespace {
 
 using FaceKey = std::array<int, 4>;  // node ids in ascending order; a triangle begins with 0
 
-/// Faces of a cell shape as positions in its node list, counter-clockwise seen from outside;
-/// a triangle ends with -1. Positions as in VTK's linear cells.
+/// Faces of a cell shape as positions in its node list, counter-clockwise seen from outside. A
+/// triangle ends with -1. Positions are those of VTK's linear cells.
 using ShapeFaces = std::vector<std::array<int, 4>>;
 
 const ShapeFaces& FacesOfShape(std::size_t nodeCount) {
@@ -48,13 +48,13 @@ FaceKey KeyOf(const std::vector<int>& nodes) {
     return key;
 }
 
-/// One face as one cell sees it.
+/// A face on the side of one of its cells.
 struct HalfFace {
     FaceKey key;
     int cell = 0;
     int local = 0;    // position in FacesOfShape
-    int partner = 0;  // the other cell's half, 0 on the boundary
-    int name = 0;     // position in the named faces + 1, 0 without a name
+    int partner = 0;  // half face of the other cell, 0 on the boundary
+    int name = 0;     // position in the list of named faces + 1, 0 without a name
 };
 
 std::vector<int> NodesOf(const Mesh& mesh, int cell, int local) {
@@ -68,8 +68,9 @@ std::vector<int> NodesOf(const Mesh& mesh, int cell, int local) {
     return nodes;
 }
 
-/// Half faces by ascending cell, 1-based, found by key through chains that start at the smallest
-/// node of the key: a node is the smallest of a dozen faces, however large the mesh.
+/// Half faces in the order of their cells, 1-based, with a search by key. Half faces with the same
+/// smallest node form a linked list: its length does not grow with the mesh, because a node is the
+/// smallest one of a dozen faces only.
 class FaceTable {
 public:
     explicit FaceTable(int nodeCount) : halves(1), next(1), head(nodeCount + 1, 0) {}
@@ -83,7 +84,7 @@ public:
         return position;
     }
 
-    /// Appends a half face; one that found its partner needs no chain.
+    /// Appends a half face. One with a partner enters no list, as nothing searches for it again.
     void Add(const HalfFace& half) {
         const int position = static_cast<int>(halves.size());
         halves.push_back(half);
@@ -115,7 +116,8 @@ void RefuseCollapsedCell(const Mesh& mesh, int cell) {
     }
 }
 
-/// Grids that touch would be one grid with walls inside it: nothing could be cut or interpolated.
+/// Two grids that share nodes would be one grid with walls inside it, without an overlap in which
+/// holes could be cut or values interpolated.
 void RefuseSharedNodes(const Mesh& mesh) {
     std::vector<int> cellOfNode(mesh.nodes.size(), 0);
     for (int cell = 1; cell < static_cast<int>(mesh.cellNodes.size()); ++cell) {
@@ -164,7 +166,8 @@ std::string NameOf(const NamedFace& face) {
                                   : fmt::format("interface{}", face.interfaceSide);
 }
 
-/// What keeps a named face from naming `half`, as the end of a sentence; empty if nothing does.
+/// The reason why a named face cannot be the boundary face `half`, as the end of a sentence; empty
+/// if there is none.
 std::string NameFault(const Mesh& mesh, const std::vector<NamedFace>& named, const NamedFace& face,
                       const FaceTable& table, const HalfFace& half) {
     if (half.cell == 0) {
@@ -192,7 +195,7 @@ std::string NameFault(const Mesh& mesh, const std::vector<NamedFace>& named, con
     return "";
 }
 
-/// Hands each named face to the half face with its nodes.
+/// Gives each named face to the half face with the same nodes.
 void MatchNames(const Mesh& mesh, const std::vector<NamedFace>& named, FaceTable& table) {
     for (std::size_t i = 0; i < named.size(); ++i) {
         const NamedFace& face = named[i];

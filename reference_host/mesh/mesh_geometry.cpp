@@ -11,7 +11,8 @@
 namespace host {
 namespace {
 
-constexpr double closedness = 1e-12;  // relative to the cell's surface: rounding is near 1e-16
+constexpr double closedness =
+    1e-12;  // relative to the surface of the cell; rounding gives about 1e-16
 
 /// Calls visit(a, b) for each edge a-b of a face, in the order of its node list.
 template <class Visit>
@@ -41,8 +42,8 @@ struct CellSums {
           area(n, Vec3::Zero()),
           surface(n, 0.0) {}
 
-    /// Adds the tetrahedra from the cell's node mean to the triangles of a face. `sign` is -1
-    /// where the face's node list and area look into the cell.
+    /// Adds the tetrahedra between the mean of the cell's nodes and the triangles of a face. `sign`
+    /// is -1 where the area vector of the face points into the cell.
     void AddFace(const Mesh& mesh, int cell, const std::vector<int>& nodeIds, const Vec3& faceArea,
                  double sign) {
         const Vec3 middle = NodeMean(mesh, nodeIds) - apex[cell];
@@ -82,14 +83,6 @@ void CheckCell(const Mesh& mesh, const CellSums& sums, int cell) {
 
 }  // namespace
 
-Vec3 NodeMean(const Mesh& mesh, const std::vector<int>& nodeIds) {
-    Vec3 sum = Vec3::Zero();
-    for (int node : nodeIds) {
-        sum += mesh.nodes[node];
-    }
-    return sum / static_cast<double>(nodeIds.size());
-}
-
 PolygonGeometry GeometryOf(const std::vector<Vec3>& corners) {
     const std::size_t n = corners.size();
     Vec3 middle = Vec3::Zero();
@@ -104,8 +97,8 @@ PolygonGeometry GeometryOf(const std::vector<Vec3>& corners) {
     for (std::size_t i = 0; i < n; ++i) {
         polygon.area += triangle(i);
     }
-    // Weights are the triangles' areas as seen along the polygon's normal; one of no area keeps
-    // its corners' mean, and the cell of such a face is refused for its volume.
+    // The weights are the areas of the triangles projected along the normal of the polygon. A
+    // polygon without area keeps the mean of its corners; its cell is refused for its volume.
     Vec3 moment = Vec3::Zero();
     for (std::size_t i = 0; i < n; ++i) {
         moment += triangle(i).dot(polygon.area) / 3.0 *

@@ -7,31 +7,31 @@
 
 namespace host {
 
-/// Mean of the named nodes.
-Vec3 NodeMean(const Mesh& mesh, const std::vector<int>& nodeIds);
-
-/// A plane or warped polygon as the fan of triangles about the mean of its corners.
+/// Geometry of a plane or warped polygon, split into triangles between its edges and the mean of
+/// its corners.
 struct PolygonGeometry {
-    Vec3 area = Vec3::Zero();    ///< sum of the triangles' area vectors
-    Vec3 centre = Vec3::Zero();  ///< area-weighted mean of their centroids
+    Vec3 area = Vec3::Zero();    ///< sum of the area vectors of the triangles [length^2]
+    Vec3 centre = Vec3::Zero();  ///< area-weighted mean of their centroids [length]
 };
 
 /// @param corners  counter-clockwise seen from where the area vector points
 PolygonGeometry GeometryOf(const std::vector<Vec3>& corners);
 
-/// Fills centres and area vectors of all faces, interface faces included, volumes and centroids of
-/// all cells, from nodes, cellNodes and the node lists of the faces.
+/// Computes centroids and area vectors of all faces, interface faces included, and volumes and
+/// centroids of all cells, from nodes, cellNodes and the node lists of the faces.
 ///
-/// A face has the geometry of its polygon. A cell is the sum of the tetrahedra from its node mean
-/// to those triangles, so neighbors share a warped face without gap or overlap.
+/// A face has the geometry of its polygon. A cell is the sum of the tetrahedra between the mean of
+/// its nodes and the triangles of its faces, so that two cells share a warped face without gap or
+/// overlap.
 ///
-/// @param mesh  owner's and boundary faces' node lists run counter-clockwise seen from outside
-/// @throws std::runtime_error  one line naming the cell: volume not positive, or its area vectors
-///         do not add up to zero within 1e-12 of its surface
+/// @param mesh  its node lists of faces run counter-clockwise seen from outside the owner
+/// @throws std::runtime_error  one line that names the cell: its volume is not positive, or its
+/// area
+///         vectors do not add up to zero within 1e-12 of its surface
 void ComputeGeometry(Mesh& mesh);
 
-/// Largest sum of the area vectors of a cell, relative to its surface: 0 where all cells are
-/// closed by their inner and boundary faces.
+/// Largest magnitude of the sum of a cell's area vectors, relative to the surface of the cell: 0 up
+/// to rounding if inner and boundary faces close every cell.
 double LargestGap(const Mesh& mesh);
 
 }  // namespace host

@@ -18,7 +18,7 @@
 namespace host {
 namespace {
 
-/// What a physical group of surfaces means.
+/// The meaning of a physical group of surfaces.
 struct SurfaceGroup {
     Boundary kind = Boundary::Wall;
     int oversetGroup = 0;
@@ -36,23 +36,24 @@ const std::map<std::string, SurfaceGroup> surfaceGroups = {{"inlet", {Boundary::
                                                            {"interface0", {Boundary::Wall, 0, 0}},
                                                            {"interface1", {Boundary::Wall, 0, 1}}};
 
-/// Elements of one type in one volume or surface, nodes still as Gmsh's tags.
+/// Elements of one type in one volume or surface. Nodes are tags of Gmsh.
 struct ElementBlock {
     int type = 0;
     std::size_t nodesEach = 0;
-    int cavity = 0;        // of volumes
-    std::string group;     // of volumes
-    SurfaceGroup surface;  // of surfaces
+    int cavity = 0;        // for volumes
+    std::string group;     // for volumes
+    SurfaceGroup surface;  // for surfaces
     std::vector<std::size_t> nodes;
 };
 
-/// What the reader takes out of Gmsh before the session ends.
+/// Copies of what Gmsh holds, for use after the session has ended.
 struct GmshMesh {
     std::vector<std::pair<std::size_t, Vec3>> nodes;  // by ascending tag
     std::vector<ElementBlock> volumes;
     std::vector<ElementBlock> surfaces;
 
-    /// Position in `nodes`. Every tag of an element is there: Gmsh itself refuses others.
+    /// Position of a tag in `nodes`. Every tag of an element is there: Gmsh refuses a file with an
+    /// element on an unknown node.
     std::size_t NodePosition(std::size_t tag) const {
         // Tags are 1, 2, 3 ... in nearly every file.
         if (tag - 1 < nodes.size() && nodes[tag - 1].first == tag) {
@@ -64,7 +65,7 @@ struct GmshMesh {
         return static_cast<std::size_t>(place - nodes.begin());
     }
 
-    /// Node mean of element `i` of a block.
+    /// Mean of the nodes of element `i` of a block.
     Vec3 Centre(const ElementBlock& block, std::size_t i) const {
         Vec3 sum = Vec3::Zero();
         for (std::size_t k = i * block.nodesEach; k < (i + 1) * block.nodesEach; ++k) {
@@ -94,7 +95,7 @@ std::string KnownNames(int dim) {
                     : "inlet, outlet, wall, symmetry, overset1, overset2, interface0, interface1";
 }
 
-/// Group name of each volume (dim 3) or surface (dim 2) that is in one.
+/// Name of the group of each volume (dim 3) or surface (dim 2) that belongs to one.
 std::map<int, std::string> ReadGroups(int dim) {
     const std::string kind = dim == 3 ? "volume" : "surface";
     gmsh::vectorpair groups;
@@ -139,9 +140,10 @@ std::vector<ElementBlock> ReadElements(int dim, int entity) {
     return blocks;
 }
 
-/// Refuses what is no linear triangle, quadrangle, tetrahedron, hexahedron, prism or pyramid.
+/// Throws unless the elements are linear triangles, quadrangles, tetrahedra, hexahedra, prisms or
+/// pyramids.
 void CheckElementType(const GmshMesh& found, const ElementBlock& block, int dim, int entity) {
-    constexpr std::array<int, 6> accepted = {2, 3, 4, 5, 6, 7};  // Gmsh's numbers for these
+    constexpr std::array<int, 6> accepted = {2, 3, 4, 5, 6, 7};  // their type numbers in Gmsh
     if (std::find(accepted.begin(), accepted.end(), block.type) != accepted.end()) {
         return;
     }
@@ -154,8 +156,8 @@ void CheckElementType(const GmshMesh& found, const ElementBlock& block, int dim,
     gmsh::model::mesh::getElementProperties(block.type, name, itsDim, order, nNodes, local,
                                             nCorners);
     const std::string remedy = order > 1
-                                   ? "the host takes linear elements, set Mesh.ElementOrder = 1"
-                                   : "the host takes tetrahedra, hexahedra, prisms and pyramids";
+                                   ? "the host reads linear elements, set Mesh.ElementOrder = 1"
+                                   : "the host reads tetrahedra, hexahedra, prisms and pyramids";
     throw std::runtime_error(fmt::format("{} {} has elements \"{}\", the first {}: {}",
                                          dim == 3 ? "volume" : "surface", entity, name,
                                          At(found.Centre(block, 0)), remedy));
@@ -199,7 +201,8 @@ void ReadSurfaces(GmshMesh& found) {
     }
 }
 
-/// Two blocks, each with its side of the interface, or none: they have no place in an overset mesh.
+/// Throws unless the mesh has two blocks and nothing else, each with its side of the interface, or
+/// no block at all: an overset mesh holds no blocks.
 void RefuseIncompleteBlocks(const GmshMesh& found) {
     std::set<std::string> groups;
     std::array<bool, 2> hasSide = {};
@@ -218,7 +221,7 @@ void RefuseIncompleteBlocks(const GmshMesh& found) {
     if (nBlocks != 2 || groups.size() != 2) {
         throw std::runtime_error(
             "a mesh with a non-matching interface has the physical volume groups \"block0\" and "
-            "\"block1\" and no other: name its volumes so");
+            "\"block1\" and no other: give its volumes these names");
     }
     for (int side = 0; side < 2; ++side) {
         if (!hasSide[side]) {
@@ -230,7 +233,8 @@ void RefuseIncompleteBlocks(const GmshMesh& found) {
     }
 }
 
-/// Background, then component1, then component2, each component with its own overset surface.
+/// Throws unless the mesh has a background, no component2 without a component1, and an overset
+/// surface for each component.
 void RefuseMissingGroups(const GmshMesh& found) {
     std::array<bool, 4> hasCavity = {};
     std::array<bool, 3> hasOverset = {};
@@ -243,10 +247,10 @@ void RefuseMissingGroups(const GmshMesh& found) {
     for (int cavity = 1; cavity <= 3; ++cavity) {
         const bool isNeeded = cavity == 1 || (cavity == 2 && hasCavity[3]);
         if (isNeeded && !hasCavity[cavity]) {
-            throw std::runtime_error(
-                fmt::format("physical volume group \"{}\" is missing: {}", CavityName(cavity),
-                            cavity == 1 ? "name the grid that fills the domain so"
-                                        : "name the only component so, instead of component2"));
+            throw std::runtime_error(fmt::format(
+                "physical volume group \"{}\" is missing: {}", CavityName(cavity),
+                cavity == 1 ? "give this name to the grid that fills the domain"
+                            : "give this name to the only component, in place of component2"));
         }
     }
     for (int group = 1; group <= 2; ++group) {
@@ -267,8 +271,8 @@ void RefuseMissingGroups(const GmshMesh& found) {
     }
 }
 
-/// Numbers the nodes that elements use by ascending tag; geometry points that carry a node of
-/// their own, as the centre of a circle does, drop out.
+/// Numbers the nodes of the elements by ascending tag. Nodes that no element uses are left out:
+/// Gmsh creates one at each point of the geometry, for example at the center of a circle.
 std::vector<int> NumberNodes(const GmshMesh& found, Mesh& mesh) {
     std::vector<int> idOfPosition(found.nodes.size(), 0);
     for (const auto* blocks : {&found.volumes, &found.surfaces}) {
@@ -332,7 +336,7 @@ void CheckFileName(const std::string& file, const std::string& extension,
     }
     if (extension == ".msh" && !parameters.empty()) {
         throw std::runtime_error(
-            fmt::format("a .msh file takes no parameters, \"{}\" was given: pass the .geo file",
+            fmt::format("a .msh file has no parameters, \"{}\" was given: pass the .geo file",
                         parameters.begin()->first));
     }
 }
@@ -356,7 +360,7 @@ GmshMesh ReadModel(const std::string& file, const MeshParameters& parameters) {
         throw std::runtime_error(
             fmt::format("Gmsh reports \"{}\": {}", error.what(),
                         extension == ".geo" ? "correct the geometry or its parameters"
-                                            : "it may be cut short; write it anew, of linear "
+                                            : "it may be incomplete; write it again, with linear "
                                               "tetrahedra, hexahedra, prisms and pyramids only"));
     }
     GmshMesh found;
@@ -385,7 +389,7 @@ Mesh ReadGrids(const std::string& file, const MeshParameters& parameters) {
     if (std::count(mesh.cavity.begin() + 1, mesh.cavity.end(), 0) > 0) {
         throw std::runtime_error(file +
                                  ": its volumes are block0 and block1, which the case nonmatching "
-                                 "joins: this case wants background and component1");
+                                 "joins: this case needs background and component1");
     }
     return mesh;
 }

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "reference_host/mesh/mesh_geometry.h"
-
 namespace host {
 
 std::string At(const Vec3& point) {

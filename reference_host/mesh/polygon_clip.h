@@ -7,11 +7,11 @@
 
 namespace host {
 
-/// The part of `subject` that lies in `window`, two convex polygons in one plane: at most as many
-/// corners as both together, in the subject's sense of rotation, the window's sense not mattering.
+/// The intersection of two convex polygons in one plane. It has at most as many corners as both
+/// together, in the sense of rotation of `subject`; that of `window` has no effect.
 ///
-/// Polygons that share an edge or a corner only give a polygon without area, or none: judge by
-/// the area.
+/// Two polygons that only share an edge or a corner give a polygon without area or none at all, so
+/// a caller should decide by the area.
 ///
 /// Source: I. E. Sutherland, G. W. Hodgman, Reentrant polygon clipping, Commun. ACM 17 (1974)
 /// 32-42, doi:10.1145/360767.360802.

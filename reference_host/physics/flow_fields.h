@@ -12,36 +12,37 @@
 
 namespace host {
 
-/// Velocity at a point of the inlet.
+/// Velocity as a function of a point of the inlet.
 using InletProfile = std::function<Vec3(const Vec3& point)>;
 
-/// What the boundary says about each unknown of a flow: velocity given at inlets and on walls,
-/// pressure zero at outlets, zero gradient elsewhere. The body is at rest.
+/// The boundary conditions of a flow: given velocity at inlets and on walls, zero pressure at
+/// outlets, zero gradient elsewhere. The body is at rest.
 struct FlowConditions {
-    /// @param farWalls  velocity of the walls that are not the body, in their planes
+    /// @param farWalls  velocity of all walls except those of the body, parallel to them
     FlowConditions(const Mesh& mesh, const OversetLink& link, const InletProfile& inlet,
                    const Vec3& farWalls = Vec3::Zero());
 
     std::array<BoundaryConditions, 3> velocity;  ///< components x, y, z
-    BoundaryConditions pressure;                 ///< also of the pressure correction
+    BoundaryConditions pressure;                 ///< of the pressure and of the pressure correction
 };
 
-/// Velocity and pressure of a flow, in arrays of its own: the output sets small magnitudes in the
-/// host's arrays to zero, which must not reach a run that goes on.
+/// Velocity and pressure of a flow. They have arrays of their own, because the output sets small
+/// magnitudes in the host's arrays to zero and a run must continue from unchanged values.
 struct FlowFields {
-    /// At rest. Entries 1..NcAll each.
+    /// A flow at rest without pressure. All arrays have entries 1..NcAll.
     explicit FlowFields(int cellAndGhostCount);
 
     Vec3 Velocity(int id) const { return {velocity[0][id], velocity[1][id], velocity[2][id]}; }
 
-    /// Copies into the arrays that the toolbox sees and writes.
+    /// Copies the fields into the host's arrays, which the toolbox writes to files.
     void Publish(HostObjects& objects) const;
 
     std::array<std::vector<double>, 3> velocity;  ///< components x, y, z
     std::vector<double> pressure;
 };
 
-/// Relative change between two velocity fields in the 2-norm over the cells, entries 1..nCells.
+/// 2-norm of the difference between two velocity fields over the cells 1..nCells, divided by the
+/// 2-norm of the second field.
 double RelativeChange(const FlowFields& before, const FlowFields& now, int nCells);
 
 }  // namespace host

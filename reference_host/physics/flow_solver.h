@@ -9,51 +9,59 @@
 
 namespace host {
 
-/// What a steady laminar flow is solved with. Density is 1.
+/// Settings of a steady laminar flow of density 1.
 struct FlowSettings {
     InletProfile inlet;
-    double mu = 0.0;               ///< viscosity
-    Vec3 farWalls = Vec3::Zero();  ///< velocity of the walls that are not the body
+    double mu = 0.0;               ///< dynamic viscosity
+    Vec3 farWalls = Vec3::Zero();  ///< velocity of all walls except those of the body
     Scheme scheme = Scheme::LinearUpwind;
-    double relaxation = 0.9;          ///< a of the momentum equations, between 0 and 1
-    double momentumTolerance = 1e-2;  ///< residual reductions of the linear solver
-    double pressureTolerance = 1e-1;
-    /// SAMG works down to the tolerance of the first guess' residual, BiCGSTAB to that after its
-    /// first iteration: the fields agree once converged, not on the way.
+    double relaxation = 0.9;          ///< factor a of the momentum equations, between 0 and 1
+    double momentumTolerance = 1e-2;  ///< residual reduction of a linear solve for momentum
+    double pressureTolerance = 1e-1;  ///< residual reduction of a linear solve for pressure
+    /// The tolerance is relative to the residual of the first guess with SAMG, and to the residual
+    /// after the first iteration with BiCGSTAB. The solutions agree once the flow has converged,
+    /// but not in each iteration.
     MatrixSolver momentumSolver = MatrixSolver::Bicgstab;
     MatrixSolver pressureSolver = MatrixSolver::Bicgstab;
-    int maxSolverIterations = 2000;  ///< of one linear solve: some matrices, as of central
-                                     ///< differences at low viscosity, are beyond the solver
+    /// Largest number of iterations of one linear solve. BiCGSTAB does not converge for some
+    /// matrices, for example of central differences at low viscosity.
+    int maxSolverIterations = 2000;
 };
 
-/// Relaxation that suits a mesh with this many cells across the unit length: 1 - a ~ 1 / n.
+/// Relaxation factor a for a mesh with this number of cells per unit length; 1 - a is proportional
+/// to the cell size.
 double DefaultRelaxation(double cellsPerUnit);
 
-/// One outer iteration.
+/// Result of one outer iteration.
 struct FlowIteration {
-    double change = 0.0;        ///< of the velocity, relative to it, 2-norm
-    double massResidual = 0.0;  ///< net outflow before the correction, cells' magnitudes summed,
-                                ///< relative to the inflow
-    int momentumIterations = 0;
-    int pressureIterations = 0;
+    double change = 0.0;         ///< relative change of the velocity in the 2-norm
+    double massResidual = 0.0;   ///< sum of the magnitudes of the cells' net outflow before the
+                                 ///< correction, relative to the inflow
+    int momentumIterations = 0;  ///< of the linear solver, all components
+    int pressureIterations = 0;  ///< of the linear solver
 };
 
-/// Steady laminar incompressible flow on a single grid or an overset pair, by a split SIMPLEC
-/// with the interface implicit in both matrices.
+/// Solver for steady laminar incompressible flow on a single grid or an overset pair, by a
+/// segregated SIMPLEC method. The coupling of the grids is implicit in the matrices of momentum and
+/// pressure.
 ///
-/// Each iteration solves momentum for the velocity, then a pressure correction for continuity.
+/// Each iteration solves the momentum equations for the velocity and then a pressure correction for
+/// continuity.
 class FlowSolver {
 public:
-    /// Starts from the inlet's profile everywhere and no pressure. Borrows its objects;
-    /// `objects.mu` is rewritten by every iteration.
+    /// Starts from the velocity profile of the inlet in the whole domain and from zero pressure.
+    /// Keeps references to its arguments except the settings; every iteration overwrites
+    /// `objects.mu`.
     FlowSolver(const Mesh& mesh, HostObjects& objects, const OversetLink& link,
                const FlowSettings& settings);
 
+    /// Runs one outer iteration.
     FlowIteration Iterate();
 
-    /// Flux in through the inlet.
+    /// Volume flux through the inlet into the domain.
     double Inflow() const;
-    /// (outflow - inflow) / inflow: what the interpolation at the interface gains or loses.
+    /// (outflow - inflow) / inflow, the mass that the interpolation between the grids gains or
+    /// loses.
     double MassDefect() const;
 
     const FlowFields& Fields() const { return fields; }

@@ -10,7 +10,7 @@ namespace host {
 
 namespace {
 
-/// Pressure on a wall face and its distance from the line through the body's centre.
+/// Pressure on a wall face and distance of the face from the line through the center of the body.
 struct Sample {
     double distance = 0.0;
     double pressure = 0.0;
@@ -27,9 +27,9 @@ Vec3 CentreOf(const Mesh& mesh, const std::vector<int>& bodyFaces) {
     return sum / area;
 }
 
-/// Mean over the samples that are as far from the line as the first; removes them.
+/// Removes the samples at the smallest distance from the line and returns their mean.
 Sample TakeRing(std::vector<Sample>& ascending) {
-    constexpr double sameDistance = 1e-6;  // body units: far below a face, far above rounding
+    constexpr double sameDistance = 1e-6;  // much smaller than a face, much larger than rounding
     if (ascending.empty()) {
         throw std::runtime_error("the body has too few faces for its stagnation pressures");
     }

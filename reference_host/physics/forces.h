@@ -9,21 +9,21 @@
 
 namespace host {
 
-/// Force of the flow on the body: pressure and the tangential part of the viscous stress, summed
-/// over its faces.
+/// Force of the flow on the body: the sum of pressure and tangential viscous stress over its faces.
 Vec3 ForceOnBody(const Momentum& momentum, const FlowFields& fields);
 
-/// Pressure at the front and the back of the body, where its surface meets the line through its
-/// centre along x.
+/// Pressure at the front and at the back of the body, where its surface meets the line along x
+/// through its center.
 struct StagnationPressures {
     double front = 0.0;
     double back = 0.0;
 };
 
-/// Extrapolated from the two rings of faces nearest to that line, the pressure taken to change
-/// with the square of the distance. Faces at the same distance form a ring.
+/// Extrapolates the pressure from the faces nearest to that line, assuming that it changes with the
+/// square of the distance from the line. Faces at the same distance form a ring, and two rings are
+/// used on each side.
 ///
-/// @param pressure  entries 1..NcAll; the ghosts of the body's faces are read
+/// @param pressure  entries 1..NcAll; only the ghosts of the body's faces are read
 /// @throws std::runtime_error  fewer than two rings on a side
 StagnationPressures PressuresAtStagnation(const StencilBuilder& builder,
                                           const std::vector<double>& pressure);

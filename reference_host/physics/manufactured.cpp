@@ -8,7 +8,7 @@ namespace host {
 namespace {
 
 constexpr double pi = 3.14159265358979323846;
-constexpr double k = 1.3;  // wave number: about one wave over the meshes' four units
+constexpr double k = 1.3;  // wave number: about one wave over the length 4 of the meshes
 
 double WaveX(const Vec3& at) {
     return std::sin(k * at[0] + 0.3);
@@ -23,7 +23,7 @@ double WaveYSlope(const Vec3& at) {
     return -k * std::sin(k * at[1] - 0.2);
 }
 
-/// The wave with wave number `kz` in z; kz = 0 gives the plane wave.
+/// The wave with wave number `kz` in z. The wave is plane if kz is 0.
 AnalyticField Wave(double kz) {
     return {
         [kz](const Vec3& at) { return WaveX(at) * WaveY(at) * std::cos(kz * at[2]) + 0.2 * at[0]; },

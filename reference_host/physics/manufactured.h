@@ -10,7 +10,7 @@
 
 namespace host {
 
-/// A field known in closed form, with the derivatives its source needs.
+/// A field in closed form with the derivatives that its source term needs.
 struct AnalyticField {
     std::function<double(const Vec3&)> value;
     std::function<Vec3(const Vec3&)> gradient;
@@ -19,22 +19,24 @@ struct AnalyticField {
 
 /// sin(1.3 x + 0.3) cos(1.3 y - 0.2) + 0.2 x.
 AnalyticField WaveField();
-/// The product part of WaveField() times cos(pi z / thickness), plus 0.2 x: no gradient across the
-/// planes z = 0 and z = thickness.
+/// The product in WaveField() times cos(pi z / thickness), plus 0.2 x. It has no normal gradient on
+/// the planes z = 0 and z = thickness.
 AnalyticField WaveField(double thickness);
-/// offset + slope . x. On a mesh with symmetry faces the slope must lie in their planes.
+/// offset + slope . x. On a mesh with symmetry faces the slope must be parallel to them.
 AnalyticField LinearField(const Vec3& slope, double offset);
 
-/// The wave that suits a mesh: plane on a one-cell-thick mesh, else three-dimensional.
+/// The wave for a mesh: the plane one if the mesh is one cell thick, else the three-dimensional
+/// one.
 AnalyticField WaveFor(const Mesh& mesh);
 
-/// Errors of cell values against the exact values at the cell centres.
+/// Norms of the difference between the cell values and the exact values at the cell centers.
 struct ErrorNorms {
     double l2 = 0.0;   ///< volume-weighted root mean square
     double max = 0.0;  ///< largest magnitude
 };
 
-/// Errors over the active cells of one grid, or of all if `cavity` is 0.
+/// Errors over the active cells of one grid, or of all grids if `cavity` is 0.
+/// @param phi  entries 1..NcAll
 ErrorNorms Errors(const Mesh& mesh, const OversetLink& link, const std::vector<double>& phi,
                   const AnalyticField& exact, int cavity = 0);
 

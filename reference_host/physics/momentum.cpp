@@ -77,7 +77,8 @@ void Momentum::Assemble(CMAFVMFaceVariableAll& flux) {
     operators.DiffusionOperator(-1.0);
 
     SumCoefficients(flux);
-    // Until continuity holds, div(F u) carries u div F along: that part is no momentum.
+    // While the fluxes are not free of divergence, div(F u) contains the term u div F, which is no
+    // part of the momentum balance and is subtracted.
     const std::vector<double> net = NetOutflow(mesh, builder.link, flux);
     for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
         if (builder.link.IsActive(cell)) {
@@ -88,8 +89,8 @@ void Momentum::Assemble(CMAFVMFaceVariableAll& flux) {
     equation.CloseRows(conditions.velocity[0], coefficients);
 }
 
-/// What a plane of symmetry adds to the right-hand side: the normal velocity falls to zero there.
-/// Explicit, since the matrix serves all components.
+/// Contribution of the normal viscous stress at a symmetry plane to the right-hand side: the normal
+/// velocity is zero on the plane. It is explicit because all components share one matrix.
 double Momentum::NormalStressAtSymmetry(const BoundaryFace& face, const Vec3& velocity,
                                         int component) const {
     const Vec3 n = face.area.normalized();
@@ -116,6 +117,7 @@ std::vector<double> Momentum::RightHandSide(const std::vector<Vec3>& pressureGra
 
 int Momentum::Solve(const std::vector<Vec3>& pressureGradient, FlowFields& fields) {
     std::vector<std::vector<double>> rhs;
+    rhs.reserve(dimensions);
     for (int component = 0; component < dimensions; ++component) {
         rhs.push_back(RightHandSide(pressureGradient, fields, component));
     }

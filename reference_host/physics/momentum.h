@@ -11,38 +11,40 @@
 
 namespace host {
 
-/// The momentum equations of a steady flow of density 1: one matrix, a solve per component.
+/// The momentum equations of a steady flow of density 1. All velocity components share one matrix.
 ///
-/// Relaxation enters through a*, the sum of outgoing fluxes and of the diffusion weights of the
-/// cell itself: positive for every scheme, where the diagonal of QUICK or of central differences
-/// is no safe scale.
+/// The relaxation is based on a coefficient a* of each cell, the sum of its outgoing fluxes and of
+/// the diffusion weights of the cell itself. It is positive for every scheme, while the diagonal
+/// entries of QUICK and central differences may be close to zero.
 class Momentum {
 public:
-    /// Borrows all but the numbers. On a one-cell-thick mesh two components are solved, else
-    /// three.
+    /// Keeps references to mesh, objects, link and conditions. On a mesh that is one cell thick two
+    /// velocity components are solved, else three.
     ///
-    /// @param mu          viscosity
-    /// @param relaxation  a, between 0 and 1: (1 - a) / a of a* is added to the diagonal
-    /// @param matrixSolver  of the linear systems
+    /// @param mu            dynamic viscosity
+    /// @param relaxation    factor a between 0 and 1; (1 - a) / a times a* is added to the diagonal
+    /// @param matrixSolver  solver of the linear systems
     Momentum(const Mesh& mesh, HostObjects& objects, const OversetLink& link,
              const FlowConditions& conditions, Scheme scheme, double mu, double relaxation,
              MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
 
-    /// Sums convection with these fluxes, diffusion and relaxation into the matrix.
+    /// Assembles convection with the given fluxes, diffusion and relaxation into the matrix.
     void Assemble(CMAFVMFaceVariableAll& flux);
 
-    /// Solves with the pressure given; the ghosts of the velocity follow.
+    /// Solves for the velocity with a given pressure gradient and updates the ghosts of the
+    /// velocity.
     ///
     /// @param         pressureGradient  by cell, entries 1..Nc
-    /// @param[in,out] fields            velocity
-    /// @return iterations of the linear solver, all components
+    /// @param[in,out] fields            velocity: first guess and solution
+    /// @return number of iterations of the linear solver, the sum over all components
     int Solve(const std::vector<Vec3>& pressureGradient, FlowFields& fields);
 
-    /// Velocity at the ghosts that goes with the cells.
+    /// Computes the velocity of the ghosts from the cells and the conditions.
     void FillGhosts(FlowFields& fields) const;
 
-    /// a* by cell, of the last Assemble(); 0 in cut cells.
+    /// The coefficient a* by cell from the last Assemble(), entries 1..Nc; 0 in cut cells.
     const std::vector<double>& Coefficients() const { return coefficients; }
+    /// Number of velocity components that are solved.
     int Dimensions() const { return dimensions; }
 
     const StencilBuilder builder;
@@ -63,7 +65,7 @@ private:
     const Scheme scheme;
     const double relaxation;
     const int dimensions;
-    std::vector<double> diffusionWeights;  // by cell: the part of a* that no flux changes
+    std::vector<double> diffusionWeights;  // by cell: the part of a* without fluxes
     std::vector<double> coefficients;      // by cell
 };
 

@@ -10,45 +10,48 @@
 
 namespace host {
 
-/// Continuity: the pressure correction that makes the face fluxes divergence-free.
+/// The equation of the pressure correction, which makes the face fluxes divergence-free.
 ///
-/// SIMPLEC with two coefficients: D = a V / ((1 - a) a*) turns the gradient of the correction into
-/// a change of velocity, E = a V / a* weights the pressure term of the face fluxes. With D for both
-/// that term would be 1 / (1 - a) times larger and smear the pressure. The faces of the interface
-/// take part like all others, on both grids: that fixes the pressure's level everywhere and leaves
-/// no mass to correct.
+/// The SIMPLEC method uses two coefficients here. D = a V / ((1 - a) a*) relates the gradient of
+/// the correction to the change of velocity, and E = a V / a* is the factor of the Rhie-Chow
+/// pressure term in the face fluxes. With D in its place that term would be larger by 1 / (1 - a)
+/// and smooth the pressure too much. Faces on the hole and overset boundaries of both grids are
+/// corrected like all others. This determines the level of the pressure on both grids, and no
+/// separate correction of the mass balance is needed.
 ///
 /// Sources: J. P. van Doormaal, G. D. Raithby, Numer. Heat Transfer 7 (1984) 147-163,
 /// doi:10.1080/01495728408961817; C. M. Rhie, W. L. Chow, AIAA J. 21 (1983) 1525-1532,
 /// doi:10.2514/3.8284.
 class PressureCorrection {
 public:
-    /// Borrows its objects; `relaxation` is that of the momentum equations.
+    /// Keeps references to mesh, objects, link and conditions.
+    /// @param relaxation  factor a of the momentum equations
     PressureCorrection(const Mesh& mesh, HostObjects& objects, const OversetLink& link,
                        const FlowConditions& conditions, double relaxation,
                        MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
 
-    /// Sets D from a* by cell, entries 1..Nc. Before the first call D and E are zero.
+    /// Computes D and E from the coefficients a* by cell, entries 1..Nc. They are zero before the
+    /// first call.
     void SetCoefficients(const std::vector<double>& momentumCoefficients);
 
-    /// Fluxes of the velocity as it stands: interpolated to the faces with the velocity's own
-    /// stencils, plus the pressure term that couples neighbors.
+    /// Computes the fluxes of the current velocity: the interpolation to the faces by the stencils
+    /// of the velocity, plus the Rhie-Chow term, which couples the pressures of neighboring cells.
     void PredictFluxes(const FlowFields& fields, const StencilRecords& velocityRecords,
                        CMAFVMFaceVariableAll& flux) const;
 
-    /// Solves for the correction.
+    /// Solves for the pressure correction.
     /// @param net  net outflow of each cell, entries 1..Nc
-    /// @return iterations of the linear solver
+    /// @return number of iterations of the linear solver
     int Solve(const std::vector<double>& net);
 
-    /// Applies the correction to fluxes, pressure and cell velocities.
+    /// Corrects the fluxes, the pressure and the cell velocities.
     void Correct(FlowFields& fields, CMAFVMFaceVariableAll& flux);
 
-    /// Brings ghosts and gradient of the pressure up to date. Inlets and physical walls have no
-    /// condition for it: it is extrapolated there.
+    /// Updates the ghosts and the gradient of the pressure. The pressure has no condition at inlets
+    /// and physical walls and is extrapolated to them.
     void UpdatePressure(FlowFields& fields);
 
-    /// Pressure gradient by cell, of the last UpdatePressure(); zero in cut cells.
+    /// Pressure gradient by cell from the last UpdatePressure(), entries 1..Nc; zero in cut cells.
     const std::vector<Vec3>& Gradient() const { return gradient; }
 
     const StencilBuilder builder;
@@ -56,7 +59,7 @@ public:
     Equation equation;
 
 private:
-    /// A boundary face that lets the correction pass: outlet or overset.
+    /// Whether the flux through a boundary face is corrected: it is an outlet or overset face.
     bool IsOpen(Boundary kind, int face) const;
     double NormalAt(const CMAFVMFaceData& record, const std::vector<double>& phi) const;
     double InnerFlux(int face, const FlowFields& fields, const StencilRecords& velocities) const;
@@ -65,7 +68,7 @@ private:
     HostObjects& objects;
     const FlowConditions& conditions;
     const double relaxation;
-    std::vector<double> cellD;  // by cell; faces between cells keep theirs as faceMu
+    std::vector<double> cellD;  // by cell; inner faces have theirs in faceMu
     std::vector<Vec3> gradient;
     std::vector<double> correction;  // entries 1..NcAll
 };

@@ -13,26 +13,29 @@
 
 namespace host {
 
-/// Convection and diffusion of a scalar phi, div(U phi) - div(mu grad phi) = source, on a single
-/// grid or an overset pair, with everything implicit.
+/// Solver for convection and diffusion of a scalar phi, div(U phi) - div(mu grad phi) = source, on
+/// a single grid or an overset pair. All terms are implicit.
 class ScalarSolver {
 public:
-    /// Builds stencils and pattern. Borrows its arguments; `objects.mu` is rewritten at each
-    /// Assemble().
+    /// Builds stencils and matrix pattern. Keeps references to mesh, objects and link; each
+    /// Assemble() overwrites `objects.mu`.
     ScalarSolver(const Mesh& mesh, HostObjects& objects, const OversetLink& link, Scheme scheme,
                  MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
 
-    /// Sums the operators into the matrix and closes the ghost rows.
+    /// Assembles the matrix, ghost rows included.
     ///
     /// @param mu        diffusion coefficient, constant
     /// @param velocity  constant; ignored by the pure diffusion schemes
-    /// @param storage   added to the diagonal of each active cell times its volume: 1 / time step
+    /// @param storage   1 / time step, or 0 for a steady solution; times the volume of the cell it
+    /// is
+    ///                  added to the diagonal of each active cell
     void Assemble(const BoundaryConditions& conditions, double mu, const Vec3& velocity,
                   double storage = 0.0);
 
-    /// Solves with a source integrated over each cell, entries 1..Nc.
+    /// Solves with a source that is integrated over each cell, entries 1..Nc.
     ///
-    /// @param[in,out] phi  first guess and solution, entries 1..NcAll; 0 in cut cells
+    /// @param[in,out] phi    first guess and solution, entries 1..NcAll; 0 in cut cells
+    /// @param reduction      largest residual relative to that of a zero field
     SolveReport Solve(const BoundaryConditions& conditions, const std::vector<double>& source,
                       std::vector<double>& phi, double reduction = 1e-10);
 
@@ -48,14 +51,16 @@ private:
     const Scheme scheme;
 };
 
-/// One manufactured solution: `exact` with Dirichlet values on inlet, outlet and physical walls.
+/// Result of SolveManufactured().
 struct ManufacturedRun {
     SolveReport solve;
     std::vector<double> phi;     ///< entries 1..NcAll
-    int fallbackCount = 0;       ///< donor interpolations that were not quadratic
-    int storedEntriesGrown = 0;  ///< matrix entries that the declared pattern had missed
+    int fallbackCount = 0;       ///< number of donor interpolations without a quadratic fit
+    int storedEntriesGrown = 0;  ///< number of matrix entries that were not declared in the pattern
 };
 
+/// Solves for the manufactured solution `exact`, with its values on inlet, outlet and physical
+/// walls and the source term that belongs to it.
 ManufacturedRun SolveManufactured(const Mesh& mesh, HostObjects& objects, const OversetLink& link,
                                   Scheme scheme, const AnalyticField& exact, double mu,
                                   const Vec3& velocity,

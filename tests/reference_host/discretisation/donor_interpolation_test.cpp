@@ -16,7 +16,7 @@ using host::Vec3;
 
 class InterpolationOnMesh : public testing::TestWithParam<MeshChoice> {};
 
-/// Every hole-boundary face: donor and mirrored point of the active cell.
+/// Donor and mirrored point of the active cell for every face on a hole or overset boundary.
 std::vector<std::pair<int, Vec3>> Queries(const MeshCase& c) {
     std::vector<std::pair<int, Vec3>> queries;
     for (int face = 1; face <= c.mesh.InnerFaceCount(); ++face) {
@@ -71,7 +71,7 @@ TEST_P(InterpolationOnMesh, QuadraticFieldIsReproduced) {
     }
 }
 
-TEST_P(InterpolationOnMesh, CloudStaysInTheDonorsGridAmongActiveCells) {
+TEST_P(InterpolationOnMesh, CloudConsistsOfActiveCellsOfTheDonorsGrid) {
     const MeshCase c(GetParam());
     const CellFaces cellFaces(c.mesh);
     const DonorInterpolation interpolation(c.mesh, c.link, cellFaces);
@@ -83,7 +83,8 @@ TEST_P(InterpolationOnMesh, CloudStaysInTheDonorsGridAmongActiveCells) {
             ASSERT_EQ(c.mesh.cavity[cell], c.mesh.cavity[query.first]);
         }
         std::sort(cloud.begin(), cloud.end());
-        ASSERT_EQ(std::adjacent_find(cloud.begin(), cloud.end()), cloud.end()) << "a cell twice";
+        ASSERT_EQ(std::adjacent_find(cloud.begin(), cloud.end()), cloud.end())
+            << "the cloud holds a cell twice";
     }
 }
 
@@ -92,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(Meshes, InterpolationOnMesh,
                                          oversetTetrahedra),
                          MeshName);
 
-TEST(InterpolationEdge, InteriorCloudOfAPlaneGridIsTheDiamondOfThirteen) {
+TEST(InterpolationEdge, LargestCloudOfAPlaneGridHasThirteenCells) {
     const MeshCase c(boxHexahedra);
     const CellFaces cellFaces(c.mesh);
     const DonorInterpolation interpolation(c.mesh, c.link, cellFaces);
@@ -104,8 +105,8 @@ TEST(InterpolationEdge, InteriorCloudOfAPlaneGridIsTheDiamondOfThirteen) {
     EXPECT_EQ(largest, 13u);
 }
 
-TEST(InterpolationEdge, TooSmallACloudGivesNoFit) {
-    // In a corner the cloud has 6 cells, two less than basis + 2.
+TEST(InterpolationEdge, CloudThatIsTooSmallGivesNoFit) {
+    // In a corner the cloud has 6 cells, two less than the 6 basis functions plus 2.
     const MeshCase c(boxHexahedra);
     const CellFaces cellFaces(c.mesh);
     const DonorInterpolation interpolation(c.mesh, c.link, cellFaces);

@@ -30,7 +30,7 @@ BoundaryConditions AllValues(const MeshCase& c, double value) {
             }};
 }
 
-/// A matrix on a mesh, with the flux of a constant velocity.
+/// An equation on a mesh with the flux of a constant velocity.
 class EquationSetup {
 public:
     explicit EquationSetup(const MeshChoice& choice, FarPoint farPoint = FarPoint::LinearUpwind,
@@ -46,7 +46,7 @@ public:
 
     int StoredEntries() const { return equation.matrix.Ia[records.gv.NcAll + 1] - 1; }
 
-    /// Entries of a row by column: the storage order carries no meaning.
+    /// Entries of a row by column. The storage order has no meaning for the comparison.
     std::map<int, double> Row(int row) const {
         std::map<int, double> entries;
         for (int k = equation.matrix.Ia[row]; k < equation.matrix.Ia[row + 1]; ++k) {
@@ -76,7 +76,7 @@ void ExpectEqualMatrices(const EquationSetup& a, const EquationSetup& b, double 
 
 class EquationOnMesh : public testing::TestWithParam<MeshChoice> {};
 
-TEST_P(EquationOnMesh, PatternHoldsEverythingTheOperatorsTouch) {
+TEST_P(EquationOnMesh, PatternHoldsEveryEntryThatTheOperatorsAddTo) {
     EquationSetup s(GetParam());
     const int declared = s.StoredEntries();
     CKVX_ART_MatOperator operators(&s.equation.matrix, &s.records.gv);
@@ -106,18 +106,18 @@ TEST_P(EquationOnMesh, NearPatternHoldsDiffusionUpwindAndCentral) {
     EXPECT_EQ(s.StoredEntries(), declared);
 }
 
-TEST_P(EquationOnMesh, ConvectionRowSumsAreNetFluxes) {
+TEST_P(EquationOnMesh, RowSumsOfConvectionAreNetFluxes) {
     EquationSetup s(GetParam());
     CKVX_ART_MatOperator(&s.equation.matrix, &s.records.gv).ConvectionOperatorQUICK(1.0, &s.flux);
     std::vector<double> ones(s.records.gv.NcAll + 1, 1.0);
 
-    // A constant velocity: every closed cell has no net flux.
+    // The velocity is constant, so the net flux out of every closed cell is zero.
     for (int cell = 1; cell <= s.c.mesh.CellCount(); ++cell) {
         ASSERT_NEAR(s.equation.matrix.DotProduct(cell, ones.data()), 0.0, 1e-12) << cell;
     }
 }
 
-TEST_P(EquationOnMesh, DiffusionOfAConstantVanishes) {
+TEST_P(EquationOnMesh, DiffusionOfAConstantFieldVanishes) {
     EquationSetup s(GetParam());
     CKVX_ART_MatOperator(&s.equation.matrix, &s.records.gv).DiffusionOperator(-1.0);
     std::vector<double> ones(s.records.gv.NcAll + 1, 1.0);
@@ -127,7 +127,7 @@ TEST_P(EquationOnMesh, DiffusionOfAConstantVanishes) {
     }
 }
 
-TEST_P(EquationOnMesh, PureLaplaceEqualsDiffusionWithUnitCoefficient) {
+TEST_P(EquationOnMesh, LaplaceOperatorEqualsDiffusionWithCoefficientOne) {
     EquationSetup laplace(GetParam());
     EquationSetup diffusion(GetParam());
     CKVX_ART_MatOperator(&laplace.equation.matrix, &laplace.records.gv).PureLaplaceOperator(-1.0);
@@ -136,10 +136,10 @@ TEST_P(EquationOnMesh, PureLaplaceEqualsDiffusionWithUnitCoefficient) {
     ExpectEqualMatrices(laplace, diffusion, 0.0);
 }
 
-TEST_P(EquationOnMesh, CombinedOperatorEqualsUpwindPlusDiffusionInside) {
+TEST_P(EquationOnMesh, CombinedOperatorEqualsUpwindPlusDiffusionOnInnerFaces) {
     EquationSetup combined(GetParam());
     EquationSetup separate(GetParam());
-    // No flux near zero, where the combined operator drops the term: shift what is there.
+    // The combined operator drops fluxes near zero, so such fluxes are made larger here.
     const auto awayFromZero = [](EquationSetup& s) {
         for (int face = 1; face <= s.c.mesh.InnerFaceCount(); ++face) {
             for (double* side : {s.flux.left, s.flux.right}) {
@@ -156,8 +156,8 @@ TEST_P(EquationOnMesh, CombinedOperatorEqualsUpwindPlusDiffusionInside) {
     operators.ConvectionOperator(true, 1.0, &separate.flux);
     operators.DiffusionOperator(-1.0);
 
-    // Fluxes of exactly zero stand on no face of these meshes but dead sides and faces along the
-    // flow, where both operators add nothing or a zero.
+    // Fluxes of exactly zero occur only on sides of cut cells and on faces parallel to the flow,
+    // where both operators add nothing or zero.
     ExpectEqualMatrices(combined, separate, 1e-12);
 }
 
@@ -183,7 +183,7 @@ INSTANTIATE_TEST_SUITE_P(Meshes, EquationOnMesh,
                                          oversetPrisms, oversetTetrahedra),
                          MeshName);
 
-TEST(EquationGhosts, RowsSayValueZeroGradientAndMirror) {
+TEST(EquationGhosts, GhostRowsHoldValueZeroGradientAndMirrorConditions) {
     EquationSetup s(oversetPair);
     const BoundaryConditions conditions(s.c.mesh, s.c.link, [](Boundary kind, int) {
         return kind == Boundary::Outlet ? GhostCondition{GhostCondition::Kind::ZeroGradient, 0.0}
@@ -193,7 +193,7 @@ TEST(EquationGhosts, RowsSayValueZeroGradientAndMirror) {
     s.equation.CloseRows(conditions);
     std::vector<double> rhs(s.records.gv.NcAll + 1, 0.0);
     s.equation.FillGhostRows(conditions, rhs);
-    // Any cell values; ghosts filled from them must satisfy their rows.
+    // Whatever the cell values are, ghosts computed from them satisfy their rows.
     std::vector<double> phi(s.records.gv.NcAll + 1);
     for (int cell = 0; cell < static_cast<int>(phi.size()); ++cell) {
         phi[cell] = 0.1 * (cell % 17);
@@ -208,7 +208,7 @@ TEST(EquationGhosts, RowsSayValueZeroGradientAndMirror) {
               phi[s.c.mesh.Faces(Boundary::Outlet)[1].cell]);
 }
 
-TEST(EquationGhosts, RowsAreScaledByTheDiagonalOfTheirCell) {
+TEST(EquationGhosts, GhostRowsAreScaledByTheDiagonalOfTheirCell) {
     EquationSetup s(boxHexahedra);
     CKVX_ART_MatOperator(&s.equation.matrix, &s.records.gv).DiffusionOperator(-1.0);
     s.equation.CloseRows(AllValues(s.c, 1.0));
@@ -219,7 +219,7 @@ TEST(EquationGhosts, RowsAreScaledByTheDiagonalOfTheirCell) {
     EXPECT_GT(s.equation.matrix.GetDiagonalValue(ghost), 0.0);
 }
 
-TEST(EquationGhosts, ScalesOfTheCallerAreTaken) {
+TEST(EquationGhosts, GhostRowsAreScaledByTheScalesOfTheCaller) {
     EquationSetup s(boxHexahedra);
     const std::vector<double> scale(s.c.mesh.CellCount() + 1, 7.0);
     s.equation.CloseRows(AllValues(s.c, 2.0), scale);
@@ -231,7 +231,7 @@ TEST(EquationGhosts, ScalesOfTheCallerAreTaken) {
     EXPECT_EQ(rhs[ghost], 14.0);
 }
 
-TEST(EquationSolve, ReachesTheTrueResidualThatItReports) {
+TEST(EquationSolve, ReportsTheTrueResidual) {
     EquationSetup s(boxPrisms);
     CKVX_ART_MatOperator(&s.equation.matrix, &s.records.gv).DiffusionOperator(-1.0);
     const BoundaryConditions conditions = AllValues(s.c, 1.0);
@@ -251,14 +251,14 @@ TEST(EquationSolve, ReachesTheTrueResidualThatItReports) {
     }
 }
 
-TEST(EquationSolve, CallsAgainUntilTheTargetAndNotMoreThanAllowed) {
+TEST(EquationSolve, CallsTheSolverAgainUntilTheTargetOrTheLargestNumberOfCalls) {
     EquationSetup s(boxPrisms);
     CKVX_ART_MatOperator(&s.equation.matrix, &s.records.gv).DiffusionOperator(-1.0);
     const BoundaryConditions conditions = AllValues(s.c, 1.0);
     s.equation.CloseRows(conditions);
     std::vector<double> rhs(s.records.gv.NcAll + 1, 0.0);
     s.equation.FillGhostRows(conditions, rhs);
-    s.equation.solver.SetTimes(2);  // far too few for one call
+    s.equation.solver.SetTimes(2);  // not enough for one call
 
     std::vector<double> phi(s.records.gv.NcAll + 1, 0.0);
     const host::SolveReport report = s.equation.Solve(rhs, phi, 1e-10, 3);
@@ -268,7 +268,7 @@ TEST(EquationSolve, CallsAgainUntilTheTargetAndNotMoreThanAllowed) {
     EXPECT_EQ(report.iterations, 6);
 }
 
-TEST(EquationSolve, SolvedFieldNeedsNoCall) {
+TEST(EquationSolve, DoesNotCallTheSolverForASolvedField) {
     EquationSetup s(boxHexahedra);
     CKVX_ART_MatOperator(&s.equation.matrix, &s.records.gv).DiffusionOperator(-1.0);
     const BoundaryConditions conditions = AllValues(s.c, 0.0);

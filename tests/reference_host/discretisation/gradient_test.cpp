@@ -13,7 +13,7 @@ using host::GradientSet;
 
 class GradientOnMesh : public testing::TestWithParam<MeshChoice> {};
 
-TEST_P(GradientOnMesh, VelocitySetIsExactForALinearField) {
+TEST_P(GradientOnMesh, VelocityGradientIsExactForALinearField) {
     const MeshCase c(GetParam());
     const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
                                   GradientSet::Velocity);
@@ -28,7 +28,7 @@ TEST_P(GradientOnMesh, VelocitySetIsExactForALinearField) {
     }
 }
 
-TEST_P(GradientOnMesh, CutCellsHaveNone) {
+TEST_P(GradientOnMesh, CutCellsHaveNoGradient) {
     const MeshCase c(GetParam());
     const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
                                   GradientSet::Velocity);
@@ -38,7 +38,7 @@ TEST_P(GradientOnMesh, CutCellsHaveNone) {
     }
 }
 
-TEST_P(GradientOnMesh, PressureSetReadsNoInletNoPhysicalWallAndNoSymmetryGhost) {
+TEST_P(GradientOnMesh, PressureGradientUsesNoGhostOfInletPhysicalWallOrSymmetry) {
     const MeshCase c(GetParam());
     const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
                                   GradientSet::Pressure);
@@ -74,7 +74,7 @@ TEST_P(GradientOnMesh, WeightsSumToZero) {
 
 INSTANTIATE_TEST_SUITE_P(Meshes, GradientOnMesh, testing::ValuesIn(AllMeshes()), MeshName);
 
-TEST(GradientOfTetrahedra, ReadsTheNeighboursOfTheNeighbours) {
+TEST(GradientOfTetrahedra, UsesTheNeighborsOfTheNeighbors) {
     const MeshCase c(oversetTetrahedra);
     const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
                                   GradientSet::Pressure);
@@ -85,15 +85,15 @@ TEST(GradientOfTetrahedra, ReadsTheNeighboursOfTheNeighbours) {
             continue;
         }
         ++tetrahedra;
-        // Itself, and at a wall three neighbours with three more each, fewer in a corner.
+        // The cell itself and up to four neighbors with three further ones each, fewer at a wall.
         ASSERT_GE(gradients[cell].Terms().size(), 7u) << "cell " << cell;
         ASSERT_LE(gradients[cell].Terms().size(), 17u) << "cell " << cell;
     }
     EXPECT_GT(tetrahedra, 1000);
 }
 
-TEST(GradientByHand, UniformInteriorCellTakesCentralDifferences) {
-    const MeshCase c(boxHexahedra);  // cells of 0.2
+TEST(GradientByHand, InnerCellOfAUniformGridHasCentralDifferences) {
+    const MeshCase c(boxHexahedra);  // cells of size 0.2
     const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh),
                                   GradientSet::Velocity);
     int middle = 0;
@@ -105,7 +105,7 @@ TEST(GradientByHand, UniformInteriorCellTakesCentralDifferences) {
 
     const host::Stencil alongX = gradients[middle].Along(host::Vec3::UnitX());
 
-    // 1 / (2 h) at the neighbours to the east and west, nothing elsewhere but rounding.
+    // The weights are +-1 / (2 h) at the two neighbors in x and zero up to rounding elsewhere.
     for (const host::Stencil::Term& term : alongX.Terms()) {
         const double dx = c.mesh.cellCentre[term.column][0] - 2.1;
         const double expected = std::abs(dx) > 0.1 ? 2.5 * (dx > 0 ? 1 : -1) : 0.0;

@@ -13,7 +13,7 @@
 #include "reference_host/mesh/mesh_reader.h"
 #include "reference_host/physics/manufactured.h"
 
-/// A shipped mesh by a name that fits into a test's name.
+/// A mesh of the reference host, with a name that can be part of a test name.
 struct MeshChoice {
     const char* name;
     const char* file;
@@ -28,20 +28,20 @@ inline std::string ShippedMesh(const std::string& file) {
     return std::string(KVX3D_TEST_MESH_DIR) + "/" + file;
 }
 
-/// A mesh with its host objects and donors, as every case sets them up.
+/// A mesh with its host objects and donors, set up as every case does it.
 struct MeshCase {
     explicit MeshCase(const MeshChoice& choice)
         : mesh(host::ReadMesh(ShippedMesh(choice.file), choice.parameters)),
           objects(mesh, "."),
           link(mesh, objects) {}
 
-    /// A linear field that fits the mesh: within the planes of its symmetry faces.
+    /// A linear field whose gradient is parallel to the symmetry faces of the mesh.
     host::AnalyticField Linear() const {
         const bool hasSymmetry = mesh.FaceCount(host::Boundary::Symmetry) > 0;
         return host::LinearField({1.3, -0.7, hasSymmetry ? 0.0 : 0.9}, 0.4);
     }
 
-    /// Values of a field at every cell and, on boundary faces, at the face centre of the ghost.
+    /// Values of a field at the centers of all cells and, for ghosts, of their boundary faces.
     std::vector<double> Sample(const host::AnalyticField& field) const {
         std::vector<double> values(objects.CellAndGhostCount() + 1, 0.0);
         for (int cell = 1; cell <= mesh.CellCount(); ++cell) {

@@ -15,8 +15,8 @@ using host::MatrixSolver;
 using host::Scheme;
 using host::SolverMatrix;
 
-/// Row i: 4 at the diagonal, -1 before it, -2 behind it, and two corners that keep the
-/// preconditioner from being the inverse.
+/// Tridiagonal with 4 on the diagonal, -1 before and -2 after it. Two further entries in the
+/// corners make the preconditioner differ from the inverse.
 void FillBand(CKVX_ART_SparseMatrix& A) {
     const int n = A.GetRowsN();
     for (int row = 1; row <= n; ++row) {
@@ -42,12 +42,12 @@ double Residual(SolverMatrix& A, const std::vector<double>& b, std::vector<doubl
 
 class SolverMatrixOfKind : public testing::TestWithParam<MatrixSolver> {};
 
-TEST_P(SolverMatrixOfKind, SolvesByTheSolverItWasMadeFor) {
+TEST_P(SolverMatrixOfKind, SolvesWithTheSolverOfItsConstruction) {
     SolverMatrix A(5, GetParam());
     FillBand(A.Matrix());
     A.SetTolerance(1e-12);
     A.SetTimes(100);
-    const std::vector<double> b = {0, 1, 1, 1, 1, 1};  // of x = 1
+    const std::vector<double> b = {0, 1, 1, 1, 1, 1};  // the solution is x = 1
     std::vector<double> x(6, 0.0);
 
     const int iterations = A.Solve(b, x);
@@ -59,12 +59,12 @@ TEST_P(SolverMatrixOfKind, SolvesByTheSolverItWasMadeFor) {
     }
 }
 
-TEST_P(SolverMatrixOfKind, AFairFirstGuessIsNoSolution) {
+TEST_P(SolverMatrixOfKind, ImprovesAFairFirstGuess) {
     SolverMatrix A(5, GetParam());
     FillBand(A.Matrix());
     A.SetTolerance(1e-2);
     const std::vector<double> b = {0, 1, 1, 1, 1, 1};
-    std::vector<double> x = {0, 1.001, 0.999, 1, 1, 1};  // within 1e-2 of b already
+    std::vector<double> x = {0, 1.001, 0.999, 1, 1, 1};  // its residual is below 1e-2 |b|
     const double before = Residual(A, b, x);
 
     A.Solve(b, x);
@@ -72,7 +72,7 @@ TEST_P(SolverMatrixOfKind, AFairFirstGuessIsNoSolution) {
     EXPECT_LT(Residual(A, b, x), 0.1 * before);
 }
 
-TEST_P(SolverMatrixOfKind, HasANameThatFindsItAgain) {
+TEST_P(SolverMatrixOfKind, IsFoundByItsName) {
     EXPECT_EQ(host::MatrixSolverNamed(host::Name(GetParam())), GetParam());
 }
 
@@ -80,14 +80,14 @@ INSTANTIATE_TEST_SUITE_P(Both, SolverMatrixOfKind,
                          testing::Values(MatrixSolver::Bicgstab, MatrixSolver::Samg),
                          [](const auto& given) { return std::string(host::Name(given.param)); });
 
-TEST(SolverMatrixNames, OtherNamesFindNothing) {
+TEST(SolverMatrixNames, OtherNamesBelongToNoSolver) {
     EXPECT_FALSE(host::MatrixSolverNamed("gauss").has_value());
     EXPECT_FALSE(host::MatrixSolverNamed("").has_value());
 }
 
 class BothSolvers : public testing::TestWithParam<std::tuple<MeshChoice, Scheme>> {};
 
-TEST_P(BothSolvers, GiveOneField) {
+TEST_P(BothSolvers, GiveTheSameField) {
     const auto& [choice, scheme] = GetParam();
     OutputCapture quiet;
     MeshCase c(choice);
@@ -105,7 +105,7 @@ TEST_P(BothSolvers, GiveOneField) {
     EXPECT_GT(samg.solve.calls, 0);
     EXPECT_EQ(samg.solve.iterations, 0);
     for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
-        // Residuals are down by 1e-10, the solution's size is 1.
+        // The residuals are reduced by 1e-10, and the solution is of size 1.
         ASSERT_NEAR(bicgstab.phi[cell], samg.phi[cell], 1e-7) << cell;
     }
 }
@@ -119,13 +119,14 @@ INSTANTIATE_TEST_SUITE_P(Meshes, BothSolvers,
                                           testing::Values(Scheme::Diffusion, Scheme::LinearUpwind,
                                                           Scheme::Quick)),
                          BothName);
-// Not with QUICK, which on tetrahedra is a hard matrix: the library ends just above the target.
+// Without QUICK, whose matrix on tetrahedra is hard to solve: the external solver ends just above
+// the target.
 INSTANTIATE_TEST_SUITE_P(Tetrahedra, BothSolvers,
                          testing::Combine(testing::Values(oversetTetrahedra),
                                           testing::Values(Scheme::Diffusion, Scheme::LinearUpwind)),
                          BothName);
 
-TEST(BothSolversOnHeat, GiveOneBalance) {
+TEST(BothSolversOnHeat, GiveTheSameHeatBalance) {
     OutputCapture quiet;
     MeshCase c({"Channel", "channel_cylinder_overset.geo", {{"n", 5}}});
     host::HeatProblem bicgstab(c.mesh, c.objects, c.link, MatrixSolver::Bicgstab);

@@ -69,7 +69,7 @@ TEST_P(StencilsOnMesh, LinearFieldIsExactAtInnerFaces) {
             const InnerStencils s = builder.Inner(face, farPoint);
             ASSERT_NEAR(s.face.Apply(phi), value, 1e-11) << "face " << face;
             ASSERT_NEAR(s.normal.Apply(phi), normal, 1e-11) << "face " << face;
-            // The value at the face, as the two schemes compose it for either flux direction.
+            // The face value by linear upwind and by QUICK, for both directions of the flux.
             const double left = s.left.Apply(phi), right = s.right.Apply(phi);
             const double farLeft = s.far.left.Apply(phi), farRight = s.far.right.Apply(phi);
             if (farPoint == FarPoint::LinearUpwind) {
@@ -112,7 +112,7 @@ TEST_P(StencilsOnMesh, MirroredGhostIsExactForALinearField) {
     }
 }
 
-TEST_P(StencilsOnMesh, NoInterpolationFallsBack) {
+TEST_P(StencilsOnMesh, EveryInterpolationIsQuadratic) {
     for (int face = 1; face <= c.mesh.InnerFaceCount(); ++face) {
         if (IsLive(face)) {
             builder.Inner(face, FarPoint::Quick);
@@ -127,7 +127,7 @@ TEST_P(StencilsOnMesh, NoInterpolationFallsBack) {
     EXPECT_EQ(builder.FallbackCount(), 0);
 }
 
-TEST_P(StencilsOnMesh, SymmetryFacesAndFacesOfCutCellsAreSilent) {
+TEST_P(StencilsOnMesh, SymmetryFacesAndFacesOfCutCellsAddNothing) {
     for (const Boundary kind : host::allBoundaries) {
         for (int face = 1; face <= c.mesh.FaceCount(kind); ++face) {
             const bool cut = !c.link.IsActive(c.mesh.Faces(kind)[face].cell);
@@ -138,14 +138,14 @@ TEST_P(StencilsOnMesh, SymmetryFacesAndFacesOfCutCellsAreSilent) {
 
 INSTANTIATE_TEST_SUITE_P(Meshes, StencilsOnMesh, testing::ValuesIn(AllMeshes()), MeshName);
 
-/// The uniform box with cells of 0.2, where every stencil is a textbook one. Gmsh places its nodes
-/// to twelve digits.
+/// The uniform box with cells of size 0.2, on which the stencils are known from textbooks. The
+/// coordinates that Gmsh gives are exact to twelve digits.
 class UniformStencils : public testing::Test {
 protected:
     UniformStencils()
         : c(boxHexahedra), builder(c.mesh, c.objects, c.link, GradientSet::Velocity) {}
 
-    /// The face whose first and second cell lie around `x` on the line y = 2.1, or 0.
+    /// The face on the line y = 2.1 whose two cells lie on both sides of `x`, or 0.
     int FaceAt(double x) const {
         for (int face = 1; face <= c.mesh.InnerFaceCount(); ++face) {
             if ((c.mesh.innerFaces[face].centre - Vec3(x, 2.1, 0.1)).norm() < 1e-9) {
@@ -168,7 +168,7 @@ protected:
     const StencilBuilder builder;
 };
 
-TEST_F(UniformStencils, FaceAndNormalAreTwoCells) {
+TEST_F(UniformStencils, FaceValueAndNormalDerivativeUseTwoCells) {
     const int face = FaceAt(2.0);
     ASSERT_GT(face, 0);
     const InnerStencils at = builder.Inner(face, FarPoint::Quick);
@@ -177,11 +177,11 @@ TEST_F(UniformStencils, FaceAndNormalAreTwoCells) {
     EXPECT_NEAR(at.face.Weight(CellAt(1.9)), 0.5, 1e-10);
     EXPECT_NEAR(at.face.Weight(CellAt(2.1)), 0.5, 1e-10);
     EXPECT_EQ(at.normal.Terms().size(), 2u);
-    // Area 0.2 * 0.2 over the distance 0.2.
+    // The area 0.2 * 0.2 divided by the distance 0.2.
     EXPECT_NEAR(std::abs(at.normal.Weight(CellAt(2.1))), 0.2, 1e-10);
 }
 
-TEST_F(UniformStencils, FarPointsAreTheCellsBehind) {
+TEST_F(UniformStencils, FarPointsAreTheNextCellsUpstream) {
     const int face = FaceAt(2.0);
     ASSERT_GT(face, 0);
     const bool forward = c.mesh.innerFaces[face].owner == CellAt(1.9);
@@ -197,16 +197,16 @@ TEST_F(UniformStencils, FarPointsAreTheCellsBehind) {
     }
 }
 
-TEST_F(UniformStencils, BoundaryNormalIsTheHalfCellDifference) {
+TEST_F(UniformStencils, BoundaryDerivativeIsTheDifferenceOverHalfACell) {
     for (int face = 1; face <= c.mesh.FaceCount(Boundary::Wall); ++face) {
         const BoundaryStencils at = builder.AtBoundary(Boundary::Wall, face);
         ASSERT_EQ(at.normal.Terms().size(), 2u);
-        // Area 0.2 * 0.2 over half a cell.
+        // The area 0.2 * 0.2 divided by half a cell size.
         ASSERT_NEAR(at.normal.Weight(c.objects.Ghost(Boundary::Wall, face)), 0.4, 1e-10);
     }
 }
 
-TEST(StencilSides, HoleBoundaryReadsTheDonorsGridOnTheCutSideOnly) {
+TEST(StencilSides, HoleBoundaryUsesTheDonorsGridOnTheCutSideOnly) {
     const MeshCase c(oversetPair);
     const StencilBuilder builder(c.mesh, c.objects, c.link, GradientSet::Velocity);
     int checked = 0;

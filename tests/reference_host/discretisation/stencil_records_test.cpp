@@ -13,7 +13,7 @@ using host::GradientSet;
 using host::StencilBuilder;
 using host::StencilRecords;
 
-/// True if all nine pairs can be read and none has a term.
+/// Whether all nine stencils exist and none has a term.
 bool IsEmpty(const CMAFVMFaceData& record) {
     for (const int* ids :
          {record.idFace, record.idNormal, record.idAux1, record.idAux2, record.idAux3,
@@ -37,7 +37,7 @@ protected:
     StencilRecords records;
 };
 
-TEST_P(RecordsOnMesh, OnlyLiveSidesCarryStencils) {
+TEST_P(RecordsOnMesh, OnlySidesOfActiveCellsHaveStencils) {
     for (int face = 1; face <= c.mesh.InnerFaceCount(); ++face) {
         const FaceSide side = c.link.Side(face);
         const bool leftLive = side == FaceSide::Both || side == FaceSide::DonorIsSecond;
@@ -63,14 +63,14 @@ TEST_P(RecordsOnMesh, SymmetryRecordsAreEmpty) {
     }
 }
 
-TEST_P(RecordsOnMesh, CellIdsOfTheToolboxAreTheDonorsOfTheLink) {
+TEST_P(RecordsOnMesh, CellPairsOfTheToolboxHoldTheDonors) {
     for (int face = 1; face <= c.mesh.InnerFaceCount(); ++face) {
         ASSERT_EQ(records.gv.Ce23[0][face], c.link.First(face));
         ASSERT_EQ(records.gv.Ce23[1][face], c.link.Second(face));
     }
 }
 
-TEST_P(RecordsOnMesh, ChangedFarPointsEqualFreshOnes) {
+TEST_P(RecordsOnMesh, ReplacedFarPointsEqualNewOnes) {
     records.SetFarPoint(FarPoint::Quick);
     const StencilRecords fresh(builder, c.objects, FarPoint::Quick);
 

@@ -8,7 +8,7 @@ using host::GradientStencil;
 using host::Stencil;
 using host::Vec3;
 
-TEST(StencilSum, EqualColumnsMergeInPlace) {
+TEST(StencilSum, TermsOfOneColumnAreAddedInPlace) {
     Stencil stencil(7, 2.0);
     stencil.Add(3, 1.0);
 
@@ -40,7 +40,7 @@ TEST(StencilSum, AppliesToAFieldByCellId) {
     EXPECT_EQ(stencil.Apply({99.0, 5.0, 7.0}), 3.0 * 7.0 - 5.0);
 }
 
-TEST(StencilSum, GradientAlongADirectionLeavesOutWhatVanishes) {
+TEST(StencilSum, GradientAlongADirectionLeavesOutTermsOfWeightZero) {
     GradientStencil gradient;
     gradient.Add(1, Vec3(2.0, 0.0, 0.0));
     gradient.Add(2, Vec3(0.0, 4.0, 0.0));

@@ -10,35 +10,37 @@
 #include "reference_host/mesh/mesh.h"
 #include "reference_host/mesh/mesh_reader.h"
 
-/// Geometries that come with the host.
+/// Mesh geometries of the reference host.
 constexpr const char* channelGeo = "channel_cylinder_overset.geo";
 constexpr const char* boxGeo = "box_annulus_overset.geo";
 constexpr const char* sphereGeo = "box_sphere_overset.geo";
 
-/// Path of one of them.
+/// Path of such a geometry.
 std::string ShippedGeo(const std::string& file);
 
-/// Reads one of them.
+/// Reads such a geometry.
 host::Mesh ReadShipped(const std::string& file, const host::MeshParameters& parameters);
 
-/// Reads one of them after replacing texts in it; each must occur.
+/// Reads such a geometry after replacing texts in it.
+/// @throws std::logic_error  a text to replace does not occur
 host::Mesh ReadEdited(const std::string& file, const host::MeshParameters& parameters,
                       const std::vector<std::pair<std::string, std::string>>& replacements);
 
 /// Writes `text` to a file of this name in a new directory and reads it as a mesh.
 host::Mesh ReadText(const std::string& text, const std::string& file = "mesh.geo");
 
-/// A .msh file in the making: nodes and elements with their physical group.
+/// Builds the text of a .msh file from nodes and from elements with their physical groups.
 class MshText {
 public:
-    /// Adds the node and answers its number.
+    /// Adds a node and returns its number.
     int Node(double x, double y, double z);
-    /// Adds a hexahedron 1 x 1 x 1 whose lowest corner is (x, 0, 0), with nodes of its own unless
-    /// some are there already, so that boxes at 0, 1, 2 form a row.
+    /// Adds a hexahedron 1 x 1 x 1 whose lowest corner is (x, 0, 0). Nodes that exist at its
+    /// corners are used again, so that boxes at 0, 1 and 2 form a row.
     void Box(const std::string& group, double x);
-    /// Names a side of the box at x: '-' and '+' in x, 'd' the four sides around it.
+    /// Puts a side of the box at x into a group: '-' or '+' is the end in that direction of x, 'd'
+    /// the four sides between the ends.
     void BoxSide(const std::string& group, double x, char side);
-    /// Adds an element by Gmsh's type number. An empty group leaves it outside every group.
+    /// Adds an element by its type number in Gmsh. It belongs to no group if `group` is empty.
     void Element(int type, const std::string& group, const std::vector<int>& nodes);
 
     /// @param tagStep  distance between the numbers of two nodes in the file
@@ -57,7 +59,7 @@ private:
     std::vector<Entry> elements;
 };
 
-/// What of the std::exception that `call` throws; empty if it throws none.
+/// The what() of the std::exception that `call` throws, or an empty text if it throws none.
 template <class Call>
 std::string ErrorOf(Call call) {
     try {
@@ -68,13 +70,13 @@ std::string ErrorOf(Call call) {
     return "";
 }
 
-/// Test name of a case that has a `name`.
+/// Name of a parameterized test whose parameter has a member `name`.
 template <class Case>
 std::string CaseName(const testing::TestParamInfo<Case>& given) {
     return given.param.name;
 }
 
-/// Whether a line contains all the words.
+/// Whether one of the lines contains all words.
 bool HasLine(const std::vector<std::string>& lines, const std::vector<std::string>& words);
 
 #endif

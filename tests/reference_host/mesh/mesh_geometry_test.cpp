@@ -20,7 +20,7 @@ using host::Vec3;
 using testing::AllOf;
 using testing::HasSubstr;
 
-/// One hexahedron, the column of height 1 over a quadrangle of the x-y plane.
+/// A mesh of one hexahedron, the prism of height 1 over a quadrangle in the x-y plane.
 Mesh Column(const double (&corner)[4][2]) {
     MshText msh;
     std::vector<int> nodes;
@@ -58,7 +58,7 @@ Mesh EightCubes() {
 }
 
 TEST(MeshGeometry, PlaneFaceHasItsCentroidAndNotItsNodeMean) {
-    // Trapezoid with parallel sides 4 and 1 at height 0 and 3.
+    // A trapezoid with parallel sides of lengths 4 and 1 at the heights 0 and 3.
     const Mesh mesh = Column({{0, 0}, {4, 0}, {1, 3}, {0, 3}});
 
     const auto& walls = mesh.Faces(Boundary::Wall);
@@ -103,7 +103,7 @@ TEST(MeshGeometry, NeighborsShareAWarpedFaceWithoutGapOrOverlap) {
     host::ComputeGeometry(mesh);
 
     EXPECT_NEAR(std::accumulate(mesh.volume.begin() + 1, mesh.volume.end(), 0.0), 8.0,
-                1e-10);  // Gmsh's own rounding
+                1e-10);  // rounding of the coordinates by Gmsh
     EXPECT_GT(*std::max_element(mesh.volume.begin() + 1, mesh.volume.end()), 1.1);
 }
 
@@ -118,7 +118,7 @@ protected:
     const Mesh mesh = ReadShipped(GetParam().file, GetParam().parameters);
 };
 
-TEST_P(GeometryOfShippedMesh, InnerFacesPointFromTheLowerOwnerToTheNeighbor) {
+TEST_P(GeometryOfShippedMesh, InnerFacesPointFromTheOwnerOfLowerIdToTheNeighbor) {
     for (int i = 1; i <= mesh.InnerFaceCount(); ++i) {
         const InnerFace& face = mesh.innerFaces[i];
         const Vec3 d = mesh.cellCentre[face.neighbor] - mesh.cellCentre[face.owner];
@@ -127,7 +127,7 @@ TEST_P(GeometryOfShippedMesh, InnerFacesPointFromTheLowerOwnerToTheNeighbor) {
     }
 }
 
-TEST_P(GeometryOfShippedMesh, BoundaryFacesPointOutwards) {
+TEST_P(GeometryOfShippedMesh, BoundaryFacesPointOutward) {
     for (Boundary kind : host::allBoundaries) {
         for (int i = 1; i <= mesh.FaceCount(kind); ++i) {
             const BoundaryFace& face = mesh.Faces(kind)[i];
@@ -153,7 +153,7 @@ TEST_P(GeometryOfShippedMesh, EveryCellIsClosed) {
     }
 }
 
-TEST_P(GeometryOfShippedMesh, VolumesAreTheFluxOfThePosition) {
+TEST_P(GeometryOfShippedMesh, VolumesEqualOneThirdOfTheFluxOfThePosition) {
     double volume = 0.0;
     double flux = 0.0;
     for (double v : mesh.volume) {
@@ -176,10 +176,9 @@ INSTANTIATE_TEST_SUITE_P(All, GeometryOfShippedMesh,
                                          Shipped{"Sphere", sphereGeo, {{"n", 4}}}),
                          CaseName<Shipped>);
 
-TEST(MeshGeometryFaults, CellThatIsNotClosed) {
+TEST(MeshGeometryFaults, CellThatIsNotClosedIsRefused) {
     Mesh mesh = EightCubes();
-    // The face as a bow tie: its area vanishes, as if the two cells saw its corners in another
-    // order.
+    // With two corners exchanged, the face crosses itself and its area vanishes.
     std::swap(mesh.innerFaces[1].nodes[1], mesh.innerFaces[1].nodes[2]);
 
     const std::string error = ErrorOf([&] { host::ComputeGeometry(mesh); });
@@ -187,7 +186,7 @@ TEST(MeshGeometryFaults, CellThatIsNotClosed) {
     EXPECT_THAT(error, AllOf(HasSubstr("cell 1 at ("), HasSubstr("is not closed")));
 }
 
-TEST(MeshGeometryFaults, CellTurnedInsideOut) {
+TEST(MeshGeometryFaults, CellTurnedInsideOutIsRefused) {
     Mesh mesh = EightCubes();
     for (Vec3& node : mesh.nodes) {
         node.x() = -node.x();
@@ -196,7 +195,7 @@ TEST(MeshGeometryFaults, CellTurnedInsideOut) {
     EXPECT_THAT(ErrorOf([&] { host::ComputeGeometry(mesh); }), HasSubstr("has volume -1: "));
 }
 
-TEST(MeshGeometryFaults, CellWithoutVolume) {
+TEST(MeshGeometryFaults, CellWithoutVolumeIsRefused) {
     Mesh mesh = EightCubes();
     for (Vec3& node : mesh.nodes) {
         node.z() = 0.0;

@@ -22,7 +22,7 @@ std::string GeoError(const std::string& text) {
     return ErrorOf([&] { ReadText(text); });
 }
 
-/// Two boxes in a row, all faces named.
+/// Two boxes in a row with all boundary faces in groups.
 MshText TwoBoxes() {
     MshText msh;
     msh.Box("background", 0);
@@ -34,7 +34,7 @@ MshText TwoBoxes() {
     return msh;
 }
 
-/// One box of a grid, all sides in one group.
+/// One box as a grid with all sides in one group.
 void AddGrid(MshText& msh, const std::string& volume, const std::string& surface, double x) {
     msh.Box(volume, x);
     for (char side : {'-', '+', 'd'}) {
@@ -42,29 +42,29 @@ void AddGrid(MshText& msh, const std::string& volume, const std::string& surface
     }
 }
 
-/// One cube of tetrahedra; physical groups are the caller's.
+/// A cube of tetrahedra with the physical groups that the caller gives.
 const std::string cube =
     "SetFactory(\"OpenCASCADE\");\nBox(1) = {0, 0, 0, 1, 1, 1};\nMesh.CharacteristicLengthMin = "
     "1;\n";
 
-TEST(MeshReaderFaults, FileIsMissing) {
+TEST(MeshReaderFaults, MissingFileIsReported) {
     EXPECT_EQ(ErrorOf([] { host::ReadMesh("nowhere/mesh.msh"); }),
               "nowhere/mesh.msh: no such file: give the path of a .msh or .geo file");
 }
 
-TEST(MeshReaderFaults, FileIsOfAnotherKind) {
+TEST(MeshReaderFaults, FileNameMustEndInMshOrGeo) {
     EXPECT_THAT(ErrorOf([] { ReadText("", "mesh.stl"); }), EndsWith("must end in .msh or .geo"));
 }
 
-TEST(MeshReaderFaults, ParameterIsUnknown) {
+TEST(MeshReaderFaults, UnknownParameterIsReported) {
     EXPECT_THAT(ErrorOf([] {
                     ReadShipped(boxGeo, {{"m", 5}});
                 }),
                 HasSubstr("there is no parameter \"m\": see its DefineConstant"));
 }
 
-TEST(MeshReaderFaults, ParameterIsAVariableWithoutAName) {
-    // A plain variable, the tail and the head of a parameter, no word at all, and nothing.
+TEST(MeshReaderFaults, VariableWithoutANameIsNoParameter) {
+    // A variable without a Name, the end and the beginning of a parameter, no identifier, no text.
     for (const char* variable : {"dz", "ind", "kin", "n|x", ""}) {
         EXPECT_THAT(ErrorOf([&] {
                         ReadShipped(boxGeo, {{variable, 5}});
@@ -73,54 +73,54 @@ TEST(MeshReaderFaults, ParameterIsAVariableWithoutAName) {
     }
 }
 
-TEST(MeshReaderFaults, ParameterForAMeshFile) {
+TEST(MeshReaderFaults, MeshFileHasNoParameters) {
     const std::string file = std::string(KVX3D_TEST_DATA_DIR) + "/four_shapes.msh";
 
     EXPECT_THAT(ErrorOf([&] {
                     host::ReadMesh(file, {{"n", 5}});
                 }),
-                AllOf(StartsWith(file), HasSubstr("takes no parameters, \"n\" was given")));
+                AllOf(StartsWith(file), HasSubstr("has no parameters, \"n\" was given")));
 }
 
-TEST(MeshReaderFaults, GmshErrorIsOneLineInItsWords) {
+TEST(MeshReaderFaults, ErrorOfGmshIsQuotedInOneLine) {
     const std::string error = GeoError("Volume(4) = {2};\n");
 
     EXPECT_THAT(error, AllOf(HasSubstr("mesh.geo: Gmsh reports \""), HasSubstr("surface loop 2"),
                              Not(HasSubstr("\n"))));
 }
 
-TEST(MeshReaderFaults, SyntaxErrorNamesTheLine) {
+TEST(MeshReaderFaults, SyntaxErrorNamesItsLine) {
     EXPECT_THAT(GeoError("\n\nfoo bar;\n"), AllOf(HasSubstr("Gmsh reports"), HasSubstr("line 3")));
 }
 
-TEST(MeshReaderFaults, MeshFileIsNoMesh) {
+TEST(MeshReaderFaults, TextThatIsNoMeshIsReported) {
     EXPECT_THAT(ErrorOf([] { ReadText("junk\n", "mesh.msh"); }),
                 HasSubstr("mesh.msh: Gmsh reports \""));
 }
 
-TEST(MeshReaderFaults, NoVolume) {
+TEST(MeshReaderFaults, ModelWithoutVolumeIsRefused) {
     EXPECT_THAT(GeoError("Point(1) = {0, 0, 0};\n"), HasSubstr("the file has no volume"));
 }
 
-TEST(MeshReaderFaults, VolumeGroupOfUnknownName) {
+TEST(MeshReaderFaults, VolumeGroupOfUnknownNameIsRefused) {
     EXPECT_THAT(GeoError(cube + "Physical Volume(\"fluid\", 7) = {1};"),
                 HasSubstr("physical volume group 7 is named \"fluid\": rename it to one of "
                           "background, component1, component2"));
 }
 
-TEST(MeshReaderFaults, SurfaceGroupOfUnknownName) {
+TEST(MeshReaderFaults, SurfaceGroupOfUnknownNameIsRefused) {
     MshText msh = TwoBoxes();
     msh.BoxSide("lid", 0, '-');
 
     EXPECT_THAT(MshError(msh), HasSubstr("physical surface group 17 is named \"lid\": rename it"));
 }
 
-TEST(MeshReaderFaults, GroupWithoutAName) {
+TEST(MeshReaderFaults, GroupWithoutANameIsRefused) {
     EXPECT_THAT(GeoError(cube + "Physical Volume(7) = {1};"),
                 HasSubstr("physical volume group 7 is named \"\""));
 }
 
-TEST(MeshReaderFaults, VolumeInNoGroup) {
+TEST(MeshReaderFaults, VolumeInNoGroupIsRefused) {
     MshText msh = TwoBoxes();
     msh.Box("", 5);
 
@@ -128,34 +128,34 @@ TEST(MeshReaderFaults, VolumeInNoGroup) {
                 HasSubstr("volume 99 with its cell at (5.5, 0.5, 0.5) is in no physical group"));
 }
 
-TEST(MeshReaderFaults, VolumeInTwoGroups) {
+TEST(MeshReaderFaults, VolumeInTwoGroupsIsRefused) {
     EXPECT_THAT(GeoError(cube + "Physical Volume(\"background\", 1) = {1};\n"
                                 "Physical Volume(\"component1\", 2) = {1};"),
                 HasSubstr("volume 1 is in two physical groups, \"background\" and \"component1\""));
 }
 
-TEST(MeshReaderFaults, SurfaceInTwoGroups) {
+TEST(MeshReaderFaults, SurfaceInTwoGroupsIsRefused) {
     EXPECT_THAT(GeoError(cube + "Physical Volume(\"background\", 1) = {1};\n"
                                 "Physical Surface(\"inlet\", 11) = {1};\n"
                                 "Physical Surface(\"wall\", 13) = {1:6};"),
                 HasSubstr("surface 1 is in two physical groups, \"inlet\" and \"wall\""));
 }
 
-TEST(MeshReaderFaults, BackgroundIsMissing) {
+TEST(MeshReaderFaults, MissingBackgroundIsReported) {
     MshText msh;
     AddGrid(msh, "component1", "overset1", 0);
 
     EXPECT_THAT(MshError(msh), HasSubstr("physical volume group \"background\" is missing"));
 }
 
-TEST(MeshReaderFaults, OnlyComponentIsCalledTheSecond) {
+TEST(MeshReaderFaults, OnlyComponentMustBeTheFirst) {
     MshText msh = TwoBoxes();
     AddGrid(msh, "component2", "overset2", 5);
 
     EXPECT_THAT(MshError(msh), HasSubstr("physical volume group \"component1\" is missing"));
 }
 
-TEST(MeshReaderFaults, ComponentWithoutOversetFaces) {
+TEST(MeshReaderFaults, ComponentWithoutOversetFacesIsRefused) {
     MshText msh = TwoBoxes();
     AddGrid(msh, "component1", "wall", 5);
 
@@ -163,14 +163,14 @@ TEST(MeshReaderFaults, ComponentWithoutOversetFaces) {
                                          "outer boundary of component1 into it"));
 }
 
-TEST(MeshReaderFaults, OversetFacesWithoutAComponent) {
+TEST(MeshReaderFaults, OversetFacesWithoutAComponentAreRefused) {
     MshText msh;
     AddGrid(msh, "background", "overset1", 0);
 
     EXPECT_THAT(MshError(msh), HasSubstr("group \"overset1\" but no volume group \"component1\""));
 }
 
-TEST(MeshReaderFaults, OversetFaceBesideTheBackground) {
+TEST(MeshReaderFaults, OversetFaceBesideTheBackgroundIsRefused) {
     MshText msh;
     AddGrid(msh, "background", "overset1", 0);
     AddGrid(msh, "component1", "overset1", 5);
@@ -180,7 +180,7 @@ TEST(MeshReaderFaults, OversetFaceBesideTheBackground) {
                           "overset1 is the outer boundary of component1"));
 }
 
-TEST(MeshReaderFaults, SecondGroupBesideTheFirstComponent) {
+TEST(MeshReaderFaults, SecondOversetGroupBesideTheFirstComponentIsRefused) {
     MshText msh = TwoBoxes();
     AddGrid(msh, "component1", "overset2", 5);
     AddGrid(msh, "component2", "overset1", 8);
@@ -189,7 +189,7 @@ TEST(MeshReaderFaults, SecondGroupBesideTheFirstComponent) {
                                      HasSubstr("is the outer boundary of component")));
 }
 
-TEST(MeshReaderFaults, BoundaryFacesWithoutAName) {
+TEST(MeshReaderFaults, BoundaryFacesWithoutANameAreRefused) {
     MshText msh;
     msh.Box("background", 0);
     msh.BoxSide("wall", 0, 'd');
@@ -198,7 +198,7 @@ TEST(MeshReaderFaults, BoundaryFacesWithoutAName) {
                                          "0.5) beside cell 1 of background"));
 }
 
-TEST(MeshReaderFaults, NameInsideTheGrid) {
+TEST(MeshReaderFaults, NamedFaceInsideTheGridIsRefused) {
     MshText msh = TwoBoxes();
     msh.BoxSide("wall", 0, '+');
 
@@ -207,14 +207,14 @@ TEST(MeshReaderFaults, NameInsideTheGrid) {
                           "and 2"));
 }
 
-TEST(MeshReaderFaults, NameOffTheMesh) {
+TEST(MeshReaderFaults, NamedFaceOutsideTheMeshIsRefused) {
     MshText msh = TwoBoxes();
     msh.BoxSide("wall", 7, '-');
 
     EXPECT_THAT(MshError(msh), HasSubstr("the \"wall\" face at (7, 0.5, 0.5) bounds no cell"));
 }
 
-TEST(MeshReaderFaults, FaceNamedTwice) {
+TEST(MeshReaderFaults, FaceNamedTwiceIsRefused) {
     MshText msh = TwoBoxes();
     msh.BoxSide("wall", 0, '-');
 
@@ -222,7 +222,7 @@ TEST(MeshReaderFaults, FaceNamedTwice) {
                                          "\"inlet\" already"));
 }
 
-TEST(MeshReaderFaults, FaceOfThreeCells) {
+TEST(MeshReaderFaults, FaceOfThreeCellsIsRefused) {
     MshText msh = TwoBoxes();
     msh.Box("background", 1);
 
@@ -230,7 +230,7 @@ TEST(MeshReaderFaults, FaceOfThreeCells) {
                 HasSubstr("the face at (1, 0.5, 0.5) belongs to three cells (1, 2 and 3)"));
 }
 
-TEST(MeshReaderFaults, NodeOfTwoCavities) {
+TEST(MeshReaderFaults, NodeOfTwoCavitiesIsRefused) {
     MshText msh;
     msh.Box("background", 0);
     msh.Box("component1", 1);
@@ -242,30 +242,30 @@ TEST(MeshReaderFaults, NodeOfTwoCavities) {
                                      HasSubstr("merge nothing")));
 }
 
-TEST(MeshReaderFaults, HigherOrderCells) {
+TEST(MeshReaderFaults, HigherOrderCellsAreRefused) {
     EXPECT_THAT(GeoError(cube + "Physical Volume(\"background\", 1) = {1};\n"
                                 "Physical Surface(\"wall\", 13) = {1:6};\nMesh.ElementOrder = 2;"),
                 AllOf(HasSubstr("volume 1 has elements \"Tetrahedron 10\", the first at ("),
-                      EndsWith("the host takes linear elements, set Mesh.ElementOrder = 1")));
+                      EndsWith("the host reads linear elements, set Mesh.ElementOrder = 1")));
 }
 
-TEST(MeshReaderFaults, CellsOfAnotherShape) {
+TEST(MeshReaderFaults, CellsOfAnotherShapeAreRefused) {
     constexpr int trihedron = 140;
     MshText msh = TwoBoxes();
     msh.Element(trihedron, "background", {1, 2, 3, 4});
 
-    // Gmsh 4.8 refuses the shape itself, later versions hand it on.
+    // Gmsh 4.8 refuses the shape itself, later versions accept it.
     EXPECT_THAT(MshError(msh), HasSubstr("tetrahedra, hexahedra, prisms and pyramids"));
 }
 
-TEST(MeshReaderFaults, ElementOfANodeThatIsNotThere) {
+TEST(MeshReaderFaults, ElementWithAnUnknownNodeIsRefused) {
     MshText msh = TwoBoxes();
     msh.Element(4, "background", {1, 2, 3, 99});
 
     EXPECT_THAT(MshError(msh), AllOf(HasSubstr("Gmsh reports"), HasSubstr("99")));
 }
 
-TEST(MeshReaderFaults, NodeThatIsNoNumber) {
+TEST(MeshReaderFaults, NodeWithANaNCoordinateIsRefused) {
     MshText msh = TwoBoxes();
     std::string text = msh.Text();
     text.replace(text.find("1 0 0 0\n"), 8, "1 nan 0 0\n");
@@ -274,14 +274,14 @@ TEST(MeshReaderFaults, NodeThatIsNoNumber) {
                 testing::AnyOf(HasSubstr("has volume nan"), HasSubstr("Gmsh reports")));
 }
 
-TEST(MeshReaderFaults, CollapsedCell) {
+TEST(MeshReaderFaults, CollapsedCellIsRefused) {
     MshText msh = TwoBoxes();
     msh.Element(5, "background", {1, 2, 3, 4, 1, 2, 3, 4});
 
     EXPECT_THAT(MshError(msh), HasSubstr("cell 3 at (0.5, 0.5, 0) has a node twice"));
 }
 
-TEST(MeshReaderFaults, InvertedCell) {
+TEST(MeshReaderFaults, InvertedCellIsRefused) {
     MshText msh;
     const int n[] = {msh.Node(0, 0, 0), msh.Node(1, 0, 0), msh.Node(0, 1, 0), msh.Node(0, 0, 1)};
     msh.Element(4, "background", {n[1], n[0], n[2], n[3]});
@@ -294,7 +294,7 @@ TEST(MeshReaderFaults, InvertedCell) {
                                          "nodes the other orientation"));
 }
 
-TEST(MeshReaderFaults, EveryMessageIsOneLineThatBeginsWithTheFile) {
+TEST(MeshReaderFaults, EveryMessageIsOneLineThatBeginsWithTheFileName) {
     MshText msh = TwoBoxes();
     msh.BoxSide("wall", 0, '-');
 

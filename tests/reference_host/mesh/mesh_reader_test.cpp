@@ -39,7 +39,7 @@ struct CellCount {
 
 class ShippedMeshes : public testing::TestWithParam<CellCount> {};
 
-TEST_P(ShippedMeshes, HaveTheCellsOfTheirTable) {
+TEST_P(ShippedMeshes, HaveTheNumberOfCellsInTheTable) {
     const Mesh mesh = ReadShipped(GetParam().file, GetParam().parameters);
 
     EXPECT_EQ(mesh.CellCount(), GetParam().cells);
@@ -83,7 +83,7 @@ TEST(ShippedChannel, FillsItsDomainWithNamedFaces) {
               40);
 }
 
-TEST(ShippedBox, IsOneCellThickOnlyWithOneLayer) {
+TEST(ShippedBox, IsOneCellThickWithOneLayerOnly) {
     EXPECT_TRUE(ReadShipped(boxGeo, {{"n", 5}, {"kind", 2}}).IsQuasi2d());
     EXPECT_FALSE(ReadShipped(boxGeo, {{"n", 5}, {"nz", 2}}).IsQuasi2d());
 }
@@ -112,7 +112,7 @@ TEST(MeshReader, ReadsAllFourShapes) {
     }
 }
 
-TEST(MeshReader, KeepsNodesInVtkOrder) {
+TEST(MeshReader, KeepsTheNodesOfACellInTheOrderOfVtk) {
     MshText msh;
     msh.Box("background", 0);
     msh.BoxSide("wall", 0, '-');
@@ -128,7 +128,7 @@ TEST(MeshReader, KeepsNodesInVtkOrder) {
     }
 }
 
-TEST(MeshReader, NodeNumbersOfTheFileMayHaveGaps) {
+TEST(MeshReader, AcceptsGapsInTheNodeNumbersOfAFile) {
     MshText msh;
     msh.Box("background", 0);
     msh.Box("background", 1);
@@ -146,7 +146,7 @@ TEST(MeshReader, NodeNumbersOfTheFileMayHaveGaps) {
 }
 
 TEST(MeshReader, DropsNodesThatNoCellUses) {
-    // The centre of the annulus is a point of the geometry, but of no cell.
+    // The center of the annulus is a point of the geometry but no node of a cell.
     const Mesh mesh = ReadShipped(boxGeo, {{"n", 5}, {"kind", 3}});
 
     std::vector<char> isUsed(mesh.nodes.size(), 0);
@@ -165,7 +165,7 @@ struct FileFormat {
 
 class MeshFileFormats : public testing::TestWithParam<FileFormat> {};
 
-TEST_P(MeshFileFormats, GiveTheMeshOfTheGeometry) {
+TEST_P(MeshFileFormats, GiveTheSameMeshAsTheGeometry) {
     const TempDirectory directory;
     const std::string file = (directory.Path() / "sphere.msh").string();
     const std::string geo = ShippedGeo(sphereGeo);
@@ -191,7 +191,8 @@ TEST_P(MeshFileFormats, GiveTheMeshOfTheGeometry) {
         EXPECT_EQ(mesh.FaceCount(kind), expected.FaceCount(kind));
     }
     for (int node = 1; node <= mesh.NodeCount(); ++node) {
-        ASSERT_LT((mesh.nodes[node] - expected.nodes[node]).norm(), 1e-14);  // ASCII: 16 digits
+        ASSERT_LT((mesh.nodes[node] - expected.nodes[node]).norm(),
+                  1e-14);  // ASCII files have 16 digits
     }
 }
 
@@ -199,7 +200,7 @@ INSTANTIATE_TEST_SUITE_P(Versions, MeshFileFormats,
                          testing::Values(FileFormat{2.2, 0}, FileFormat{2.2, 1}, FileFormat{4.0, 0},
                                          FileFormat{4.1, 0}, FileFormat{4.1, 1}));
 
-TEST(MeshReader, IsSilent) {
+TEST(MeshReader, PrintsNothing) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
 
@@ -209,7 +210,7 @@ TEST(MeshReader, IsSilent) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(MeshReader, ForgetsTheParametersOfTheCallBefore) {
+TEST(MeshReader, DoesNotKeepTheParametersOfTheCallBefore) {
     ReadShipped(boxGeo, {{"n", 10}, {"kind", 1}});
 
     EXPECT_EQ(ReadShipped(boxGeo, {}).CellCount(), 560);

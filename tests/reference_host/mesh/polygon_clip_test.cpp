@@ -22,7 +22,7 @@ Vec3 AreaOf(const Polygon& polygon) {
     return polygon.empty() ? Vec3(0, 0, 0) : host::GeometryOf(polygon).area;
 }
 
-TEST(PolygonClip, SquaresThatOverlapKeepTheirCommonRectangle) {
+TEST(PolygonClip, OverlappingSquaresGiveTheirCommonRectangle) {
     const Polygon common = ClipConvex(Rectangle(0, 1, 0, 1), Rectangle(0.25, 2, 0.5, 2));
 
     ASSERT_EQ(common.size(), 4u);
@@ -30,27 +30,27 @@ TEST(PolygonClip, SquaresThatOverlapKeepTheirCommonRectangle) {
     EXPECT_EQ(host::GeometryOf(common).centre, Vec3(0.625, 0.75, 0));
 }
 
-TEST(PolygonClip, ASubjectInsideStaysAsItIs) {
+TEST(PolygonClip, SubjectInsideTheWindowIsUnchanged) {
     const Polygon subject = Rectangle(0.25, 0.5, 0.25, 0.5);
 
     EXPECT_EQ(ClipConvex(subject, Rectangle(0, 1, 0, 1)), subject);
     EXPECT_EQ(ClipConvex(subject, subject), subject);
 }
 
-TEST(PolygonClip, AWindowInsideIsWhatIsLeft) {
+TEST(PolygonClip, WindowInsideTheSubjectIsTheResult) {
     EXPECT_EQ(AreaOf(ClipConvex(Rectangle(0, 1, 0, 1), Rectangle(0.25, 0.5, 0.25, 0.75))),
               Vec3(0, 0, 0.125));
 }
 
-TEST(PolygonClip, PolygonsApartLeaveNothing) {
+TEST(PolygonClip, SeparatePolygonsGiveNothing) {
     EXPECT_TRUE(ClipConvex(Rectangle(0, 1, 0, 1), Rectangle(2, 3, 0, 1)).empty());
 }
 
-TEST(PolygonClip, ACommonEdgeHasNoArea) {
+TEST(PolygonClip, CommonEdgeHasNoArea) {
     EXPECT_EQ(AreaOf(ClipConvex(Rectangle(0, 1, 0, 1), Rectangle(1, 2, 0, 1))), Vec3(0, 0, 0));
 }
 
-TEST(PolygonClip, TheSubjectsSenseOfRotationIsKeptAndTheWindowsDoesNotMatter) {
+TEST(PolygonClip, KeepsTheSenseOfRotationOfTheSubjectWhateverThatOfTheWindow) {
     const Polygon subject = Rectangle(0, 1, 0, 1);
     const Polygon subjectBack(subject.rbegin(), subject.rend());
     const Polygon window = Rectangle(0.5, 2, 0, 1);
@@ -61,7 +61,7 @@ TEST(PolygonClip, TheSubjectsSenseOfRotationIsKeptAndTheWindowsDoesNotMatter) {
     EXPECT_EQ(AreaOf(ClipConvex(subjectBack, window)), Vec3(0, 0, -0.5));
 }
 
-/// A convex polygon with corners on a circle, in a tilted plane.
+/// A convex polygon in a tilted plane with its corners on a circle.
 Polygon RandomPolygon(std::mt19937& random, const Eigen::Isometry3d& plane) {
     std::uniform_real_distribution<double> uniform(0.0, 1.0);
     const int n = 3 + static_cast<int>(5 * uniform(random));
@@ -76,7 +76,7 @@ Polygon RandomPolygon(std::mt19937& random, const Eigen::Isometry3d& plane) {
     return polygon;
 }
 
-TEST(PolygonClipProperties, TilesOfThePlaneAddUpToThePolygonInAnyPlane) {
+TEST(PolygonClipProperties, PartsInTheTilesOfAPlaneAddUpToThePolygon) {
     std::mt19937 random(17);
     for (int round = 0; round < 100; ++round) {
         const Eigen::Isometry3d plane(Eigen::Translation3d(1, -2, 3) *
@@ -96,7 +96,7 @@ TEST(PolygonClipProperties, TilesOfThePlaneAddUpToThePolygonInAnyPlane) {
     }
 }
 
-TEST(PolygonClipProperties, ClippingEachByTheOtherGivesOneArea) {
+TEST(PolygonClipProperties, AreaIsIndependentOfTheOrderOfTheTwoPolygons) {
     std::mt19937 random(18);
     const Eigen::Isometry3d flat = Eigen::Isometry3d::Identity();
     int common = 0;

@@ -17,7 +17,7 @@
 inline const MeshChoice channel5 = {"Channel5", "channel_cylinder_overset.geo", {{"n", 5}}};
 inline const MeshChoice channel10 = {"Channel10", "channel_cylinder_overset.geo", {{"n", 10}}};
 
-/// Settings of the channel cases: Reynolds number 20, the parabola of mean 1 at the inlet.
+/// Settings of the channel cases: Reynolds number 20 and a parabolic inlet profile of mean 1.
 inline host::FlowSettings FlowAtRe20(const host::Mesh& mesh,
                                      host::Scheme scheme = host::Scheme::LinearUpwind,
                                      double relaxation = 0.9) {
@@ -29,8 +29,8 @@ inline host::FlowSettings FlowAtRe20(const host::Mesh& mesh,
     return settings;
 }
 
-/// Iterates until the velocity changes by less than `change`; at most 1000 times.
-/// @return iterations; 1000 if that was not enough
+/// Iterates until the velocity changes by less than `change`, at most 1000 times.
+/// @return number of iterations; 1000 if the flow has not converged
 inline int Converge(host::FlowSolver& flow, double change = 1e-7) {
     int iterations = 0;
     while (iterations < 1000) {
@@ -52,7 +52,7 @@ inline double LargestImbalance(const host::Mesh& mesh, const host::OversetLink& 
     return largest;
 }
 
-/// Largest difference of the velocity to a given one, over all cells.
+/// Largest magnitude of the difference between the velocity and a given one, over all cells.
 inline double LargestVelocityError(const host::Mesh& mesh, const host::FlowFields& fields,
                                    const host::InletProfile& exact) {
     double largest = 0.0;

@@ -13,11 +13,11 @@ MeshChoice Box(int n, int kind = 1) {
     return {"Box", boxFile, {{"n", n}, {"kind", kind}}};
 }
 
-/// Developed flow between plates enters, and must leave as it came.
+/// Developed flow between parallel plates, which does not change from inlet to outlet.
 struct ChannelLevel {
     int n;
     double relaxation;
-    double largestError;  // measured when the discretisation was designed, with 3 % more
+    double largestError;  // of the present discretization, plus 3 %
 
     friend std::ostream& operator<<(std::ostream& out, const ChannelLevel& level) {
         return out << "n = " << level.n;
@@ -26,7 +26,7 @@ struct ChannelLevel {
 
 class PlaneChannel : public testing::TestWithParam<ChannelLevel> {};
 
-TEST_P(PlaneChannel, KeepsTheParabolaToSecondOrder) {
+TEST_P(PlaneChannel, KeepsTheParabolicProfileToSecondOrder) {
     const ChannelLevel& level = GetParam();
     MeshCase c(Box(level.n));
     const host::FlowSettings settings = FlowAtRe20(c.mesh, Scheme::LinearUpwind, level.relaxation);
@@ -43,12 +43,12 @@ INSTANTIATE_TEST_SUITE_P(Levels, PlaneChannel,
                                          ChannelLevel{10, 0.9, 8.75e-4},
                                          ChannelLevel{20, 0.95, 2.3e-4}));
 
-TEST(PlaneChannel, PressureFallsAsThePlatesDemand) {
+TEST(PlaneChannel, PressureGradientIsThatOfDevelopedFlow) {
     MeshCase c(Box(10));
     FlowSolver flow(c.mesh, c.objects, c.link, FlowAtRe20(c.mesh));
     Converge(flow);
 
-    // dp/dx = -12 mu U / H^2 with H = 4: -0.0375, up to the discretisation.
+    // dp/dx = -12 mu U / H^2 = -0.0375 with H = 4, up to the error of the discretization.
     double inner = 0.0;
     int count = 0;
     for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
@@ -61,7 +61,7 @@ TEST(PlaneChannel, PressureFallsAsThePlatesDemand) {
     EXPECT_NEAR(inner / count, -0.03738, 2e-5);
 }
 
-TEST(PlaneChannel, PrismsConvergeToo) {
+TEST(PlaneChannel, FlowOnPrismsConverges) {
     MeshCase c(Box(5, /*kind=*/2));
     const host::FlowSettings settings = FlowAtRe20(c.mesh);
     FlowSolver flow(c.mesh, c.objects, c.link, settings);
@@ -89,7 +89,7 @@ TEST(PlaneChannel, EverySchemeConvergesWithoutGrowingTheMatrix) {
     }
 }
 
-/// Plates at y = 0 and 1 with planes of symmetry at the sides; the flow runs along x or z.
+/// A duct with walls at y = 0 and 1 and symmetry planes at the sides, along x or along z.
 std::string DuctGeo(bool alongZ) {
     return std::string(alongZ ? "lx = 0.25; nx = 3; lz = 2; nz = 8;\n"
                               : "lx = 2; nx = 8; lz = 0.25; nz = 3;\n") +
@@ -110,8 +110,8 @@ std::string DuctGeo(bool alongZ) {
                      "Physical Surface(\"symmetry\", 14) = {1, e[0]};\n");
 }
 
-/// Plug flow that develops between the plates, with a component across the planes of symmetry
-/// that these must take away.
+/// Flow that enters with a uniform velocity and develops in the duct. At the inlet it has a
+/// component normal to the symmetry planes, which must vanish downstream.
 struct DuctRun {
     explicit DuctRun(bool alongZ_)
         : alongZ(alongZ_),
@@ -129,8 +129,8 @@ struct DuctRun {
         iterations = Converge(*flow, 1e-9);
     }
 
-    /// Velocity along the duct, normal to the plates and across, of the cell nearest to a point
-    /// given in these directions.
+    /// Velocity of the cell nearest to a point. Both have the components along the duct, normal to
+    /// the plates and normal to the symmetry planes.
     Vec3 At(double along, double normal, double across) const {
         const Vec3 point = Turned({along, normal, across});
         int nearest = 1;
@@ -153,7 +153,7 @@ struct DuctRun {
     int iterations = 0;
 };
 
-TEST(Duct, DevelopsAlongZAsItDoesAlongX) {
+TEST(Duct, FlowDevelopsAlongZAsAlongX) {
     const DuctRun alongX(false);
     const DuctRun alongZ(true);
 
@@ -175,7 +175,7 @@ TEST(Duct, DevelopsAlongZAsItDoesAlongX) {
     EXPECT_LT(LargestImbalance(alongX.mesh, alongX.link, alongX.flow->Flux()), 1e-8);
 }
 
-TEST(Duct, LayersInZKeepThePlaneFlow) {
+TEST(Duct, SeveralLayersInZGiveThePlaneFlow) {
     MeshCase plane(Box(5));
     FlowSolver flat(plane.mesh, plane.objects, plane.link, FlowAtRe20(plane.mesh));
     Converge(flat);

@@ -12,7 +12,7 @@ using host::FlowSettings;
 using host::FlowSolver;
 using host::Scheme;
 
-/// A cylinder in the channel, solved until it stands still.
+/// The flow around the cylinder in the channel, solved to convergence.
 struct CylinderFlow {
     CylinderFlow(const MeshChoice& choice, const std::function<void(FlowSettings&)>& change = {})
         : c(choice) {
@@ -34,7 +34,7 @@ struct CylinderFlow {
     benchmark::Result result;
 };
 
-/// The sentences of what misses a limit, one under the other.
+/// The messages about figures outside their limits, one per line.
 std::string Misses(Scheme scheme, int n, const benchmark::Result& result) {
     std::string text;
     for (const std::string& miss : benchmark::Misses(result, *benchmark::LimitsOf(scheme, n))) {
@@ -43,7 +43,7 @@ std::string Misses(Scheme scheme, int n, const benchmark::Result& result) {
     return text;
 }
 
-/// The run at n = 10 that the others are compared with, made once.
+/// The run at n = 10 that others are compared with, computed once for all tests.
 class CylinderAt10 : public testing::Test {
 protected:
     static void SetUpTestSuite() { base = std::make_unique<CylinderFlow>(channel10); }
@@ -54,11 +54,11 @@ protected:
 
 std::unique_ptr<CylinderFlow> CylinderAt10::base;
 
-TEST_F(CylinderAt10, ReachesTheLimits) {
+TEST_F(CylinderAt10, FiguresAreWithinTheirLimits) {
     EXPECT_EQ(Misses(Scheme::LinearUpwind, 10, base->result), "");
 }
 
-TEST_F(CylinderAt10, DoesNotDependOnTheRelaxation) {
+TEST_F(CylinderAt10, SolutionDoesNotDependOnTheRelaxation) {
     for (const double relaxation : {0.8, 0.97}) {
         const CylinderFlow other(channel10, [&](FlowSettings& s) { s.relaxation = relaxation; });
 
@@ -67,7 +67,7 @@ TEST_F(CylinderAt10, DoesNotDependOnTheRelaxation) {
     }
 }
 
-TEST_F(CylinderAt10, DoesNotDependOnTheSolverTolerances) {
+TEST_F(CylinderAt10, SolutionDoesNotDependOnTheSolverTolerances) {
     const CylinderFlow tight(channel10, [](FlowSettings& s) {
         s.momentumTolerance = 1e-5;
         s.pressureTolerance = 1e-4;
@@ -79,12 +79,13 @@ TEST_F(CylinderAt10, DoesNotDependOnTheSolverTolerances) {
     EXPECT_NEAR(tight.result.massDefect, base->result.massDefect, 1e-5);
 }
 
-TEST_F(CylinderAt10, EveryActiveCellConserves) {
-    // The last pressure solve leaves a tenth of what the last, tiny change of velocity asked for.
+TEST_F(CylinderAt10, EveryActiveCellConservesMass) {
+    // The last pressure solve reduces the mass residual of the last small velocity change by ten
+    // only.
     EXPECT_LT(LargestImbalance(base->c.mesh, base->c.link, base->flow->Flux()), 1e-8);
 }
 
-TEST_F(CylinderAt10, NothingIsLostThroughTheOversetBoundary) {
+TEST_F(CylinderAt10, NetFluxThroughTheOversetBoundaryIsZero) {
     double net = 0.0;
     double through = 0.0;
     for (int face = 1; face <= base->c.mesh.FaceCount(Boundary::Wall); ++face) {
@@ -98,7 +99,7 @@ TEST_F(CylinderAt10, NothingIsLostThroughTheOversetBoundary) {
     EXPECT_LT(std::abs(net), 1e-7);
 }
 
-TEST_F(CylinderAt10, MassDefectIsTheNetFluxThroughTheHole) {
+TEST_F(CylinderAt10, MassDefectIsTheNetFluxThroughTheHoleBoundary) {
     const host::Mesh& mesh = base->c.mesh;
     const CMAFVMFaceVariableAll& flux = base->flow->Flux();
     double intoHole = 0.0;
@@ -111,7 +112,7 @@ TEST_F(CylinderAt10, MassDefectIsTheNetFluxThroughTheHole) {
     EXPECT_NEAR(-intoHole / base->flow->Inflow(), base->flow->MassDefect(), 1e-6);
 }
 
-TEST_F(CylinderAt10, NothingMovesInCutCellsOrThroughWalls) {
+TEST_F(CylinderAt10, VelocityIsZeroInCutCellsAndFluxIsZeroThroughWalls) {
     const host::FlowFields& fields = base->flow->Fields();
     for (int cell = 1; cell <= base->c.mesh.CellCount(); ++cell) {
         ASSERT_EQ(fields.velocity[2][cell], 0.0);
@@ -127,7 +128,7 @@ TEST_F(CylinderAt10, NothingMovesInCutCellsOrThroughWalls) {
     }
 }
 
-TEST(CylinderSchemes, AllConvergeOnTheCoarseMesh) {
+TEST(CylinderSchemes, EverySchemeConvergesOnTheCoarseMesh) {
     for (const Scheme scheme : {Scheme::UpwindCells, Scheme::UpwindStencils, Scheme::Central,
                                 Scheme::LinearUpwind, Scheme::Quick, Scheme::Hybrid}) {
         const CylinderFlow run(channel5, [&](FlowSettings& s) { s.scheme = scheme; });
@@ -137,7 +138,7 @@ TEST(CylinderSchemes, AllConvergeOnTheCoarseMesh) {
     }
 }
 
-TEST(CylinderSolvers, GiveOneFlow) {
+TEST(CylinderSolvers, BothGiveTheSameFlow) {
     using host::MatrixSolver;
     const CylinderFlow base(channel5);
     for (const MatrixSolver momentum : {MatrixSolver::Bicgstab, MatrixSolver::Samg}) {
@@ -157,7 +158,7 @@ TEST(CylinderSolvers, GiveOneFlow) {
 
 const MeshChoice channel20 = {"Channel20", "channel_cylinder_overset.geo", {{"n", 20}}};
 
-TEST(FullCylinder, LinearUpwindReachesTheLimitsAt20AndItsErrorFallsFromTenOn) {
+TEST(FullCylinder, LinearUpwindIsWithinItsLimitsAt20AndMoreAccurateThanAt10) {
     const CylinderFlow coarse(channel10);
     const CylinderFlow fine(channel20, [](FlowSettings& s) { s.relaxation = 0.95; });
 
@@ -165,7 +166,7 @@ TEST(FullCylinder, LinearUpwindReachesTheLimitsAt20AndItsErrorFallsFromTenOn) {
     EXPECT_GE(coarse.CdError() / fine.CdError(), 3.5);
 }
 
-TEST(FullCylinder, QuickAndCentralReachTheLimitsAt20) {
+TEST(FullCylinder, QuickAndCentralAreWithinTheirLimitsAt20) {
     for (const Scheme scheme : {Scheme::Quick, Scheme::Central}) {
         const CylinderFlow run(channel20, [&](FlowSettings& s) {
             s.scheme = scheme;

@@ -26,7 +26,7 @@ host::InletProfile Uniform(const Vec3& velocity) {
     return [velocity](const Vec3&) { return velocity; };
 }
 
-/// The parts of the solver on one mesh, with fluxes that are a flow's but not divergence-free.
+/// Momentum and pressure correction on one mesh, with fluxes that are not divergence-free.
 struct Parts {
     explicit Parts(const MeshChoice& choice, Scheme scheme = Scheme::LinearUpwind)
         : c(choice),
@@ -57,7 +57,7 @@ struct Parts {
 
 class MomentumRows : public testing::TestWithParam<Scheme> {};
 
-TEST_P(MomentumRows, SumToTheRelaxationWhateverTheFluxes) {
+TEST_P(MomentumRows, SumIsTheRelaxationTermForAnyFluxes) {
     OutputCapture quiet;
     Parts parts(oversetPair, GetParam());
 
@@ -80,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(Schemes, MomentumRows,
                                          Scheme::Central, Scheme::LinearUpwind, Scheme::Quick,
                                          Scheme::Hybrid));
 
-TEST(MomentumSolve, UniformFlowStaysUniform) {
+TEST(MomentumSolve, UniformFlowRemainsUniform) {
     Parts parts(annulus);  // inlet inside, outlet outside, no wall
     FlowFields fields(parts.c.objects.CellAndGhostCount());
     for (int cell = 1; cell <= parts.c.mesh.CellCount(); ++cell) {
@@ -143,7 +143,7 @@ TEST(PressureFluxes, LinearPressureAddsNothingToTheInterpolatedFlux) {
     }
 }
 
-TEST(PressureFluxes, SawtoothPressureIsNotOverlooked) {
+TEST(PressureFluxes, SawtoothPressureChangesTheFluxes) {
     Parts parts(boxHexahedra);
     const host::Mesh& mesh = parts.c.mesh;
     FlowFields fields(parts.c.objects.CellAndGhostCount());
@@ -155,11 +155,11 @@ TEST(PressureFluxes, SawtoothPressureIsNotOverlooked) {
 
     parts.pressure.PredictFluxes(fields, parts.momentum.records, parts.flux);
 
-    // Its cell gradients vanish: only the difference across the face can see it.
+    // Its cell gradients vanish, so only the difference across a face depends on it.
     EXPECT_GT(LargestImbalance(mesh, parts.c.link, parts.flux), 1e-3);
 }
 
-TEST(PressureMatrix, RowsSumToZero) {
+TEST(PressureMatrix, RowSumsAreZero) {
     OutputCapture quiet;
     Parts parts(oversetPair);
     parts.momentum.Assemble(parts.flux);
@@ -173,7 +173,7 @@ TEST(PressureMatrix, RowsSumToZero) {
     }
 }
 
-TEST(PressureCorrect, FluxesBecomeDivergenceFreeInEveryActiveCell) {
+TEST(PressureCorrect, CorrectedFluxesAreDivergenceFreeInEveryActiveCell) {
     OutputCapture quiet;
     Parts parts(oversetPrisms);
     FlowFields fields(parts.c.objects.CellAndGhostCount());
@@ -207,7 +207,7 @@ TEST(PressureGhosts, AreZeroAtTheOutletAndExtrapolatedAtWallsAndInlets) {
     }
 }
 
-/// Fields with values at the ghosts as well.
+/// Flow fields with values at the ghosts as well.
 FlowFields Sampled(const MeshCase& c, const std::function<Vec3(const Vec3&)>& velocity,
                    const std::function<double(const Vec3&)>& pressure) {
     FlowFields fields(c.objects.CellAndGhostCount());
@@ -228,7 +228,7 @@ FlowFields Sampled(const MeshCase& c, const std::function<Vec3(const Vec3&)>& ve
     return fields;
 }
 
-/// Cross-section of the polygon that stands for the cylinder of radius 1/2 with 8 n sides.
+/// Area of the regular polygon of 8 n sides that approximates the cylinder of radius 1/2.
 double PolygonArea(int n) {
     const int sides = 8 * n;
     return sides / 2.0 * 0.25 * std::sin(2.0 * std::acos(-1.0) / sides);
@@ -249,7 +249,7 @@ TEST(Forces, LinearPressureGivesBuoyancy) {
     EXPECT_NEAR(force.z(), 0.0, 1e-12);
 }
 
-TEST(Forces, OnlyTheTangentialStressCounts) {
+TEST(Forces, ViscousForceIsThatOfTheTangentialStress) {
     OutputCapture quiet;
     Parts parts(channel5);
     FlowFields fields(parts.c.objects.CellAndGhostCount());
@@ -262,12 +262,12 @@ TEST(Forces, OnlyTheTangentialStressCounts) {
 
     const Vec3 force = host::ForceOnBody(parts.momentum, fields);
 
-    // A cylinder that moves along x through fluid at rest feels mu / d on each face, less the
-    // part along the normal: the sum of 1 - n_x^2 over a circle is half its length.
+    // For a cylinder that moves along x through fluid at rest, the stress on each face is mu / d
+    // without its normal part; the integral of 1 - n_x^2 over a circle is half its length.
     const int sides = 40;
     const double perimeter = sides * std::sin(std::acos(-1.0) / sides);
     EXPECT_NEAR(force.x(), -0.5 * 0.05 / wallDistance * perimeter * parts.c.mesh.Depth(), 1e-9);
-    EXPECT_NEAR(force.y(), 0.0, 1e-9);  // Gmsh sets nodes on an arc to about 1e-11
+    EXPECT_NEAR(force.y(), 0.0, 1e-9);  // nodes of Gmsh are on the arc to about 1e-11
 }
 
 TEST(Forces, StagnationPressureIsExactForAParabolaAlongTheSurface) {
@@ -287,7 +287,7 @@ TEST(Forces, StagnationPressureIsExactForAParabolaAlongTheSurface) {
     EXPECT_NEAR(found.back, -1.0, 1e-9);
 }
 
-TEST(FlowFields, OutputDoesNotReachTheRun) {
+TEST(FlowFields, OutputDoesNotChangeTheFieldsOfTheRun) {
     MeshCase c(boxHexahedra);
     FlowFields fields(c.objects.CellAndGhostCount());
     fields.velocity[1][3] = 1e-11;

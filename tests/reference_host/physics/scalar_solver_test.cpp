@@ -17,7 +17,7 @@ using host::Vec3;
 
 const Vec3 carrier(1.0, 0.6, 0.0);
 
-/// What each test name needs of a scheme: letters only.
+/// The name of a scheme without hyphens, as test names need it.
 std::string SchemeWord(Scheme scheme) {
     std::string word = host::Name(scheme);
     word.erase(std::remove(word.begin(), word.end(), '-'), word.end());
@@ -60,7 +60,7 @@ TEST(ScalarSolver, FirstOrderSchemesDoNotReproduceALinearField) {
     }
 }
 
-TEST(ScalarSolver, CutCellsStayAtZero) {
+TEST(ScalarSolver, CutCellsRemainZero) {
     MeshCase c(oversetPair);
     const AnalyticField wave = host::WaveFor(c.mesh);
     const ManufacturedRun run =
@@ -87,8 +87,8 @@ TEST(ScalarSolver, LaplaceAndDiffusionGiveTheSameField) {
     EXPECT_EQ(laplace.phi, diffusion.phi);
 }
 
-TEST(ScalarSolver, DonorSideLeftOnWouldBeSeen) {
-    // The flux of a donor's side must be zero: with it on, the donor's row gets a second face.
+TEST(ScalarSolver, FluxOnTheDonorsSideWouldChangeTheSolution) {
+    // The flux on the donor's side must be zero, or the row of the donor gets an additional face.
     MeshCase c(oversetPair);
     const host::StencilBuilder builder(c.mesh, c.objects, c.link, host::GradientSet::Velocity);
     host::StencilRecords records(builder, c.objects, host::FarPoint::LinearUpwind);
@@ -120,7 +120,7 @@ TEST(ScalarSolver, DonorSideLeftOnWouldBeSeen) {
     }
 }
 
-TEST(SchemeNames, LeadBackToTheirScheme) {
+TEST(SchemeNames, BelongToTheirScheme) {
     for (const Scheme scheme :
          {Scheme::Laplace, Scheme::Diffusion, Scheme::UpwindCells, Scheme::UpwindStencils,
           Scheme::Central, Scheme::LinearUpwind, Scheme::Quick, Scheme::Hybrid}) {
@@ -129,8 +129,8 @@ TEST(SchemeNames, LeadBackToTheirScheme) {
     EXPECT_FALSE(host::SchemeNamed("LUD").has_value());
 }
 
-/// Derivatives of the analytic fields against differences of their values.
-TEST(AnalyticFields, DerivativesAreThoseOfTheValue) {
+/// Compares the derivatives of the analytic fields with differences of their values.
+TEST(AnalyticFields, DerivativesBelongToTheValue) {
     const double h = 1e-4;
     const Vec3 at(1.1, 2.3, 0.4);
     for (const AnalyticField& field :
@@ -147,14 +147,14 @@ TEST(AnalyticFields, DerivativesAreThoseOfTheValue) {
     }
 }
 
-TEST(AnalyticFields, ThickWaveHasNoGradientAcrossItsEndPlanes) {
+TEST(AnalyticFields, WaveInThreeDimensionsHasNoNormalGradientOnItsEndPlanes) {
     const AnalyticField wave = host::WaveField(2.0);
 
     EXPECT_NEAR(wave.gradient({1.1, 2.3, 0.0})[2], 0.0, 1e-14);
     EXPECT_NEAR(wave.gradient({1.1, 2.3, 2.0})[2], 0.0, 1e-14);
 }
 
-TEST(ErrorNormsByHand, WeighWithTheVolumeAndLeaveOutCutCells) {
+TEST(ErrorNormsByHand, AreWeightedByVolumeWithoutCutCells) {
     MeshCase c(oversetPair);
     const AnalyticField zero = host::LinearField(Vec3::Zero(), 0.0);
     std::vector<double> phi(c.objects.CellAndGhostCount() + 1, 0.5);
