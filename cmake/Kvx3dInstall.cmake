@@ -17,7 +17,8 @@ foreach(folder host_link linear_algebra fvm_operators overset vtk_output nonmatc
   install(DIRECTORY ${folder} DESTINATION ${kvx3d_include_dir} FILES_MATCHING PATTERN "*.h")
 endforeach()
 install(FILES matrix_solver/matrix_solver.h DESTINATION ${kvx3d_include_dir}/matrix_solver)
-install(DIRECTORY host_checks DESTINATION ${kvx3d_include_dir} FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY host_checks DESTINATION ${kvx3d_include_dir}
+        FILES_MATCHING PATTERN "*.h" PATTERN detail EXCLUDE)
 
 install(EXPORT KVX3DMeshlessToolboxTargets NAMESPACE KVX3D:: DESTINATION ${kvx3d_package_dir})
 configure_package_config_file(cmake/KVX3DMeshlessToolboxConfig.cmake.in
