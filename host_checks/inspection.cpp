@@ -121,10 +121,9 @@ void WriteBlock(const fs::path& path, VTK_Block& block) {
     fs::remove(path, ignored);
     {
         CKVX_ART_VTK_Tool tool;
-        const bool isReady = tool.Initialize(root.data(), project.data(), /*processId=*/0);
-        tool.newBlockData(&block);
-        if (!isReady || !tool.OutputRun(/*time=*/0.0, /*iteration=*/0)) {
-            Fail(path);
+        if (tool.Initialize(root.data(), project.data(), /*processId=*/0)) {
+            tool.newBlockData(&block);
+            tool.OutputRun(/*time=*/0.0, /*iteration=*/0);
         }
     }
     fs::rename(stepDirectory / (project + "_Itr0_T0_P0_B1.vtu"), path, ignored);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <limits>
@@ -45,9 +46,11 @@ BoxHost Pair() {
                                                 sideZMin | sideZMax);
 }
 
-/// The body leaves one layer of the component, so the hole boundary lies within the body.
-BoxHost ThinComponent() {
-    return Pair().WithBody(1, {{2, 2, 1}, {9, 9, 3}});
+/// The component ends half a cell before a wall. Cells are cut there, so the hole has the oblique
+/// boundary of the fixed vector, and many faces on it find no donor.
+BoxHost ComponentAtTheWall() {
+    return BoxHost(20, 20, 3).WithComponentGrid(10, 10, 3, {5.25, 0.5, 0}, {10, 10, 3},
+                                                sideZMin | sideZMax);
 }
 
 /// The numbers of an array of an ASCII .vtu file.
@@ -186,22 +189,36 @@ TEST(InspectionFiles, DrawEachDonorFromItsActiveCellOverItsFace) {
     EXPECT_NEAR(ArrayOf(files.donors, "distance")[0], why.donor.distance, 1e-6);
 }
 
-TEST(InspectionFiles, CountTheMissingDonorsOfAThinComponent) {
+TEST(InspectionFiles, CountTheMissingDonorsAndLeaveThemOutOfTheLines) {
     const TempDirectory directory;
-    Inspected mesh(ThinComponent());
+    Inspected mesh(ComponentAtTheWall());
     const MeshView view(mesh.host.gv, mesh.host.fvm);
     const Explainer explainer(view, mesh.overset);
-    int nMissing = 0;
+    std::vector<double> missing(mesh.host.fvm.Nc, 0.0);
+    int nFound = 0;
     for (int face = 1; face <= mesh.host.fvm.Ne; ++face) {
         const auto why = explainer.ExplainInnerFace(face);
-        nMissing += why.type == OversetInnerFace_Overset && why.donor.donor == 0 ? 1 : 0;
+        if (why.donor.donor > 0) {
+            ++nFound;
+        } else if (why.type == OversetInnerFace_Overset) {
+            missing[why.donor.cell - 1] += 1.0;
+        }
     }
-    ASSERT_GT(nMissing, 0);
+    int nOuter = 0;  // a cut cell needs no donor at its outer face
+    for (int face = 1; face <= mesh.host.fvm.NWall; ++face) {
+        const auto why = explainer.ExplainWallFace(face);
+        nOuter += why.group > 0 && explainer.Donors().IsActive(why.cell) ? 1 : 0;
+    }
+    ASSERT_LT(nOuter, 4 * 10 * 3);
+    ASSERT_GE(*std::max_element(missing.begin(), missing.end()), 2.0);
 
     const InspectionFiles files = mesh.Write(directory.Text());
 
     ExpectValid(files);
-    EXPECT_EQ(SumOf(ArrayOf(files.cells, "missing_donors")), nMissing);
+    EXPECT_EQ(ArrayOf(files.cells, "missing_donors"), missing);
+    const std::vector<double> boundary = ArrayOf(files.donors, "boundary");
+    EXPECT_EQ(std::count(boundary.begin(), boundary.end(), 1.0), 2 * nFound);
+    EXPECT_EQ(std::count(boundary.begin(), boundary.end(), 2.0), 2 * nOuter);
 }
 
 TEST(InspectionFiles, HoldNoNumberThatAFloat32CannotHold) {
