@@ -81,7 +81,15 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     OfCellsAndFaces, HostRule,
-    testing::Values(Broken{"Volume",
+    testing::Values(Broken{"NodeCoordinate",
+                           Rule::Coordinates,
+                           [](CKvx3dGV&, auto& m) { m.yn[30] = std::nan(""); },
+                           {"node 30 is at (", "nan", "coordinates must be finite"}},
+                    Broken{"CellCenter",
+                           Rule::Coordinates,
+                           [](CKvx3dGV&, auto& m) { m.zc[30] = INFINITY; },
+                           {"the center of cell 30 is at (", "inf)"}},
+                    Broken{"Volume",
                            Rule::CellVolume,
                            [](CKvx3dGV&, auto& m) { m.volume[7] = m.volume[9] = 0.0; },
                            {"cell 7 at (", "has volume 0 (and 1 more): volumes must be positive"}},
