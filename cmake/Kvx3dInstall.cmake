@@ -1,4 +1,4 @@
-# Installation: shared libraries, the public headers in their folders, a CMake package.
+# Installation: three shared libraries, the public headers in their folders, a CMake package.
 #
 #   find_package(KVX3DMeshlessToolbox REQUIRED)
 #   target_link_libraries(host PRIVATE KVX3D::KVX3DMeshlessToolbox)
@@ -33,13 +33,26 @@ set(kvx3d_public_headers
   vtk_output/vtk_tool.h
   vtk_output/vtk_xml.h
   nonmatching/art_nonmatching_tools.h
-  matrix_solver/matrix_solver.h)
+  matrix_solver/matrix_solver.h
+  host_checks/cut_rules.h
+  host_checks/donor_search.h
+  host_checks/explanation.h
+  host_checks/export.h
+  host_checks/fault.h
+  host_checks/host_checks.h
+  host_checks/host_rules.h
+  host_checks/inspection.h
+  host_checks/mesh_rules.h
+  host_checks/mesh_view.h
+  host_checks/point.h
+  host_checks/point_tree.h
+  host_checks/safe_solve.h)
 foreach(header IN LISTS kvx3d_public_headers)
   get_filename_component(folder ${header} DIRECTORY)
   install(FILES ${header} DESTINATION ${kvx3d_include_dir}/${folder})
 endforeach()
 
-install(TARGETS KVX3DMeshlessToolbox KVX3DMatrixSolver
+install(TARGETS KVX3DMeshlessToolbox KVX3DMatrixSolver KVX3DHostChecks
         EXPORT KVX3DMeshlessToolboxTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}

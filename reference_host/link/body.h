@@ -9,16 +9,17 @@
 
 namespace host {
 
-/// True for the faces of the body: the physical walls beside a component; on a single grid all
-/// walls.
+/// True for the faces of the body: the physical walls beside a component, or all walls of a single
+/// grid.
 bool IsBody(const Mesh& mesh, const OversetLink& link, Boundary kind, int face);
 
-/// The wall faces of the body, ascending.
+/// The wall faces of the body in ascending order.
 std::vector<int> BodyFaces(const Mesh& mesh, const OversetLink& link);
 
 /// Refuses a mesh without a component that has a body.
-/// @param body  what the case calls it
-/// @throws std::runtime_error  one line
+/// @param meshFile  named in the message
+/// @param body      what the case calls the body
+/// @throws std::runtime_error  one line: no physical wall lies beside a component
 void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
                  const std::string& body);
 
