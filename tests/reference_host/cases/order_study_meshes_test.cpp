@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "reference_host/cases/case_mms.h"
 #include "reference_host/cases/case_nonmatching.h"
 #include "tests/reference_host/discretisation/mesh_case.h"
 #include "tests/support/output_capture.h"
@@ -10,13 +11,12 @@
 namespace {
 
 using host::MmsCase;
-using host::MmsStudy;
 using host::Scheme;
 
 const std::vector<Scheme> secondOrder = {Scheme::Diffusion, Scheme::Central, Scheme::LinearUpwind,
                                          Scheme::Quick};
 
-/// A kind of mesh that the study goes over, with sizes a quarter of an hour can pay for.
+/// An order study on one kind of mesh. All of them together take about a quarter of an hour.
 struct Study {
     const char* name;
     const char* file;
@@ -25,16 +25,16 @@ struct Study {
     std::vector<int> sizes;
     std::optional<double> mu;
     std::vector<Scheme> schemes;
-    bool eachGrid = true;  // limits for each grid, not for all cells only
+    bool eachGrid = true;  // check the limits for each grid too
 };
 
 std::ostream& operator<<(std::ostream& out, const Study& study) {
     return out << study.name;
 }
 
-class OrderStudy : public testing::TestWithParam<Study> {};
+class OrderStudyOn : public testing::TestWithParam<Study> {};
 
-TEST_P(OrderStudy, KeepsItsLimits) {
+TEST_P(OrderStudyOn, IsWithinItsLimits) {
     const Study& study = GetParam();
     MmsCase run;
     run.meshFile = ShippedMesh(study.file);
@@ -44,8 +44,8 @@ TEST_P(OrderStudy, KeepsItsLimits) {
     run.schemes = study.schemes;
     OutputCapture quiet;
 
-    for (MmsStudy& result : host::RunKind(run, study.kind)) {
-        for (host::MmsLevel& level : result.levels) {
+    for (host::OrderStudy& result : host::RunKind(run, study.kind)) {
+        for (host::StudyLevel& level : result.levels) {
             level.byGrid.resize(study.eachGrid ? level.byGrid.size() : 0);
         }
         for (const std::string& miss : host::Misses(result)) {
@@ -63,9 +63,9 @@ const std::vector<Scheme> allSchemes = {
     Scheme::Diffusion, Scheme::UpwindCells,  Scheme::UpwindStencils, Scheme::Hybrid,
     Scheme::Central,   Scheme::LinearUpwind, Scheme::Quick};
 
-// Beyond the box and the pair of the mms case's own quick study.
+// The quick study of case_mms_test.cpp covers the single box and the overset pair.
 INSTANTIATE_TEST_SUITE_P(
-    Quick, OrderStudy,
+    Quick, OrderStudyOn,
     testing::Values(
         Study{"PrismBox", boxFile, 2, {}, {10, 20}, {}, {Scheme::Central, Scheme::Quick}},
         Study{"AnnulusAlone", boxFile, 3, {}, {10, 20}, {}, secondOrder},
@@ -73,13 +73,13 @@ INSTANTIATE_TEST_SUITE_P(
     StudyName);
 
 INSTANTIATE_TEST_SUITE_P(
-    Full, OrderStudy,
+    Full, OrderStudyOn,
     testing::Values(Study{"SingleBox", boxFile, 1, {}, {20, 40}, {}, allSchemes},
                     Study{"OversetPair", boxFile, 0, {}, {20, 40}, {}, allSchemes},
                     Study{"PrismBackground", boxFile, 4, {}, {20, 40}, {}, secondOrder},
                     Study{"AnnulusAlone", boxFile, 3, {}, {20, 40}, {}, secondOrder},
                     Study{"Layers", boxFile, 0, 0.4, {10, 20}, {}, secondOrder},
-                    // Tetrahedra are new ones on each level: the worst of them is no measure.
+                    // Each level has other tetrahedra, so the maximum over the shell varies.
                     Study{"Sphere", sphereFile, {}, {}, {6, 9}, 0.05, secondOrder, false}),
     StudyName);
 
@@ -87,7 +87,8 @@ TEST(FullNonmatchingStudy, IsSecondOrderInTwoAndThreeDimensions) {
     TempDirectory results;
     host::NonmatchingCase run;
     run.meshFile = ShippedMesh("nonmatching_blocks.geo");
-    // Without QUICK: where its two errors cancel on the way down it stays below any order.
+    // Without QUICK: its errors of convection and diffusion cancel at some size, so the order
+    // between two sizes can be anything.
     run.schemes = {Scheme::Diffusion, Scheme::Central, Scheme::LinearUpwind};
     run.check = true;
     run.outputDir = results.Text();
