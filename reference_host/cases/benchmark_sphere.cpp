@@ -2,9 +2,9 @@
 
 #include <cmath>
 
+#include "host_checks/point_tree.h"
 #include "reference_host/discretisation/donor_interpolation.h"
 #include "reference_host/mesh/cell_faces.h"
-#include "reference_host/mesh/point_tree.h"
 #include "reference_host/physics/forces.h"
 #include "reference_host/run/comparison.h"
 
@@ -40,13 +40,15 @@ std::vector<AxisPoint> WakeAxis(const FlowSolver& flow, double end, double step)
     const OversetLink& link = flow.MomentumPart().builder.link;
     const CellFaces cellFaces(mesh);
     const DonorInterpolation interpolation(mesh, link, cellFaces);
-    const PointTree tree(ActiveCells(mesh, link),
-                         [&](int cell) -> const Vec3& { return mesh.cellCentre[cell]; });
+    const kvx3d::checks::PointTree tree(ActiveCells(mesh, link), [&](int cell) {
+        const Vec3& center = mesh.cellCentre[cell];
+        return kvx3d::checks::Point{center.x(), center.y(), center.z()};
+    });
     const std::vector<double>& u = flow.Fields().velocity[0];
     std::vector<AxisPoint> axis;
     for (int k = 0; radius + k * step <= end; ++k) {
         const Vec3 point(radius + k * step, 0.0, 0.0);
-        const int cell = tree.Nearest(point);
+        const int cell = tree.Nearest({point.x(), point.y(), point.z()});
         const Stencil fit = interpolation.Fit(cell, point);
         axis.push_back({point.x(), fit.Terms().empty() ? u[cell] : fit.Apply(u)});
     }
