@@ -75,6 +75,12 @@ Range Range::AboveZero() {
     return range;
 }
 
+Range Range::AtLeast(double least) {
+    Range range;
+    range.least = least;
+    return range;
+}
+
 Range Range::Between(double least, double most) {
     Range range;
     range.least = least;
@@ -86,7 +92,10 @@ std::string Range::Text() const {
     if (aboveZero) {
         return "above 0";
     }
-    return least ? fmt::format("{:.12g} to {:.12g}", *least, *most) : "";
+    if (least && most) {
+        return fmt::format("{:.12g} to {:.12g}", *least, *most);
+    }
+    return least ? fmt::format("at least {:.12g}", *least) : "";
 }
 
 void Range::Require(double value, const std::string& text) const {

@@ -54,6 +54,7 @@ class Range {
 public:
     static Range Any();
     static Range AboveZero();
+    static Range AtLeast(double least);
     /// Both ends included.
     static Range Between(double least, double most);
 

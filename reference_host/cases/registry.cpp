@@ -5,6 +5,7 @@
 #include "reference_host/cases/case_cylinder.h"
 #include "reference_host/cases/case_dump.h"
 #include "reference_host/cases/case_heat.h"
+#include "reference_host/cases/case_inspect.h"
 #include "reference_host/cases/case_mms.h"
 #include "reference_host/cases/case_nonmatching.h"
 #include "reference_host/cases/case_sphere.h"
@@ -31,6 +32,8 @@ const std::vector<CaseEntry>& AllCases() {
         Entry("mms", "order study with a manufactured solution", RunMms),
         Entry("nonmatching", "order study across an interface with non-matching faces",
               RunNonmatching),
+        Entry("inspect", "how a mesh is cut, and why: verdict, pictures, explanations", RunInspect,
+              CaseFiles::Any),
         Entry("dump", "what the toolbox linked, and its overset report, as text", RunDump,
               CaseFiles::Any),
     };

@@ -6,6 +6,7 @@
 #include "reference_host/cases/case_cylinder.h"
 #include "reference_host/cases/case_dump.h"
 #include "reference_host/cases/case_heat.h"
+#include "reference_host/cases/case_inspect.h"
 #include "reference_host/cases/case_mms.h"
 #include "tests/reference_host/app/case_file_text.h"
 
@@ -104,6 +105,19 @@ TEST_F(CaseFileText, OfAnotherCaseGivesDumpItsMeshAndParameters) {
 
     EXPECT_EQ(run.meshFile, directory.Text() + "/box.geo");
     EXPECT_EQ(run.parameters, (MeshParameters{{"n", 5}, {"ro", 2}}));
+}
+
+TEST_F(CaseFileText, OfAnotherCaseGivesInspectItsMeshAndParameters) {
+    const std::string file = Write("case = \"heat\"\nmesh.file = \"box.geo\"\nparameters.n = 5\n");
+
+    const auto run = ReadAs<host::InspectCase>(
+        {"inspect", file, "explain.cells=17,42", "--faces", "3", "--output", "here"});
+
+    EXPECT_EQ(run.meshFile, directory.Text() + "/box.geo");
+    EXPECT_EQ(run.parameters, (MeshParameters{{"n", 5}}));
+    EXPECT_THAT(run.cells, ElementsAre(17, 42));
+    EXPECT_THAT(run.faces, ElementsAre(3));
+    EXPECT_EQ(run.outputDir, "here");
 }
 
 TEST_F(CaseFileText, OfAnotherCaseWithoutAMeshGivesDumpTheDefaultOfThatCase) {

@@ -45,6 +45,15 @@ TEST(OptionRange, AboveZeroExcludesZero) {
     EXPECT_EQ(option.limits, "above 0");
 }
 
+TEST(OptionRange, AtLeastHasNoUpperEnd) {
+    int field = 7;
+    const Option option = IntegerOption(names, field, Range::AtLeast(1));
+
+    EXPECT_EQ(RefusalOf(option, {"0"}), "must be at least 1, not 0");
+    EXPECT_EQ(RefusalOf(option, {"2147483647"}), "");
+    EXPECT_EQ(option.limits, "at least 1");
+}
+
 TEST(OptionRange, LargeLimitsAreWrittenOut) {
     int field = 1;
 

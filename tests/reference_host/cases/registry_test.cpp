@@ -20,7 +20,7 @@ TEST(Registry, FindsEachCaseByItsName) {
 }
 
 TEST(Registry, NamesTheCasesInOrder) {
-    EXPECT_THAT(host::CaseNames(), StartsWith("cylinder, sphere, heat, mms, nonmatching, dump"));
+    EXPECT_THAT(host::CaseNames(), StartsWith("cylinder, sphere, heat, mms, nonmatching, "));
 }
 
 TEST(Registry, OptionsOfACaseHaveDistinctNames) {
