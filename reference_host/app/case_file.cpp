@@ -111,8 +111,9 @@ std::string MeshPath(const std::string& name, const std::string& caseFile) {
     return mesh.string();
 }
 
-/// All keys in the order of the file, without `case`. Tables of the case are taken apart; what
-/// stands in their place without being a table is kept under the table's name.
+/// All keys in the order of the file, without `case`. The keys of a table are listed as table.key.
+/// A table that the case does not have, or a plain value with the name of a table, is listed under
+/// that name, so that it can be reported.
 std::vector<Entry> EntriesOf(const toml::table& root, const std::vector<std::string>& tableNames) {
     std::vector<Entry> entries;
     for (const auto& [key, node] : root) {
@@ -134,7 +135,7 @@ std::vector<Entry> EntriesOf(const toml::table& root, const std::vector<std::str
     return entries;
 }
 
-/// Sets the option, or parameter, that an entry stands for.
+/// Sets the option or the parameter that an entry names.
 /// @param caseFile  path of the case file
 void SetEntry(const Entry& entry, const std::string& caseFile, CaseOptions& options) {
     const std::string line = fmt::format("{}:{}: ", caseFile, entry.line);

@@ -8,9 +8,9 @@
 
 namespace host {
 
-/// What the command line asked for.
+/// The contents of the command line.
 struct Command {
-    std::unique_ptr<Case> chosen;  ///< ready to run; null if only the help is wanted
+    std::unique_ptr<Case> chosen;  ///< ready to run; null for --help
     std::string help;              ///< text of --help
 };
 

@@ -6,8 +6,8 @@ namespace host {
 
 namespace {
 
-/// What stands for the value on the command line.
-const char* Placeholder(ValueKind kind) {
+/// The type of an option's value on the command line.
+const char* TypeOf(ValueKind kind) {
     switch (kind) {
         case ValueKind::Flag:
             return "true or false";
@@ -33,7 +33,7 @@ std::string ValuesOf(const Option& option) {
     if (isNamed && !option.limits.empty()) {
         return option.limits;
     }
-    return Placeholder(option.kind) + (option.limits.empty() ? "" : ", " + option.limits);
+    return TypeOf(option.kind) + (option.limits.empty() ? "" : ", " + option.limits);
 }
 
 /// The present value for the help; empty if there is none.

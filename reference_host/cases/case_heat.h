@@ -20,8 +20,8 @@ namespace host {
 ///
 ///     reference_host heat mesh.file=channel_cylinder_overset.geo parameters.n=10
 ///
-/// Expected there: the cylinder gives off 4.03 per unit time and depth, as a line source between
-/// cold walls and behind a cold inlet does.
+/// Expected there: the heat from the cylinder is 4.03 per unit time and depth, the value of a line
+/// source between cold walls and downstream of a cold inlet.
 struct HeatCase {
     std::string meshFile;
     MeshParameters parameters;  ///< values of variables of a .geo

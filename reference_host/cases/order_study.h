@@ -11,14 +11,12 @@
 
 namespace host {
 
-/// Order study: one scheme on meshes of one kind, from coarse to fine, with a manufactured
-/// solution.
-///
-/// The solution is that of WaveFor(), carried by the velocity (1, 0.6, 0), with its values given on
-/// inlet, outlet and physical walls.
-///
-/// Source of the method: P. J. Roache, Code verification by the method of manufactured solutions,
-/// J. Fluids Eng. 124 (2002) 4-10, doi:10.1115/1.1436090.
+// An order study measures the error of one scheme against a manufactured solution on meshes of one
+// kind, from coarse to fine. The solution is that of WaveFor(), the convection velocity is
+// (1, 0.6, 0), and the exact values are prescribed on inlet, outlet and physical walls.
+//
+// Source of the method: P. J. Roache, Code verification by the method of manufactured solutions,
+// J. Fluids Eng. 124 (2002) 4-10, doi:10.1115/1.1436090.
 
 /// Errors on one mesh, over all active cells and over each grid.
 struct StudyLevel {
@@ -32,9 +30,10 @@ struct StudyLevel {
 /// One scheme on one kind of mesh.
 struct OrderStudy {
     Scheme scheme;
-    std::optional<int> kind;         ///< of box_annulus_overset.geo; none for all other meshes
+    std::optional<int> kind;         ///< variable of box_annulus_overset.geo; none for other meshes
     std::vector<StudyLevel> levels;  ///< coarse to fine
-    bool isPlane = true;  ///< two-dimensional solution, which the limits of the error need
+    bool isPlane =
+        true;  ///< the solution is two-dimensional; limits of the error are for these only
 };
 
 /// What a scheme must reach.
@@ -55,8 +54,8 @@ double Order(double coarseError, double fineError, int coarseSize, int fineSize)
 /// Diffusion coefficient of a study that names none: 1 for pure diffusion, else 0.01.
 double DefaultMu(Scheme scheme);
 
-/// The meshes and solutions of one level: solves the manufactured problem with one scheme after the
-/// other. Neither copied nor moved.
+/// Solves the manufactured problem on one mesh, with one scheme after the other. Neither copied nor
+/// moved.
 class LevelSolver {
 public:
     /// Borrows its arguments.

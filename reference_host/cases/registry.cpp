@@ -22,7 +22,7 @@ CaseEntry Entry(const char* name, const char* summary, int (*run)(const Settings
 
 }  // namespace
 
-// A new case is a unit of its own and one line here.
+// A new case needs its own unit (.h and .cpp) and one line in this table, with its #include above.
 const std::vector<CaseEntry>& AllCases() {
     static const std::vector<CaseEntry> cases = {
         Entry("cylinder", "laminar flow around a cylinder in a channel, benchmark 2D-1",
