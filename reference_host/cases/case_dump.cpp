@@ -11,6 +11,10 @@
 
 namespace host {
 
+CaseOptions OptionsOf(DumpCase& run) {
+    return {run.meshFile, run.parameters, {}};
+}
+
 int RunDump(const DumpCase& run) {
     const Mesh mesh = ReadGrids(run.meshFile, run.parameters);
     HostObjects objects(mesh, ".");

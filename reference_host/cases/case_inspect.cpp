@@ -9,6 +9,7 @@
 #include "host_checks/host_checks.h"
 #include "host_checks/inspection.h"
 #include "overset/overset_mesh.h"
+#include "reference_host/cases/common_options.h"
 #include "reference_host/link/host_objects.h"
 #include "reference_host/run/result_series.h"
 
@@ -48,6 +49,19 @@ void PrintFiles(const kvx3d::checks::InspectionFiles& files, const std::string& 
 }
 
 }  // namespace
+
+CaseOptions OptionsOf(InspectCase& run) {
+    const Range ids = Range::AtLeast(1);
+    return {run.meshFile,
+            run.parameters,
+            {
+                OutputOption(run.outputDir, "directory of the inspection files"),
+                IntegersOption({"explain.cells", "--cells", "numbers of cells to explain"},
+                               run.cells, ids),
+                IntegersOption({"explain.faces", "--faces", "numbers of inner faces to explain"},
+                               run.faces, ids),
+            }};
+}
 
 int RunInspect(const InspectCase& run) {
     PrepareOutputDirectory(run.outputDir);

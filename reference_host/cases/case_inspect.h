@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "reference_host/mesh/mesh_reader.h"
+#include "reference_host/cases/case_options.h"
 
 namespace host {
 
@@ -14,14 +14,17 @@ namespace host {
 /// files for ParaView, and explains single cells and faces. Meshes that break the mesh rules are
 /// inspected as well, because the pictures show what is wrong with them.
 ///
-///     reference_host inspect --mesh channel_cylinder_overset.geo --set n=5
+///     reference_host inspect mesh.file=channel_cylinder_overset.geo parameters.n=5
+///     reference_host inspect cases/cylinder.toml explain.cells=17,42
 struct InspectCase {
     std::string meshFile;
-    MeshParameters parameters;  ///< numbers for a .geo file
+    MeshParameters parameters;  ///< values of variables of a .geo
     std::string outputDir = "inspection_results";
     std::vector<int> cells;  ///< numbers of cells to explain
     std::vector<int> faces;  ///< numbers of inner faces to explain
 };
+
+CaseOptions OptionsOf(InspectCase& run);
 
 /// Prints everything on standard output and writes `cells.vtu` and `donors.vtu`.
 ///

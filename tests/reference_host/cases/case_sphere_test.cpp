@@ -1,10 +1,11 @@
+#include "reference_host/cases/case_sphere.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
 
 #include "reference_host/cases/benchmark_sphere.h"
-#include "reference_host/cases/case_sphere.h"
 #include "reference_host/link/body.h"
 #include "tests/reference_host/discretisation/mesh_case.h"
 #include "tests/support/output_capture.h"
@@ -27,18 +28,18 @@ TEST(RecirculationLength, EndsWhereTheVelocityChangesSign) {
     EXPECT_DOUBLE_EQ(RecirculationLength(axis), 1.125 - 0.5);
 }
 
-TEST(RecirculationLength, TakesTheFirstChangeOnly) {
+TEST(RecirculationLength, IsMeasuredToTheFirstChangeOnly) {
     const std::vector<AxisPoint> axis = {{0.5, -0.1}, {1.0, 0.1}, {1.5, -0.1}, {2.0, 0.1}};
 
     EXPECT_DOUBLE_EQ(RecirculationLength(axis), 0.25);
 }
 
-TEST(RecirculationLength, IsZeroIfNothingRunsBack) {
+TEST(RecirculationLength, IsZeroWithoutReversedFlowThatEnds) {
     EXPECT_EQ(RecirculationLength({{0.5, 0.0}, {1.0, 0.5}}), 0.0);
     EXPECT_EQ(RecirculationLength({{0.5, -0.5}, {1.0, -0.1}}), 0.0);
 }
 
-TEST(SphereLimits, AreMissedByEachFigureAlone) {
+TEST(SphereLimits, ApplyToEachFigureAlone) {
     namespace sphere = host::benchmarksphere;
     const auto limits = sphere::LimitsOf(host::Scheme::LinearUpwind, 7);
     ASSERT_TRUE(limits);
@@ -61,12 +62,12 @@ TEST(SphereLimits, AreMissedByEachFigureAlone) {
     EXPECT_THAT(sphere::Misses(mass, *limits), ElementsAre(HasSubstr("mass")));
 }
 
-TEST(SphereLimits, AreThereForMeasuredMeshesOnly) {
+TEST(SphereLimits, ExistForMeasuredMeshesOnly) {
     EXPECT_FALSE(host::benchmarksphere::LimitsOf(host::Scheme::LinearUpwind, 6));
     EXPECT_FALSE(host::benchmarksphere::LimitsOf(host::Scheme::Quick, 7));
 }
 
-TEST(SphereFlow, SideWallsMoveWithTheStreamAndTheSphereRests) {
+TEST(SphereFlow, SideWallsMoveWithTheStreamAndTheSphereIsAtRest) {
     OutputCapture quiet;
     const MeshCase mesh(sphere5);
     const Vec3 stream = host::benchmarksphere::Stream();
@@ -76,10 +77,11 @@ TEST(SphereFlow, SideWallsMoveWithTheStreamAndTheSphereRests) {
     int body = 0;
 
     for (int face = 1; face <= mesh.mesh.FaceCount(Boundary::Wall); ++face) {
-        if (mesh.mesh.Faces(Boundary::Wall)[face].oversetGroup > 0) {
+        const host::WallRole role = RoleOf(mesh.mesh, mesh.link, face);
+        if (role == host::WallRole::Overset) {
             continue;
         }
-        const bool rests = IsBody(mesh.mesh, mesh.link, Boundary::Wall, face);
+        const bool rests = role == host::WallRole::Body;
         (rests ? body : walls) += 1;
         for (int component = 0; component < 3; ++component) {
             const auto& at = conditions.velocity[component].At(Boundary::Wall, face);
@@ -91,7 +93,7 @@ TEST(SphereFlow, SideWallsMoveWithTheStreamAndTheSphereRests) {
     EXPECT_GT(body, 0);
 }
 
-TEST(FullSphereFlow, CoarseMeshComesNearTheDragAndTheVortex) {
+TEST(FullSphereFlow, FiguresOfTheCoarseMeshAreWithinTheirLimits) {
     TempDirectory results;
     host::SphereCase run;
     run.meshFile = std::string(KVX3D_TEST_MESH_DIR) + "/sphere_overset.geo";
