@@ -12,6 +12,8 @@
 
 namespace {
 
+using kvx3d::detail::NearestFace;
+
 constexpr int nonActive = 1;  // cellState
 
 constexpr const char* noGridState = "Warning: Can not get the overset grid state.";
@@ -283,7 +285,7 @@ void CKVX_ART_HoleCutting::OutsideDomainCutting(int layer) {
             bool isCut = run.side[i] > 0;
             const int r = run.side[i] == 0 ? walls.Find(run.C[i]) : 0;
             if (r > 0) {
-                Judgement by(run.C[i], walls.Centre(r), walls.AreaVector(r));
+                Judgement by(run.C[i], walls.Center(r), walls.AreaVector(r));
                 // Not divided by the area: both sides carry it, and a division would round
                 // differently near the margin.
                 isCut = Innerproduct(by.CP, by.S) > -(Norm(by.S) * layer * run.SizeOf(i));
@@ -317,7 +319,7 @@ void CKVX_ART_HoleCutting::OverlapRegionCutting(int layer) {
             bool isCut = run.side[i] < 0;
             const int r = run.side[i] == 0 ? outerFaces.Find(run.C[i]) : 0;
             if (r > 0) {
-                Judgement by(run.C[i], outerFaces.Centre(r), outerFaces.AreaVector(r));
+                Judgement by(run.C[i], outerFaces.Center(r), outerFaces.AreaVector(r));
                 isCut = Innerproduct(by.CP, by.S) < -(Norm(by.S) * layer * run.SizeOf(i));
             }
             if (isCut) {

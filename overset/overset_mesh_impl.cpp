@@ -11,6 +11,10 @@
 
 namespace {
 
+using kvx3d::detail::InsertPoints;
+using kvx3d::detail::KDtreePoint;
+using kvx3d::detail::RoomForPoints;
+
 constexpr int nonActive = 1;  // values of cellState
 constexpr int active = 2;
 
@@ -187,10 +191,6 @@ void CKVXOversetMesh_Impl::BuildTreeForSearchDonor() {
     InsertActiveCells(*backgroundTree, *gridData, OversetGrid_Background);
     if (gridData->hasOversetGrids) {
         InsertActiveCells(*componentTree, *gridData, OversetGrid_Component1);
-        // The whole hole boundary asks this tree, so an index is soon worth its making. That of the
-        // background is larger and asked less: there an index costs more than the searches it
-        // saves, and its memory on top of all nodes would be the peak of the setup.
-        IndexNodes(*componentTree->tree);
     }
 }
 

@@ -9,12 +9,15 @@
 #include <new>
 #include <vector>
 
-#include "overset/detail/kd_tree_store.h"
+#include "overset/detail/kd_tree_search.h"
 #include "plain/samples/clouds.h"
 #include "tests/support/allocation_recorder.h"
 #include "tests/support/output_capture.h"
 
 namespace {
+
+using kvx3d::detail::ClearResults;
+using kvx3d::detail::InsertResult;
 
 /// The answer of a search, released with it.
 struct Answer {

@@ -13,6 +13,8 @@
 
 namespace {
 
+using kvx3d::detail::NearestFace;
+
 int SideOfOne(NearestFace& faces, const double* C, double depth) {
     return faces.SideOf({{C[0], C[1], C[2]}, {C[0], C[1], C[2]}, depth, depth});
 }
