@@ -14,7 +14,8 @@ install(TARGETS KVX3DMeshlessToolbox KVX3DMatrixSolver
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 foreach(folder host_link linear_algebra fvm_operators overset vtk_output nonmatching)
-  install(DIRECTORY ${folder} DESTINATION ${kvx3d_include_dir} FILES_MATCHING PATTERN "*.h")
+  install(DIRECTORY ${folder} DESTINATION ${kvx3d_include_dir} FILES_MATCHING PATTERN "*.h"
+          PATTERN "donor_search.h" EXCLUDE)
 endforeach()
 install(FILES matrix_solver/matrix_solver.h DESTINATION ${kvx3d_include_dir}/matrix_solver)
 
