@@ -59,8 +59,8 @@ std::vector<Leaf> LeavesOf(KDtreeCore& core) {
 /// Compares the answer of the tree with that of the plain recursion over the same nodes.
 void ExpectAnswerOfTheNodes(KVX_ART_KDtree& tree, const Query& q) {
     const KDtreeCore& core = *tree.tree;
-    const KDtreeNode* expected = plain::NearestBelow<KDtreeNode>(core.root, core.rect->min,
-                                                                 core.rect->max, q.data());
+    const KDtreeNode* expected =
+        plain::NearestBelow<KDtreeNode>(core.root, core.rect->min, core.rect->max, q.data());
     int* found = nullptr;
     ASSERT_EQ(tree.SearchNearestPoints(q[0], q[1], q[2], found), 1);
     EXPECT_EQ(found[1], *expected->data) << testing::PrintToString(q);
@@ -174,10 +174,10 @@ TEST_P(ComponentTreeWithChangedNodes, AMovedLeafIsFoundAtItsNewPlaceOnly) {
     ExpectMovedLeavesToBeFound(*mesh.impl->componentTree);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Grids, ComponentTreeWithChangedNodes,
-    testing::Values(std::array<int, 3>{5, 2, 1}, std::array<int, 3>{8, 4, 8},
-                    std::array<int, 3>{10, 10, 10}, std::array<int, 3>{25, 20, 10}));
+INSTANTIATE_TEST_SUITE_P(Grids, ComponentTreeWithChangedNodes,
+                         testing::Values(std::array<int, 3>{5, 2, 1}, std::array<int, 3>{8, 4, 8},
+                                         std::array<int, 3>{10, 10, 10},
+                                         std::array<int, 3>{25, 20, 10}));
 
 TEST(DonorSearchWithChangedNodes, ADetachedCellIsNoLongerADonor) {
     CylinderHost host(4);
