@@ -1,13 +1,13 @@
-/// Building the point tree and asking it for the nearest point.
+/// Building a point tree and searching it for the nearest point.
 ///
-/// The argument and the size are the number of points: a uniform cloud, or a cubic lattice in mesh
-/// order ("Lattice"), which makes deep trees. "Build" is one array build, "Nearest" one query of
-/// many all over the cloud, "FirstSearches" a build and one query for every eight points, which
-/// charges the index beside a tree to the searches it is made for. Items are points or queries.
+/// The argument and the counter "size" are the number of points. "Uniform" is a random cloud;
+/// "Lattice" is a cubic lattice in mesh order, which makes the tree deep. "Build" is one array
+/// build, "Nearest" 32,768 queries all over the cloud, "FirstSearches" a build followed by one
+/// query for every eight points. Items are points or queries.
 ///
-/// The yardsticks: the plain tree, which inserts one by one and searches by recursion, and
-/// nanoflann, whose balanced tree owes nothing to the order of arrival. Ours must answer the id
-/// that the plain tree answers, and be as near as nanoflann's.
+/// The baselines are the plain tree, which inserts one point at a time and searches recursively,
+/// and nanoflann, whose tree is balanced and independent of the order of the points. Our answers
+/// must have the ids of the plain tree and the distances of nanoflann.
 
 #include <benchmark/benchmark.h>
 
@@ -51,7 +51,7 @@ struct NanoflannCloud {
     }
 };
 
-/// nanoflann with the leaf size of its manual.
+/// nanoflann with the leaf size that its manual suggests.
 class Nanoflann {
 public:
     explicit Nanoflann(const Cloud& cloud)
@@ -73,7 +73,7 @@ private:
         tree;
 };
 
-/// The tree with the array that its answers come in.
+/// Our tree with the array for its answers.
 class Ours {
 public:
     explicit Ours(Cloud& cloud) {
@@ -129,16 +129,16 @@ const std::vector<Query>& UniformQueries() {
     return queries;
 }
 
-/// The points of a row, made once for all rows and repetitions, and whether all trees agree on
+/// The points of a row, made once for all rows and repetitions. Records whether all trees agree on
 /// every query.
 struct Points {
     explicit Points(Cloud made) : cloud(std::move(made)) {
         Ours ours(cloud);
-        const Plain yardstick(cloud);
+        const Plain baseline(cloud);
         const Nanoflann peer(cloud);
         for (const Query& q : UniformQueries()) {
             const std::size_t answer = ours.Nearest(q);
-            agreed = agreed && answer == yardstick.Nearest(q) &&
+            agreed = agreed && answer == baseline.Nearest(q) &&
                      DistanceSqTo(cloud, answer, q) == DistanceSqTo(cloud, peer.Nearest(q), q);
         }
     }
@@ -154,7 +154,7 @@ Points& PointsOf(benchmark::State& state, MakeCloud make) {
         points = std::make_unique<Points>(make(state.range(0)));
     }
     if (!points->agreed) {
-        state.SkipWithError("wrong neighbour: the time means nothing");
+        state.SkipWithError("wrong neighbor: the time has no meaning");
     }
     state.counters["size"] = points->cloud.Size();
     return *points;

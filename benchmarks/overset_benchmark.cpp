@@ -1,13 +1,14 @@
-/// Overset setup and donors on the cylinder family of plain/samples/cylinder_host.h.
+/// Overset set-up and donor queries on the cylinder meshes of plain/samples/cylinder_host.h.
 ///
-/// The argument is m, the mesh has 240 m^3 cells. "Setup" is SetFVM() from the host's arrays to
-/// the donor trees, its size is the number of cells; "Donors" is one query for each inner face on
-/// the hole boundary, its size is the number of those faces. The yardstick of each does the same
-/// with insertion trees, one search a cell. Both must agree on every cell and every donor.
+/// The argument is m; the mesh has 240 m^3 cells. "Setup" is SetFVM(), from the host's arrays to
+/// the donor trees; its size is the number of cells. "Donors" is one query for each inner face on
+/// the hole boundary; its size is the number of those faces. The baseline of each is the plain
+/// overset set-up, with one tree search for each cell. Both sides must agree on every cell and
+/// every donor.
 ///
-/// Memory, in MB of 10^6 bytes asked of operator new during one setup: `peak_MB` above the host's
-/// arrays, `mesh_MB` in the mesh arrays derived from them (areas, ghost tables, cell lists and
-/// states), which both sides share, and `above_mesh_MB`, the difference.
+/// Memory in MB of 10^6 bytes, allocated by operator new during one set-up: `peak_MB` is the peak
+/// beyond the host's arrays, `mesh_MB` the mesh arrays derived from those (areas, ghost tables,
+/// cell lists and states), which both sides need, and `above_mesh_MB` the difference.
 
 #include <benchmark/benchmark.h>
 
@@ -27,7 +28,7 @@
 
 namespace {
 
-/// Keeps the step lines out of the table.
+/// Suppresses the lines of the set-up steps, so that they do not appear in the table.
 class QuietOutput {
 public:
     QuietOutput() : kept(std::cout.rdbuf(nullptr)) {}
@@ -42,7 +43,7 @@ private:
     std::streambuf* kept;
 };
 
-/// The facade, its grid data released with it: a benchmark runs many setups.
+/// The facade. Releases the grid data as well, because a benchmark runs many set-ups.
 struct Ours {
     explicit Ours(CylinderHost& host) {
         const QuietOutput quiet;
@@ -63,8 +64,8 @@ struct Plain {
     plain::Overset overset;
 };
 
-/// A host of the family with the last setup of either side. Rows share it: the yardstick alone
-/// takes seconds on the finest mesh.
+/// A host with the last set-up of each side. All rows share it, because one plain set-up of the
+/// finest mesh takes seconds.
 class Rig {
 public:
     static Rig& Of(std::int64_t m) {
@@ -82,7 +83,7 @@ public:
         }
         return *ours;
     }
-    Plain& Yardstick() {
+    Plain& Baseline() {
         if (!plain) {
             plain = std::make_unique<Plain>(host);
         }
@@ -92,7 +93,7 @@ public:
     /// The inner faces on the hole boundary.
     const std::vector<int>& HoleBoundary() {
         if (faces.empty()) {
-            KVX_ART_OVERSET_GRID_DATA& data = Yardstick().data;
+            KVX_ART_OVERSET_GRID_DATA& data = Baseline().data;
             for (int face = 1; face <= data.Ne; ++face) {
                 if (data.GetInnerFaceState(face) == OversetInnerFace_Overset) {
                     faces.push_back(face);
@@ -104,20 +105,20 @@ public:
 
     bool SameCells() {
         const KVX_ART_OVERSET_GRID_DATA& a = *Toolbox().mesh.impl->gridData;
-        const KVX_ART_OVERSET_GRID_DATA& b = Yardstick().data;
+        const KVX_ART_OVERSET_GRID_DATA& b = Baseline().data;
         return a.NNonActiveCell == b.NNonActiveCell &&
                std::equal(a.cellState + 1, a.cellState + 1 + a.Nc, b.cellState + 1);
     }
 
     bool SameDonors() {
         Ours& mine = Toolbox();
-        const Plain& yardstick = Yardstick();
+        const Plain& baseline = Baseline();
         return std::all_of(HoleBoundary().begin(), HoleBoundary().end(), [&](int face) {
-            return mine.mesh.GetOversetInnerNeighbor(face) == yardstick.overset.InnerDonor(face);
+            return mine.mesh.GetOversetInnerNeighbor(face) == baseline.overset.InnerDonor(face);
         });
     }
 
-    /// Bytes of the arrays that the linking and the grid information derive from the host's.
+    /// Size of the arrays that linking and grid information derive from the host's arrays.
     double MeshMB() {
         const AllocationCount count;
         KVX_ART_OVERSET_GRID_DATA data;
@@ -136,7 +137,7 @@ private:
     std::vector<int> faces;
 };
 
-/// Times one side's setup and leaves the last one in the rig.
+/// Times the set-up of one side and keeps the last one in the rig.
 template <typename Side>
 void RunSetup(benchmark::State& state, Rig& rig, std::unique_ptr<Side>& last) {
     double peakMB = 0.0;
@@ -162,7 +163,7 @@ void BM_Setup(benchmark::State& state) {
     Rig& rig = Rig::Of(state.range(0));
     RunSetup(state, rig, rig.ours);
     if (!rig.SameCells()) {
-        state.SkipWithError("other cells cut: the time means nothing");
+        state.SkipWithError("different cells are cut: the time has no meaning");
     }
 }
 
@@ -174,14 +175,14 @@ void BM_SetupPlain(benchmark::State& state) {
 void BM_Donors(benchmark::State& state) {
     Rig& rig = Rig::Of(state.range(0));
     Ours& ours = rig.Toolbox();
-    const std::vector<int>& faces = rig.HoleBoundary();  // found before the clock runs
+    const std::vector<int>& faces = rig.HoleBoundary();  // not timed
     for (auto _ : state) {
         for (int face : faces) {
             benchmark::DoNotOptimize(ours.mesh.GetOversetInnerNeighbor(face));
         }
     }
     if (!rig.SameDonors()) {
-        state.SkipWithError("other donors: the time means nothing");
+        state.SkipWithError("different donors: the time has no meaning");
     }
     const auto nFaces = static_cast<std::int64_t>(faces.size());
     state.SetItemsProcessed(state.iterations() * nFaces);
@@ -190,11 +191,11 @@ void BM_Donors(benchmark::State& state) {
 
 void BM_DonorsPlain(benchmark::State& state) {
     Rig& rig = Rig::Of(state.range(0));
-    const Plain& yardstick = rig.Yardstick();
+    const Plain& baseline = rig.Baseline();
     const std::vector<int>& faces = rig.HoleBoundary();
     for (auto _ : state) {
         for (int face : faces) {
-            benchmark::DoNotOptimize(yardstick.overset.InnerDonor(face));
+            benchmark::DoNotOptimize(baseline.overset.InnerDonor(face));
         }
     }
     const auto nFaces = static_cast<std::int64_t>(faces.size());

@@ -1,184 +1,94 @@
 #include "overset/hole_cutting.h"
 
-#include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <new>
 
 #include "host_link/art_gv.h"
 #include "host_link/detail/classic_format.h"
+#include "overset/detail/cell_run.h"
 #include "overset/detail/nearest_face.h"
 #include "overset/kd_tree.h"
 #include "overset/overset_grid_data.h"
 
+// The four cuts differ in the cells they look at, in the faces that judge those cells, and in the
+// side that is cut; IsCut() is the one rule of all of them. The cuts of the set-up judge cells in
+// runs, because most cells lie far from every face. The cuts on hand-linked data judge one by one.
+//
+// Readable transcription: CutOutside() and CutOverlap() in plain/plain_overset.h.
+
 namespace {
 
-constexpr int nonActive = 1;  // cellState
+using namespace kvx3d::detail;
+
+constexpr int nonActive = 1;  // value of cellState
 
 constexpr const char* noGridState = "Warning: Can not get the overset grid state.";
 constexpr const char* noGridType = "Warning: Can not get the overset grid type.";
 
-/// Edge length of a cell from its volume. Neighbouring cells of a mesh often have the same volume,
-/// and the power costs more than the rest of the test.
-class CellSize {
-public:
-    double Of(double V) {
-        if (V != volume) {
-            volume = V;
-            size = std::pow(V, 0.3333333333333333);
-        }
-        return size;
-    }
+/// Which sign of (C - P) . S + |S| layer h marks a cell to be cut.
+enum CutSide { CutBehind = -1, CutInFront = 1 };
 
-private:
-    double volume = 1.0;
-    double size = 1.0;
+/// One cutting pass over the cells of a grid.
+struct CuttingPass {
+    KVX_ART_OVERSET_GRID_DATA& data;  ///< cell states and their count, written
+    const CKVX_ACMT_GV& geometry;     ///< cell centers and volumes
+    int grid;                         ///< whose cells are judged
+    CutSide cutSide;
+    int layer;  ///< margin [cell sizes]
+    const char* noGridWarning;
 };
 
-void Cut(KVX_ART_OVERSET_GRID_DATA& gridData, int cell) {
-    ++gridData.NNonActiveCell;
-    gridData.cellState[cell] = nonActive;
+/// Scalar product, summed from left to right.
+double Dot(const double* a, const double* b) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
-/// The cells of one grid, in ascending order, with a warning for each cell without a grid.
-class GridCells {
-public:
-    GridCells(const KVX_ART_OVERSET_GRID_DATA& data, const CKVX_ACMT_GV& mesh, int wantedGrid,
-              const char* noGridWarning)
-        : gridData(data), geometry(mesh), wanted(wantedGrid), warning(noGridWarning) {}
+/// The rule: compares (C - P) . S, the distance of the cell center C from the plane of the face
+/// times the area, with the margin |S| layer h on the inner side of that plane.
+/// @param h  cell size
+/// @param P  face center
+/// @param S  area vector
+bool IsCut(const CuttingPass& pass, const double* C, double h, const double* P, const double* S) {
+    const double CP[3] = {C[0] - P[0], C[1] - P[1], C[2] - P[2]};
+    const double measure = Dot(CP, S);
+    const double margin = std::sqrt(Dot(S, S)) * pass.layer * h;
+    // Not divided by |S|: both sides carry it, and a division would round differently near the
+    // margin. A cell exactly on the margin stays in either case.
+    return pass.cutSide == CutInFront ? measure > -margin : measure < -margin;
+}
 
-    /// Goes to the next cell; false behind the last.
-    bool Next() {
-        while (++cell <= geometry.Nc) {
-            const int grid = gridData.cavityToGrid[gridData.cavityId[cell]];
-            if (grid == wanted) {
-                C[0] = geometry.xc[cell];
-                C[1] = geometry.yc[cell];
-                C[2] = geometry.zc[cell];
-                V = geometry.volume[cell];
-                return true;
+void Cut(KVX_ART_OVERSET_GRID_DATA& data, int cell) {
+    ++data.NNonActiveCell;
+    data.cellState[cell] = nonActive;
+}
+
+/// Cuts cells by their nearest faces, a run of cells at a time. Without faces nothing is cut.
+void CutInRuns(const CuttingPass& pass, NearestFace& faces) {
+    GridCells cells(pass.data, pass.geometry, pass.grid, pass.noGridWarning);
+    CellRun run;
+    while (run.Fill(cells)) {
+        run.Judge(faces, pass.layer);
+        for (int i = 0; i < run.n; ++i) {
+            bool isCut = run.side[i] == pass.cutSide;
+            if (run.side[i] == 0) {
+                const int r = faces.Find(run.C[i]);
+                isCut = r > 0 &&
+                        IsCut(pass, run.C[i], run.SizeOf(i), faces.Center(r), faces.AreaVector(r));
             }
-            if (grid < OversetGrid_Background || grid > OversetGrid_Component2) {
-                std::cout << warning << std::endl;
+            if (isCut) {
+                Cut(pass.data, run.cell[i]);
             }
         }
-        return false;
     }
+}
 
-    int cell = 0;
-    double C[3];     ///< centre of the cell
-    double V = 0.0;  ///< its volume
-
-private:
-    const KVX_ART_OVERSET_GRID_DATA& gridData;
-    const CKVX_ACMT_GV& geometry;
-    const int wanted;
-    const char* const warning;
-};
-
-/// Up to 8 cells of one grid that follow each other. Neighbours in the mesh, they are judged
-/// together as far as possible: a verdict on all of them costs hardly more than one on a single
-/// cell.
-class CellRun {
-public:
-    /// Takes the next cells; false if there is none.
-    bool Fill(GridCells& cells) {
-        n = 0;
-        while (n < capacity && cells.Next()) {
-            cell[n] = cells.cell;
-            std::copy(cells.C, cells.C + 3, C[n]);
-            V[n] = cells.V;
-            ++n;
-        }
-        return n > 0;
-    }
-
-    /// Sets `side` of each cell to NearestFace::SideOf(), with a depth of `layer` cell sizes.
-    void Judge(NearestFace& faces, int layer) {
-        if (runsApart > 0) {
-            --runsApart;
-            for (int i = 0; i < n; ++i) {
-                side[i] = SideOfGroup(faces, layer, i, i + 1);
-            }
-            return;
-        }
-        nTogether = 0;
-        JudgeGroup(faces, layer, 0, n);
-        if (nTogether == 0) {
-            runsApart = patience;
-        }
-    }
-
-    double SizeOf(int i) { return sizes.Of(V[i]); }
-
-    static constexpr int capacity = 8;
-    static constexpr int parts = 4;     // a group without a common verdict is judged by parts
-    static constexpr int patience = 4;  // runs; cells numbered at random never share a verdict
-
-    int n = 0;
-    int cell[capacity];
-    double C[capacity][3];
-    double V[capacity];
-    int side[capacity];  ///< 0 where only the nearest face itself can tell
-
-private:
-    void JudgeGroup(NearestFace& faces, int layer, int first, int last) {
-        const int together = SideOfGroup(faces, layer, first, last);
-        if (together != 0 || last - first == 1) {
-            std::fill(side + first, side + last, together);
-            nTogether += last - first > 1 ? last - first : 0;
-            return;
-        }
-        const int part = (last - first + parts - 1) / parts;
-        for (int at = first; at < last; at += part) {
-            JudgeGroup(faces, layer, at, std::min(at + part, last));
-        }
-    }
-
-    int SideOfGroup(NearestFace& faces, int layer, int first, int last) {
-        NearestFace::Cells group;
-        std::copy(C[first], C[first] + 3, group.min);
-        std::copy(C[first], C[first] + 3, group.max);
-        double minV = V[first];
-        double maxV = V[first];
-        double sum = 0.0;
-        for (int i = first; i < last; ++i) {
-            for (int axis = 0; axis < 3; ++axis) {
-                group.min[axis] = std::min(group.min[axis], C[i][axis]);
-                group.max[axis] = std::max(group.max[axis], C[i][axis]);
-                sum += C[i][axis];
-            }
-            minV = std::min(minV, V[i]);
-            maxV = std::max(maxV, V[i]);
-            sum += V[i];
-        }
-        group.minDepth = layer * sizes.Of(minV);
-        group.maxDepth = layer * sizes.Of(maxV);
-        // Bounds lose what is no number, sums do not.
-        return std::isfinite(sum) ? faces.SideOf(group) : 0;
-    }
-
-    CellSize sizes;
-    int nTogether = 0;  ///< cells of the run that shared a verdict
-    int runsApart = 0;  ///< runs to come whose cells are judged one by one
-};
-
-/// What a cell is judged by: the way to its centre from that of its nearest face, and the area
-/// vector of that face.
-struct Judgement {
-    Judgement(const double* C, const double* P, const double* areaVector)
-        : CP{C[0] - P[0], C[1] - P[1], C[2] - P[2]},
-          S{areaVector[0], areaVector[1], areaVector[2]} {}
-    double CP[3];
-    double S[3];
-};
-
-/// Nearest of the points that a caller linked by hand, for the second pair. Only what belongs to
-/// an answer is read of the tables beside the points, so the rest of them may be unset.
+/// Points that a caller linked by hand, for the second pair of cuts.
 class LinkedPoints {
 public:
-    LinkedPoints(double* x, double* y, double* z, int n) {
-        if (n > 0 && !tree.BuildTree(&x[1], &y[1], &z[1], n)) {
+    /// @param px,py,pz  coordinates 1..n, used until the object is destroyed
+    LinkedPoints(double* px, double* py, double* pz, int n) : x(px), y(py), z(pz) {
+        if (n > 0 && !tree.BuildTree(&px[1], &py[1], &pz[1], n)) {
             throw std::bad_alloc();
         }
     }
@@ -186,54 +96,80 @@ public:
     LinkedPoints& operator=(const LinkedPoints&) = delete;
     ~LinkedPoints() { delete[] found; }
 
-    /// Position of the point nearest to C, from 1; 0 if there is none.
+    /// Number of the point nearest to C, from 1; 0 if there is no point.
     int Nearest(const double* C) {
         return tree.SearchNearestPoints(C[0], C[1], C[2], found) == 1 ? found[1] : 0;
     }
 
+    NearestFace::Vector At(int r) const { return {x[r], y[r], z[r]}; }
+
 private:
+    const double* const x;
+    const double* const y;
+    const double* const z;
     KVX_ART_KDtree tree;
     int* found = nullptr;
 };
 
-/// The background's physical walls.
-void AddBackgroundWalls(NearestFace& walls, const KVX_ART_OVERSET_GRID_DATA& data) {
-    for (int i = 1; i <= data.NBackgroundWall; ++i) {
-        const int face = data.backgroundWall[i];
-        walls.Add({data.xBackgroundWall[i], data.yBackgroundWall[i], data.zBackgroundWall[i]},
-                  {data.nxWall[face], data.nyWall[face], data.nzWall[face]});
-    }
-}
-
-/// The outer faces of component grid 1; with a fixed vector in place of the area vectors if that
-/// is wanted: the centre of the last face.
-void AddOuterFaces(NearestFace& faces, const KVX_ART_OVERSET_GRID_DATA& data, bool fixedVector) {
-    // A mesh of one grid need not have a group to read.
-    const bool hasGroup = data.hasOversetGrids || data.NOversetBC > 0;
-    const int n = hasGroup ? data.oversetBCFaceCount[1] : 0;
-    for (int i = 1; i <= n; ++i) {
-        const int face = data.oversetBCWallFace[1][i];
-        const int last = data.oversetBCWallFace[1][n];
-        const NearestFace::Vector P = {data.xWall[face], data.yWall[face], data.zWall[face]};
-        if (fixedVector) {
-            faces.Add(P, {data.xWall[last], data.yWall[last], data.zWall[last]});
-        } else {
-            faces.Add(P, {data.nxWall[face], data.nyWall[face], data.nzWall[face]});
+/// Cuts cells by their nearest points, one cell at a time. Without points nothing is cut.
+/// @param areaVectorOf  gives the area vector for a point number. It is called for the answers
+///                      only: the tables beside the other points may be unset.
+template <typename AreaVectorOf>
+void CutOneByOne(const CuttingPass& pass, LinkedPoints& points, AreaVectorOf areaVectorOf) {
+    GridCells cells(pass.data, pass.geometry, pass.grid, pass.noGridWarning);
+    CellSize sizes;
+    while (cells.Next()) {
+        const int r = points.Nearest(cells.C);
+        if (r == 0) {
+            continue;
+        }
+        const NearestFace::Vector P = points.At(r);
+        const NearestFace::Vector S = areaVectorOf(r);
+        if (IsCut(pass, cells.C, sizes.Of(cells.V), P.data(), S.data())) {
+            Cut(pass.data, cells.cell);
         }
     }
 }
 
-/// Area vector that belongs to overlap point r. Before an outside cut the point is a face of
-/// group 1; after it the first points are what remains of the group, the others inner faces on the
-/// new boundary.
+NearestFace::Vector WallVector(const CKVX_ACMT_GV& geometry, int face) {
+    return {geometry.nxWall[face], geometry.nyWall[face], geometry.nzWall[face]};
+}
+
+/// Adds the background's physical walls.
+void AddBackgroundWalls(NearestFace& walls, const KVX_ART_OVERSET_GRID_DATA& data) {
+    for (int i = 1; i <= data.NBackgroundWall; ++i) {
+        walls.Add({data.xBackgroundWall[i], data.yBackgroundWall[i], data.zBackgroundWall[i]},
+                  WallVector(data, data.backgroundWall[i]));
+    }
+}
+
+/// Adds the outer faces of component grid 1.
+/// @param fixedVector  take the center of the last face in place of every area vector
+void AddOuterFaces(NearestFace& faces, const KVX_ART_OVERSET_GRID_DATA& data, bool fixedVector) {
+    // A mesh with one grid need not have a first group.
+    const bool hasGroup = data.hasOversetGrids || data.NOversetBC > 0;
+    const int n = hasGroup ? data.oversetBCFaceCount[1] : 0;
+    const auto centerOf = [&data](int i) -> NearestFace::Vector {
+        const int face = data.oversetBCWallFace[1][i];
+        return {data.xWall[face], data.yWall[face], data.zWall[face]};
+    };
+    for (int i = 1; i <= n; ++i) {
+        faces.Add(centerOf(i),
+                  fixedVector ? centerOf(n) : WallVector(data, data.oversetBCWallFace[1][i]));
+    }
+}
+
+/// Area vector of overlap point r. Before an outside cut, point r is face r of group 1. After one,
+/// the first points are the remaining faces of the group, the others inner faces on the new
+/// boundary.
 NearestFace::Vector VectorOfOverlapPoint(int r, const KVX_ART_OVERSET_GRID_DATA& data,
                                          const CKVX_ACMT_GV& geometry, bool outsideCellsCut) {
     if (outsideCellsCut && r > data.NOverlapWallPoint) {
         const int face = data.overlapInnerFace[r - data.NOverlapWallPoint];
         return {geometry.nxe[face], geometry.nye[face], geometry.nze[face]};
     }
-    const int face = data.oversetBCWallFace[1][outsideCellsCut ? data.overlapWallIndex[r] : r];
-    return {geometry.nxWall[face], geometry.nyWall[face], geometry.nzWall[face]};
+    const int i = outsideCellsCut ? data.overlapWallIndex[r] : r;
+    return WallVector(geometry, data.oversetBCWallFace[1][i]);
 }
 
 }  // namespace
@@ -265,35 +201,19 @@ void CKVX_ART_HoleCutting::SetCutGridLayer(int layer) {
 }
 
 double CKVX_ART_HoleCutting::Innerproduct(double* const a, double* const b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+    return Dot(a, b);
 }
 
 double CKVX_ART_HoleCutting::Norm(double* const a) {
-    return std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]);
+    return std::sqrt(Dot(a, a));
 }
 
 void CKVX_ART_HoleCutting::OutsideDomainCutting(int layer) {
     NearestFace walls;
     AddBackgroundWalls(walls, *gridData);
-    // Grid 3 is left alone: a second component may reach through the domain's walls.
-    GridCells cells(*gridData, *gridData, OversetGrid_Component1, noGridState);
-    CellRun run;
-    while (run.Fill(cells)) {
-        run.Judge(walls, layer);
-        for (int i = 0; i < run.n; ++i) {
-            bool isCut = run.side[i] > 0;
-            const int r = run.side[i] == 0 ? walls.Find(run.C[i]) : 0;
-            if (r > 0) {
-                Judgement by(run.C[i], walls.Centre(r), walls.AreaVector(r));
-                // Not divided by the area: both sides carry it, and a division would round
-                // differently near the margin.
-                isCut = Innerproduct(by.CP, by.S) > -(Norm(by.S) * layer * run.SizeOf(i));
-            }
-            if (isCut) {
-                Cut(*gridData, run.cell[i]);
-            }
-        }
-    }
+    // Cells of grid 3 are not judged: a second component may reach through the domain's walls.
+    CutInRuns({*gridData, *gridData, OversetGrid_Component1, CutInFront, layer, noGridState},
+              walls);
     outsideCellsCut = gridData->NNonActiveCell != 0;
     if (outsideCellsCut) {
         const kvx3d::detail::ClassicFormat format(std::cout);
@@ -307,51 +227,23 @@ void CKVX_ART_HoleCutting::OutsideDomainCutting(int layer) {
 void CKVX_ART_HoleCutting::OverlapRegionCutting(int layer) {
     gridData->NOverlapWallPoint = 0;
     NearestFace outerFaces;
-    // After an outside cut no area vector is used: every cell is judged with the centre of the
+    // After an outside cut no area vector is used: every cell is judged with the center of the
     // group's last face. Which background cells remain, and with them the donors, depends on that
     // vector; the area vectors would move the hole.
     AddOuterFaces(outerFaces, *gridData, outsideCellsCut);
-    GridCells cells(*gridData, *gridData, OversetGrid_Background, noGridState);
-    CellRun run;
-    while (run.Fill(cells)) {
-        run.Judge(outerFaces, layer);
-        for (int i = 0; i < run.n; ++i) {
-            bool isCut = run.side[i] < 0;
-            const int r = run.side[i] == 0 ? outerFaces.Find(run.C[i]) : 0;
-            if (r > 0) {
-                Judgement by(run.C[i], outerFaces.Centre(r), outerFaces.AreaVector(r));
-                isCut = Innerproduct(by.CP, by.S) < -(Norm(by.S) * layer * run.SizeOf(i));
-            }
-            if (isCut) {
-                Cut(*gridData, run.cell[i]);
-            }
-        }
-    }
-    // Includes the cells of the outside cut: the count is that of the mesh, not of the step.
+    CutInRuns({*gridData, *gridData, OversetGrid_Background, CutBehind, layer, noGridState},
+              outerFaces);
+    // Includes the cells of the outside cut: the count is that of the mesh, not of this step.
     const kvx3d::detail::ClassicFormat format(std::cout);
     std::cout << "\t  Non Active Cell Number = " << gridData->NNonActiveCell << std::endl;
 }
 
 void CKVX_ART_HoleCutting::CutOutsideDomainComponentCell() {
-    const KVX_ART_OVERSET_GRID_DATA& data = *gridData;
+    KVX_ART_OVERSET_GRID_DATA& data = *gridData;
     LinkedPoints walls(data.xBackgroundWall, data.yBackgroundWall, data.zBackgroundWall,
                        data.NBackgroundWall);
-    GridCells cells(data, *artGv, OversetGrid_Component1, noGridType);
-    CellSize sizes;
-    while (cells.Next()) {
-        const int r = walls.Nearest(cells.C);
-        if (r == 0) {
-            continue;
-        }
-        const int face = data.backgroundWall[r];
-        const double P[3] = {data.xBackgroundWall[r], data.yBackgroundWall[r],
-                             data.zBackgroundWall[r]};
-        const double S[3] = {artGv->nxWall[face], artGv->nyWall[face], artGv->nzWall[face]};
-        Judgement by(cells.C, P, S);
-        if (Innerproduct(by.CP, by.S) > -(Norm(by.S) * cutGridLayer * sizes.Of(cells.V))) {
-            Cut(*gridData, cells.cell);
-        }
-    }
+    CutOneByOne({data, *artGv, OversetGrid_Component1, CutInFront, cutGridLayer, noGridType}, walls,
+                [this](int r) { return WallVector(*artGv, gridData->backgroundWall[r]); });
     outsideCellsCut = data.NNonActiveCell != 0;
     if (outsideCellsCut) {
         const kvx3d::detail::ClassicFormat format(std::cout);
@@ -363,23 +255,12 @@ void CKVX_ART_HoleCutting::CutOutsideDomainComponentCell() {
 }
 
 void CKVX_ART_HoleCutting::CutBackgroundCells() {
-    const KVX_ART_OVERSET_GRID_DATA& data = *gridData;
+    KVX_ART_OVERSET_GRID_DATA& data = *gridData;
     LinkedPoints points(data.xOverlapPoint, data.yOverlapPoint, data.zOverlapPoint,
                         data.NOverlapPoint);
-    GridCells cells(data, *artGv, OversetGrid_Background, noGridType);
-    CellSize sizes;
-    while (cells.Next()) {
-        const int r = points.Nearest(cells.C);
-        if (r == 0) {
-            continue;
-        }
-        const double P[3] = {data.xOverlapPoint[r], data.yOverlapPoint[r], data.zOverlapPoint[r]};
-        const NearestFace::Vector S = VectorOfOverlapPoint(r, data, *artGv, outsideCellsCut);
-        Judgement by(cells.C, P, S.data());
-        if (Innerproduct(by.CP, by.S) < -(Norm(by.S) * cutGridLayer * sizes.Of(cells.V))) {
-            Cut(*gridData, cells.cell);
-        }
-    }
+    CutOneByOne(
+        {data, *artGv, OversetGrid_Background, CutBehind, cutGridLayer, noGridType}, points,
+        [this](int r) { return VectorOfOverlapPoint(r, *gridData, *artGv, outsideCellsCut); });
     const kvx3d::detail::ClassicFormat format(std::cout);
     std::cout << "\t<Succeed> Non Active Cell Number = " << data.NNonActiveCell << std::endl;
 }

@@ -1,18 +1,20 @@
 #include "overset/kd_tree.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <iostream>
-#include <new>
-#include <vector>
 
+#include "overset/detail/kd_tree_search.h"
 #include "overset/detail/kd_tree_store.h"
+
+// Readable transcription: KdTree in plain/plain_kd_tree.h.
 
 namespace {
 
-/// The line for a tree object without a tree.
-int MissingTree() {
+using namespace kvx3d::detail;
+
+/// Prints the line for a tree object without a tree.
+int ReportMissingTree() {
     std::cout << "Must Build Tree First" << std::endl;
     return -1;
 }
@@ -40,48 +42,7 @@ void FillAnswer(const KDtreeResultSet& set, int*& result) {
     }
 }
 
-/// Lists the points within `radius` of the query, the last visited first. Memory that cannot be
-/// had ends it with false.
-bool CollectWithin(const KDtreeCore& core, const double* query, double radius,
-                   KDtreeResultSet& set) try {
-    const double radiusSq = radius * radius;
-    std::vector<KDtreeNode*> open;  // far sides still to visit, in place of a recursion
-    KDtreeNode* node = core.root;
-    while (node || !open.empty()) {
-        if (!node) {
-            node = open.back();
-            open.pop_back();
-        }
-        if (DistanceSq(query, node->pos) <= radiusSq) {
-            if (!InsertResult(set.list, node, -1.0)) {
-                return false;
-            }
-            ++set.size;
-        }
-        const double d = query[node->dir] - node->pos[node->dir];
-        KDtreeNode* far = d <= 0.0 ? node->right : node->left;
-        // Strict: a point behind a plane exactly `radius` away is left out, even one that touches
-        // the sphere, while the point test above takes the sphere in.
-        if (far && std::fabs(d) < radius) {
-            open.push_back(far);
-        }
-        node = d <= 0.0 ? node->left : node->right;
-    }
-    return true;
-} catch (const std::bad_alloc&) {
-    return false;
-}
-
-/// Inserts the points in the room made last.
-bool InsertAndIndex(KDtreeCore& tree) {
-    if (!InsertPoints(tree)) {
-        return false;
-    }
-    IndexNodes(tree);
-    return true;
-}
-
-/// An array of ints that nobody has set.
+/// An array of n ints without values.
 int* NewIds(int n) {
     return new int[static_cast<std::size_t>(std::max(n, 0))];
 }
@@ -97,8 +58,7 @@ KVX_ART_KDtree::~KVX_ART_KDtree() {
 
 bool KVX_ART_KDtree::BuildTree(double* x, double* y, double* z, int n) {
     pointCount = n;
-    // Nodes of an earlier build still point into the earlier ids, so those are given up, not
-    // released.
+    // Not released before: the nodes of an earlier build still point into the earlier ids.
     ids = NewIds(n);
     if (n < 1) {
         return true;
@@ -111,7 +71,7 @@ bool KVX_ART_KDtree::BuildTree(double* x, double* y, double* z, int n) {
         ids[i] = i + 1;
         points[i] = {{x[i], y[i], z[i]}, &ids[i]};
     }
-    return InsertAndIndex(*tree);
+    return InsertPoints(*tree);
 }
 
 bool KVX_ART_KDtree::BuildTree(const double& x, const double& y, const double& z, int* id) {
@@ -136,13 +96,13 @@ bool KVX_ART_KDtree::BuildTreeByBlockId(double* x, double* y, double* z, int* bl
             *points++ = {{x[i], y[i], z[i]}, &ids[i]};
         }
     }
-    return InsertAndIndex(*tree);
+    return InsertPoints(*tree);
 }
 
 int KVX_ART_KDtree::SearchNearestPoints(const double& x, const double& y, const double& z,
                                         int*& result) {
     if (!tree) {
-        return MissingTree();
+        return ReportMissingTree();
     }
     const double query[3] = {x, y, z};
     const KDtreeNode* nearest = NearestNode(*tree, query);
@@ -156,7 +116,7 @@ int KVX_ART_KDtree::SearchNearestPoints(const double& x, const double& y, const 
 int KVX_ART_KDtree::SearchByRadius(const double& x, const double& y, const double& z,
                                    const double& radius, int*& result) {
     if (!tree) {
-        return MissingTree();
+        return ReportMissingTree();
     }
     const double query[3] = {x, y, z};
     ResultList list;

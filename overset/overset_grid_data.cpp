@@ -27,7 +27,7 @@ void PrintNoWallType(int wallFace) {
     std::cerr << "Fail to define Wall Face Type , Wall Face ID = " << wallFace << std::endl;
 }
 
-/// The classification both inner-face queries share, from the states of owner and neighbor.
+/// Classifies an inner face by the states of its owner and its neighbor.
 OversetInnerFaceType ClassifyInnerFace(int owner, int neighbor, int face) {
     if (owner == active && neighbor == active) {
         return OversetInnerFace_Active;
@@ -89,7 +89,7 @@ KVX_ART_OVERSET_GRID_DATA::~KVX_ART_OVERSET_GRID_DATA() {
     oversetBCFaceCount = nullptr;
     delete[] NCellOfGrid;
     delete[] cavityToGrid;
-    // Releases all rows but the last: cells of the last grid stay where trees still point to them.
+    // Releases all rows except the last one: trees may still point to the cells of the last grid.
     freeIntRows(cellOfGrid);
     for (int* table : {wallBCGroup, cellState, physicalWall, backgroundWall, overlapInnerFace,
                        overlapWallIndex, overlapTableC}) {
@@ -112,8 +112,8 @@ void KVX_ART_OVERSET_GRID_DATA::OversetGridsInfoSetting() {
 
 void KVX_ART_OVERSET_GRID_DATA::GetOversetGridsNumberInfo() {
     std::set<int> cavities;
-    // Stops one cell short: a cavity of the last cell alone makes no grid, and the tables below
-    // are sized without it. Tables indexed by cavity elsewhere count the same way.
+    // Stops before the last cell: a cavity that consists of that cell only is no grid, and the
+    // tables below have no entry for it. All tables indexed by cavity count in this way.
     for (int c = 1; c <= Nc - 1; ++c) {
         if (c == 1 || cavityId[c] != cavityId[c - 1]) {
             cavities.insert(cavityId[c]);
@@ -195,7 +195,7 @@ void KVX_ART_OVERSET_GRID_DATA::DefineOversetWallBCType() {
             yBackgroundWall[nBackground] = yWall[face];
             zBackgroundWall[nBackground] = zWall[face];
         } else if (!IsGrid(grid)) {
-            // Said once more for the same face: each of the two walks reports what it leaves out.
+            // The second warning for the same face: each loop reports the faces it leaves out.
             PrintNoGridState();
         }
     }

@@ -5,16 +5,17 @@
 #include "host_link/export.h"
 #include "overset/overset_types.h"
 
-/// What the overset mesh knows beyond the plain mesh: which cavity is which grid, the cells of
-/// each grid, which wall faces are true walls and which bound a component, the state of each cell.
+/// The data of an overset mesh beyond those of the plain mesh: which cavity is which grid, the
+/// cells of each grid, which wall faces are physical walls and which bound a component, and the
+/// state of each cell.
 ///
-/// The base class is filled by getKvx3dData(), the members below by OversetGridsInfoSetting().
-/// Arrays are 1-based, made by newInt1D() and newDouble1D(). Hole cutting writes cellState.
+/// getKvx3dData() fills the base class, OversetGridsInfoSetting() the members below. Arrays are
+/// 1-based, made by newInt1D() and newDouble1D(). Hole cutting writes cellState.
 ///
-/// The grid rule: the cavity beside inlet face 1 is grid 1, the background; with two cavities or
-/// more the one beside the first face of overset boundary group 1 is grid 2; with three or more
-/// that of group 2 is grid 3. Further cavities have no grid number. A host has one inlet face at
-/// least and a group for each component.
+/// Grid numbers: the cavity beside inlet face 1 is grid 1, the background. If there are two
+/// cavities or more, the one beside the first face of overset boundary group 1 is grid 2. If there
+/// are three or more, the one beside the first face of group 2 is grid 3. Further cavities have no
+/// grid number. A host has at least one inlet face and one group for each component.
 ///
 /// Copies share every array: only one of them may be destroyed.
 class KVX3D_API KVX_ART_OVERSET_GRID_DATA : public CKVX_ACMT_GV {
@@ -24,48 +25,48 @@ public:
     KVX_ART_OVERSET_GRID_DATA& operator=(const KVX_ART_OVERSET_GRID_DATA& other) = default;
     ~KVX_ART_OVERSET_GRID_DATA();
 
-    /// Derives grids, wall groups and cell tables; once, after getKvx3dData(). All cells start
-    /// active. Wall faces beside a cell without a grid bring two warnings each.
+    /// Derives grids, wall groups and cell tables. Call it once, after getKvx3dData(). All cells
+    /// start active. Each wall face beside a cell without a grid prints two warnings.
     void OversetGridsInfoSetting();
 
-    /// Grid of a cell 1..Nc; a cell without one brings a warning on standard output.
+    /// Grid of cell 1..Nc; a cell without a grid prints a warning on standard output.
     OversetGridType GetOversetGridType(int cell);
-    /// The same with other words in the warning.
+    /// The same with a different warning text.
     OversetGridType GetOversetGridState(int cell);
 
-    /// State of an inner face 1..Ne, from its two cells. Sets needChangeInnerNormal when the owner
-    /// is cut and the neighbor active; the mesh stays as it is. Cell states other than 1 and 2
-    /// bring a line on standard error and the result 0.
+    /// State of inner face 1..Ne, from its two cells. Sets needChangeInnerNormal if the owner is
+    /// cut and the neighbor active; does not change the mesh. Cell states other than 1 and 2 print
+    /// a line on standard error and give 0.
     OversetInnerFaceType GetInnerFaceState(int face);
-    /// The same, but turns a face with a cut owner and an active neighbor around in the host's own
-    /// arrays instead of setting the flag: afterwards its area vector points away from the active
+    /// The same, but does not set the flag: a face with a cut owner and an active neighbor is
+    /// turned around in the host's own arrays, so that its area vector points away from the active
     /// cell.
     OversetInnerFaceType GetInnerFaceType(int face);
-    /// Kind of a wall face 1..NWall; a negative group brings a line on standard error and 0.
+    /// Kind of wall face 1..NWall; a negative group prints a line on standard error and gives 0.
     OversetWallFaceType GetWallFaceType(int wallFace);
-    /// True when the owner of an inner face is cut and its neighbor active.
+    /// True if the owner of an inner face is cut and its neighbor active.
     bool IsNeedChangeInnerNormal(int face);
 
     /// Stores the pointer, which nothing here reads.
-    /// @return false with a line on standard output if it is null; the link then stays
+    /// @return false, with a line on standard output, if it is null; the link then stays
     bool LinkARTGv(CKVX_ACMT_GV* gv);
 
     /// Prints the report on mesh, grids and groups to standard output.
     void PrintOversetGridsInfo();
 
-    bool hasOversetGrids;        ///< false once the mesh turned out to have one cavity
-    bool needChangeInnerNormal;  ///< GetInnerFaceState() met a face to turn; kept for callers
+    bool hasOversetGrids;        ///< false if the mesh has one cavity only
+    bool needChangeInnerNormal;  ///< GetInnerFaceState() found a face to turn; for callers
     int NGrid;                   ///< distinct cavity ids of cells 1..Nc - 1
     int NOversetBC;              ///< overset boundary groups
     int NPhysicalWall;           ///< wall faces in no group
-    int NBackgroundWall;         ///< of these, faces beside a background cell
-    int NActiveCell;             ///< published cells, counted when the output is set up
+    int NBackgroundWall;         ///< those of them beside a background cell
+    int NActiveCell;             ///< published cells, counted by the set-up of the output
     int NNonActiveCell;          ///< cells cut so far
     int NOverlapPoint;           ///< points for CutBackgroundCells(), set by its caller
-    int NOverlapWallPoint;       ///< how many of them, the first ones, are wall points
+    int NOverlapWallPoint;       ///< the first ones of them, which are wall points
     int* overlapInnerFace;       ///< inner face of each further overlap point, owned
     int* overlapWallIndex;       ///< position in group 1 of each overlap wall point, owned
-    int* overlapTableC;          ///< not read, owned
+    int* overlapTableC;          ///< never read, owned
     int* NCellOfGrid;            ///< cells in each grid, 1..NGrid, owned
     int* oversetBCFaceCount;     ///< faces of each group, the host's
     int* cavityToGrid;           ///< grid of each cavity id, 0 for none; NGrid entries, owned
@@ -75,10 +76,10 @@ public:
     int* cellState;              ///< 2 active, 1 cut; 1..Nc, owned
     int* physicalWall;           ///< wall-face numbers, 1..NPhysicalWall, ascending, owned
     int* backgroundWall;         ///< wall-face numbers, 1..NBackgroundWall, ascending, owned
-    double* xPhysicalWall;       ///< face centres of physicalWall, owned
+    double* xPhysicalWall;       ///< face centers of physicalWall, owned
     double* yPhysicalWall;
     double* zPhysicalWall;
-    double* xBackgroundWall;  ///< face centres of backgroundWall, owned
+    double* xBackgroundWall;  ///< face centers of backgroundWall, owned
     double* yBackgroundWall;
     double* zBackgroundWall;
     double* xOverlapPoint;  ///< points of CutBackgroundCells(), 1..NOverlapPoint, owned
@@ -88,7 +89,7 @@ public:
     double* uActive;  ///< their velocity, owned
     double* vActive;
     double* wActive;
-    CKVX_ACMT_GV* linkedArtGv;  ///< not owned, not read
+    CKVX_ACMT_GV* linkedArtGv;  ///< not owned, never read
 
 private:
     void GetOversetGridsNumberInfo();

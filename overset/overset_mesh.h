@@ -13,70 +13,71 @@
 /// Calling order: construct, SetFVM() once, then any query. InitializeVTKTool() comes before the
 /// other two output calls. Queries before SetFVM() fault.
 ///
-/// All ids are 1-based and none is checked, but for the wall id of GetOversetWallNeighbor(). The
-/// setup reads the mesh once: moving meshes are not followed, and donors come from the background
-/// and the first component grid only.
+/// All ids are 1-based. None is checked except the wall id of GetOversetWallNeighbor(). The set-up
+/// reads the mesh once: it does not follow moving meshes, and donors come only from the background
+/// and the first component grid.
 ///
 /// One call at a time per object, on the caller's thread.
 ///
-/// Tables and trees can be read behind `impl`; this header declares all of them.
+/// Tables and trees can be read through `impl`; this header declares all of them.
 class KVX3D_API CKVXOversetMesh {
 public:
     CKVXOversetMesh();
     CKVXOversetMesh(const CKVXOversetMesh& other) = default;
-    /// Shares the implementation of `other`: of the two objects only one may be destroyed. What
-    /// this object held before is not released.
+    /// Shares the implementation of `other`: only one of the two objects may be destroyed. The
+    /// implementation that this object held before is not released.
     CKVXOversetMesh& operator=(const CKVXOversetMesh& other) = default;
     ~CKVXOversetMesh();
 
-    /// The whole setup: links the host, sorts cells into grids, cuts holes, builds donor trees.
+    /// The whole set-up: links the host, sorts cells into grids, cuts holes, builds donor trees.
     ///
-    /// Prints one line per step on standard output, before the step. The host objects must be
-    /// filled, live longer than this object and keep their arrays at their addresses. Rules for
-    /// the overset members: see CKvx3dGV. A second call sets up anew and gives up the tables of
-    /// the first without releasing them.
+    /// Prints one line on standard output before each step. The host objects must be filled, live
+    /// longer than this object and keep their arrays at their addresses. CKvx3dGV gives the rules
+    /// for the overset members. A second call starts from the beginning and does not release the
+    /// tables of the first one.
     ///
-    /// @param gv   host global variables; with a null argument the setup prints a line and then
-    ///             faults at its second step
+    /// @param gv   host global variables; with a null argument the set-up prints a line and then
+    ///             faults in its second step
     /// @param fvm  host mesh, likewise
     /// @return 0 always
     int SetFVM(CKvx3dGV* gv, CKVX3DFiniteVolumeMesh* fvm);
 
     /// State of cell 1..Nc.
     OversetCellType GetOversetCellType(int cell);
-    /// State of inner face 1..Ne, from its two cells in their present order; the mesh stays as is.
+    /// State of inner face 1..Ne, from its two cells in their current order. Does not change the
+    /// mesh.
     OversetInnerFaceType GetInnerFaceType(int face);
     /// Kind of wall face 1..NWall.
     OversetWallFaceType GetBCType(int wallFace);
 
-    /// Donor of an inner face on the hole boundary: the active cell of the other grid that stands
-    /// in for the cut cell of the face. Searched anew at each call.
+    /// Donor of an inner face on the hole boundary: the active cell of the other grid that replaces
+    /// the cut cell of the face. Each call searches again.
     ///
-    /// Does not return for a face whose active side lies in the second component grid, or where no
+    /// Does not return if the active side of the face lies in the second component grid, or if no
     /// active cell of the other grid lies across the face.
     /// @return cell id
     int GetOversetInnerNeighbor(int face);
-    /// Donor of a wall face of an overset boundary group, as above.
+    /// Donor of a wall face of an overset boundary group, as for an inner face.
     ///
-    /// "Across" is judged with the x component of the area vector in all three directions: on a
-    /// wall whose area vector has no x component the search does not return.
+    /// "Across" is judged with the x component of the area vector in all three directions. If that
+    /// component is 0, the search does not return.
     /// @return cell id, or -1 with a line on standard output if wallFace is not in 1..NWall
     int GetOversetWallNeighbor(int wallFace);
     /// Writes the donor of an inner face into the host's Ce23, in place of the cut cell.
     ///
-    /// On a face without a cut cell (a second call included) it prints a line and changes nothing.
-    /// The area vector is not touched.
+    /// On a face without a cut cell, as in a second call, it prints a line and changes nothing. The
+    /// area vector does not change.
     void ReplaceDonorIdtoNonActCellId(int face);
 
-    /// Prints the report on mesh, grids and groups to standard output; needs SetFVM().
+    /// Prints the report on mesh, grids and groups to standard output. Call it after SetFVM().
     void OversetDebugMode();
 
-    /// Fixes the published cells (those not cut) and opens the result output below the host's
-    /// rootDir. Once per object.
+    /// Lists the published cells, which are those not cut, and opens the result output below the
+    /// host's rootDir. Once per object.
     void InitializeVTKTool();
     /// Writes pressure and velocity of the published cells as one .vtu file.
     ///
-    /// Magnitudes below 1e-10 are set to zero first, in the host's own arrays.
+    /// First sets magnitudes below 1e-10 to zero, in the host's own arrays.
     /// @param time       physical time of the step, part of the file name
     /// @param iteration  iteration number of the step, part of the file name
     void OutputVTKDataInEachTimeStep(double time, int iteration);
@@ -90,11 +91,11 @@ public:
     CKVXOversetMesh_Impl* impl;  ///< owned
 };
 
-/// The shape reserved for moving overset cells: ten 64-bit slots. Nothing in the toolbox fills or
-/// reads one, and the middle eight have no meaning yet.
+/// Record reserved for moving overset cells: ten 64-bit slots. Nothing in the toolbox writes or
+/// reads such a record, and the middle eight slots have no meaning yet.
 ///
-/// Copies share the two arrays: of a record and its copies only one may be destroyed while they
-/// are set.
+/// Copies share the two arrays: while these are set, only one of a record and its copies may be
+/// destroyed.
 class KVX3D_API COversetMoveCellData {
 public:
     COversetMoveCellData();

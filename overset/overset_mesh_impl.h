@@ -13,11 +13,12 @@ class VTK_Cells;
 class VTK_Data;
 class VTK_Points;
 
-/// What stands behind CKVXOversetMesh; its operations behave as those of the facade beside them.
+/// Implementation of CKVXOversetMesh. Each operation behaves like the operation of the facade that
+/// is named with it.
 ///
-/// The inherited gridData is made by InitializeSetting() and never destroyed here: records and
-/// trees of a copy may still point into it. Copies share every pointer; only one of them may be
-/// destroyed.
+/// InitializeSetting() makes the inherited gridData. It is never destroyed here, because records
+/// and trees of a copy may still point into it. Copies share every pointer; only one of them may
+/// be destroyed.
 class KVX3D_API CKVXOversetMesh_Impl : public CKVX_ART_HoleCutting {
 public:
     /// Every pointer null.
@@ -54,9 +55,9 @@ public:
     /// CKVXOversetMesh::PostRunVTKDataSMP().
     void PostRunVTKData_SMP();
 
-    KVX_ART_KDtree* backgroundTree;  ///< centres of the active background cells, owned
-    KVX_ART_KDtree* componentTree;   ///< centres of the active cells of component grid 1, owned
-    CKVX_ART_VTK_Tool* vtkTool;      ///< owned, null until InitVTKTool() as are the next five
+    KVX_ART_KDtree* backgroundTree;  ///< centers of the active background cells, owned
+    KVX_ART_KDtree* componentTree;   ///< centers of the active cells of component grid 1, owned
+    CKVX_ART_VTK_Tool* vtkTool;      ///< owned; null before InitVTKTool(), like the next five
     VTK_Points* vtkPoints;           ///< all nodes of the mesh, owned; its arrays are the host's
     VTK_Cells* vtkCells;             ///< the published cells, owned; node rows are the host's
     VTK_Block* vtkBlock;             ///< owned

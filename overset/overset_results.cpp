@@ -10,22 +10,22 @@
 
 namespace {
 
-constexpr int nonActive = 1;      // cellState of a cut cell: its values mean nothing
-constexpr double tiny = 1e-10;    // magnitudes strictly below are rounding noise of the solver
-constexpr int singleMachine = 0;  // the rank whose post-run merges
+constexpr int nonActive = 1;      // cellState of a cut cell, whose values have no meaning
+constexpr double tiny = 1e-10;    // smaller magnitudes are rounding noise of the solver
+constexpr int singleMachine = 0;  // the rank that merges the records
 
 bool IsPublished(const KVX_ART_OVERSET_GRID_DATA& grid, int cell) {
     return grid.cellState[cell] != nonActive;
 }
 
-/// Sets a host value to zero if it is next to nothing.
+/// Sets a host value to zero if its magnitude is below `tiny`.
 void FlushToZero(double& value) {
     if (std::fabs(value) < tiny) {
         value = 0.0;
     }
 }
 
-/// Copies the solution of `cell` to entry j of the compressed arrays that the file shows.
+/// Copies the solution of `cell` to entry j of the compressed arrays that are written.
 void Publish(KVX_ART_OVERSET_GRID_DATA& grid, int cell, int j) {
     grid.pActive[j] = grid.p[cell];
     grid.uActive[j] = grid.u[cell];
@@ -33,7 +33,7 @@ void Publish(KVX_ART_OVERSET_GRID_DATA& grid, int cell, int j) {
     grid.wActive[j] = grid.w[cell];
 }
 
-/// Lists the published cells and makes room for their values, which are filled in once.
+/// Lists the published cells, allocates the arrays for their values and fills them once.
 void ListPublishedCells(KVX_ART_OVERSET_GRID_DATA& grid, VTK_Cells& cells) {
     for (int cell = 1; cell <= grid.Nc; ++cell) {
         if (IsPublished(grid, cell)) {
@@ -57,12 +57,12 @@ void ListPublishedCells(KVX_ART_OVERSET_GRID_DATA& grid, VTK_Cells& cells) {
 }  // namespace
 
 // The result output of the overset mesh: the solution of the active cells as a time series. The
-// published cells are fixed at InitVTKTool(), since the cutting is over by then.
+// cutting is finished before InitVTKTool(), so the published cells are listed there once.
 
 void CKVXOversetMesh_Impl::InitVTKTool() {
     KVX_ART_OVERSET_GRID_DATA& grid = *gridData;
 
-    // All nodes, those that only cut cells use included: node ids stay the host's.
+    // All nodes, also those used by cut cells only: the node ids are the host's.
     vtkPoints = new VTK_Points;
     vtkPoints->x = &grid.xn[1];
     vtkPoints->y = &grid.yn[1];
@@ -95,8 +95,8 @@ void CKVXOversetMesh_Impl::OutputEachTimeStepVTKData(double time, int iteration)
         if (!IsPublished(grid, cell)) {
             continue;
         }
-        // In the solver's own arrays, not in the copy alone: what a picture shows as zero is zero
-        // in the run that goes on from it.
+        // In the solver's own arrays, not only in the copy: a value shown as zero is zero in the
+        // run that continues from it.
         FlushToZero(grid.p[cell]);
         FlushToZero(grid.u[cell]);
         FlushToZero(grid.v[cell]);
@@ -107,6 +107,6 @@ void CKVXOversetMesh_Impl::OutputEachTimeStepVTKData(double time, int iteration)
 }
 
 void CKVXOversetMesh_Impl::PostRunVTKData_SMP() {
-    // No rank is asked for: every process that calls this merges.
+    // Independent of the rank: every process that calls this merges the records.
     vtkTool->PostRun_Single_SMP(singleMachine);
 }

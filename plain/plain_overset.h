@@ -7,20 +7,28 @@
 #include "overset/overset_grid_data.h"
 #include "plain/plain_kd_tree.h"
 
+/// Readable transcription of the overset set-up: hole cutting, donor trees and donor search.
+///
+/// This is the simplest form and not a fast one: one search of a plain tree for each cell. Tests
+/// compare cell states and donors with it one by one, and benchmarks take it as their baseline. It
+/// prints nothing.
+
 namespace plain {
 
-/// Cutting and donor search in their plainest form on linked grid data: the yardstick for answers
-/// and speed of the overset setup. Prints nothing.
+/// The overset set-up on linked grid data.
 class Overset {
 public:
     explicit Overset(KVX_ART_OVERSET_GRID_DATA& gridData) : data(gridData) {}
 
+    /// All steps.
+    /// @param layer  margin of both cuts [cell sizes]
     void Setup(int layer) {
         CutOutside(layer);
         CutOverlap(layer);
         BuildDonorTrees();
     }
 
+    /// Cuts component cells beyond the background's walls, or nearer than `layer` cell sizes.
     void CutOutside(int layer) {
         KdTree tree;
         for (int i = 1; i <= data.NBackgroundWall; ++i) {
@@ -45,6 +53,8 @@ public:
         outsideCellsCut = data.NNonActiveCell != 0;
     }
 
+    /// Cuts background cells deeper than `layer` cell sizes inside the component. After an outside
+    /// cut S stays the center of the last face for all cells.
     void CutOverlap(int layer) {
         KdTree tree;
         double S[3] = {0.0, 0.0, 0.0};
@@ -75,12 +85,13 @@ public:
         }
     }
 
+    /// Builds the trees of the active cells of the background and of component 1.
     void BuildDonorTrees() {
         Fill(backgroundTree, 1);
         Fill(componentTree, 2);
     }
 
-    /// Donor of a face; 0 if `tries` searches do not end at one.
+    /// Donor of an inner face; 0 if none is found in `tries` searches.
     int InnerDonor(int face, int tries = std::numeric_limits<int>::max()) const {
         const int o = data.Ce23[0][face];
         const int n = data.Ce23[1][face];
@@ -91,6 +102,7 @@ public:
         return Donor(P, N, turned ? n : o, tries);
     }
 
+    /// Donor of a wall face, as above. All three components of N are nx.
     int WallDonor(int w, int tries = std::numeric_limits<int>::max()) const {
         const double P[3] = {data.xWall[w], data.yWall[w], data.zWall[w]};
         const double N[3] = {data.nxWall[w], data.nxWall[w], data.nxWall[w]};
@@ -98,11 +110,12 @@ public:
     }
 
     KVX_ART_OVERSET_GRID_DATA& data;
-    bool outsideCellsCut = false;
+    bool outsideCellsCut = false;  ///< after CutOutside(): cells were cut
     KdTree backgroundTree;
     KdTree componentTree;
 
 private:
+    /// |S| layer h of cell c.
     double Margin(const double* S, int layer, int c) const {
         const double length = std::sqrt(S[0] * S[0] + S[1] * S[1] + S[2] * S[2]);
         return length * static_cast<double>(layer) * std::pow(data.volume[c], 0.3333333333333333);

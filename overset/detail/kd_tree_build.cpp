@@ -5,14 +5,28 @@
 #include <limits>
 #include <vector>
 
+// The tree of successive insertions, built from the top down. The first point to arrive is the
+// root; the other points are partitioned at its plane, keep their order of arrival, and are the
+// points of its two subtrees. Memory is read and written from front to end.
+//
+// Points in sorted order make that slow: each split removes one point. Such a subtree is split
+// along a whole path of nodes at once:
+//
+//     a                    path a b c toward the last point; the points that leave the path at
+//      \                   the same node are one subtree, built later
+//       b    <- leave at b
+//        \                 | a | b | c | points that leave at a | at b | at c |
+//         c  <- leave at c
+
+namespace kvx3d::detail {
 namespace {
 
-/// How a subtree is split. A path takes a degenerate one apart at once: toward the last point to
-/// arrive, or, where nearly all others stay together beside that path, toward the middle one.
+/// How a subtree is split: at its root, or along a path toward the last point to arrive. Where
+/// nearly all points leave that path together, the next path leads toward the middle one.
 enum class SplitBy { Root, PathToLast, PathToMiddle };
 
-/// A subtree to be built: its place, and the blocks for its nodes with the points, in order of
-/// arrival, in their far half. Subtrees share no memory, so they may be built in any order.
+/// A subtree that is to be built: its place, and the blocks for its nodes, with its points in
+/// order of arrival in their second half. Subtrees share no memory, so their order is free.
 struct Subtree {
     FreePlace place;
     NodeBlock* blocks;
@@ -22,8 +36,9 @@ struct Subtree {
     KDtreePoint* Points() const { return PointsIn(blocks, n); }
 };
 
-/// The nodes of a path that split on one axis, and where a point leaves at them. The splits that
-/// the path passes on the right ascend, those that it passes on the left descend.
+/// The nodes of a path that split on one axis. The splits at which the path turns right ascend
+/// along the path; those at which it turns left descend. So the first node at which a point leaves
+/// is found by bisection.
 class Turns {
 public:
     void Add(double split, bool toTheRight, int node) {
@@ -31,9 +46,9 @@ public:
         high = low;
     }
 
-    /// Number of the first node at which a point with the coordinate c leaves; `never` if at none.
+    /// Number of the first node at which a point with the coordinate c leaves the path, or `never`.
     int LeavesAt(double c) {
-        // Points come in mesh order: on most axes the answer is that for the point before.
+        // Points arrive in mesh order, so most have the answer of the point before them.
         if (!(low <= c && c < high)) {
             Bisect(c);
         }
@@ -48,7 +63,7 @@ private:
         int number;
     };
 
-    /// Finds the answer for c, and the interval from low to below high for which it holds.
+    /// Finds the answer for c and the interval [low, high) of coordinates that share it.
     void Bisect(double c) {
         constexpr double infinity = std::numeric_limits<double>::infinity();
         const auto right = std::partition_point(rights.begin(), rights.end(),
@@ -81,7 +96,7 @@ private:
     int number = never;
 };
 
-/// One path down from a free place, toward one of the points to arrive.
+/// A path from a free place toward one of the points to be inserted.
 class Path {
 public:
     Path(int startDir, const KDtreePoint& target) : dir(startDir), toward(target) {}
@@ -95,7 +110,7 @@ public:
         return first;
     }
 
-    /// Appends the point as a node at the end.
+    /// Appends the point as the last node.
     void Append(const KDtreePoint& point) {
         const double split = point.xyz[dir];
         turns[dir].Add(split, split <= toward.xyz[dir], length);
@@ -113,25 +128,27 @@ private:
     Turns turns[3];  ///< by axis
 };
 
-constexpr int fewPoints = 8;     // up to this, points fall one by one
-constexpr int manyPoints = 512;  // a path is worth its overhead above this
-constexpr int lopsided = 128;    // one side has less than a part in `lopsided`
+constexpr int fewPoints = 8;     // up to this number, points are inserted one by one
+constexpr int manyPoints = 512;  // a path is worth its overhead above this number
+constexpr int lopsided = 128;    // smaller part below 1/128: the split was nearly useless
 
-/// True if a part of n points is so large that splits like this one end nowhere.
+/// True if a part of n points has nearly all of them, so that the next split must be a path.
 bool NearlyAll(int part, int n) {
     return n > manyPoints && n - 1 - part < n / lopsided;
 }
 
-/// Sorts the points in the far half of nLeft + nRight blocks into the far halves of the first nLeft
-/// and the last nRight of them, in order of arrival and without further memory.
+/// Partitions the points in the second half of nLeft + nRight blocks: the left part goes to the
+/// second half of the first nLeft blocks, the right part to that of the last nRight blocks. Keeps
+/// the order of arrival and needs no further memory.
 ///
-/// The larger part moves by no more than the gap in front of it, clear of what is still to be
-/// read; the smaller one goes the same way or, where it would not be clear, is parked in that gap.
-/// Both parts take every point and one of them counts it: no branch to mispredict.
+/// The larger part moves by no more than the gap in front of it, so it never overwrites a point
+/// that is still to be read. The smaller part moves the same way if that is safe; otherwise it is
+/// parked in the gap first. Each point is written to both parts, and the write position of only
+/// one of them advances: the loop has no branch to mispredict.
 /// @param isRight  1 for a point of the right part, else 0
-void Part(NodeBlock* blocks, int nLeft, int nRight, const unsigned char* isRight) {
+void Partition(NodeBlock* blocks, int nLeft, int nRight, const unsigned char* isRight) {
     if (nLeft == 0 || nRight == 0) {
-        return;  // they stand there already
+        return;  // all points are in their place
     }
     const KDtreePoint* const points = PointsIn(blocks, nLeft + nRight);
     KDtreePoint* toLeft = PointsIn(blocks, nLeft);
@@ -160,7 +177,7 @@ void Part(NodeBlock* blocks, int nLeft, int nRight, const unsigned char* isRight
     std::copy(parked, toParked, toRight);
 }
 
-/// Subtrees still to be built, and how to build each.
+/// Builds subtrees from a list until none is left.
 class TopDownBuild {
 public:
     void Run(const Subtree& whole) {
@@ -183,12 +200,12 @@ private:
     static void InsertEach(const Subtree& subtree) {
         for (int i = 0; i < subtree.n; ++i) {
             const KDtreePoint point = subtree.Points()[i];
-            const FreePlace place = FallTo(subtree.place, point.xyz);
+            const FreePlace place = FindFreePlace(subtree.place, point.xyz);
             *place.slot = MakeNode(subtree.blocks + i, point, place.dir);
         }
     }
 
-    /// The first point is the root; the others part at its plane.
+    /// Makes the first point the root and partitions the others at its plane.
     void SplitAtRoot(const Subtree& subtree) {
         const KDtreePoint* others = subtree.Points() + 1;
         KDtreeNode* root = MakeNode(subtree.blocks, others[-1], subtree.place.dir);
@@ -202,14 +219,14 @@ private:
         }
         const int nLeft = subtree.n - 1 - nRight;
         NodeBlock* const rest = subtree.blocks + 1;
-        Part(rest, nLeft, nRight, isRight.data());
+        Partition(rest, nLeft, nRight, isRight.data());
         const int next = (dir + 1) % 3;
         Open({&root->right, next}, rest + nLeft, nRight, subtree.n, SplitBy::PathToLast);
         Open({&root->left, next}, rest, nLeft, subtree.n, SplitBy::PathToLast);
     }
 
-    /// Points that reach the end of the path extend it; the others are handed to the place where
-    /// they leave it.
+    /// Points that reach the end of the path extend it. The other points are grouped by the node
+    /// at which they leave it.
     void SplitAlongPath(const Subtree& subtree) {
         const KDtreePoint* points = subtree.Points();
         const bool toLast = subtree.way == SplitBy::PathToLast;
@@ -228,13 +245,14 @@ private:
                 count.push_back(0);
             }
         }
-        Part(subtree.blocks, path.Length(), nLeaving, isRight.data());
+        Partition(subtree.blocks, path.Length(), nLeaving, isRight.data());
         NodeBlock* const rest = subtree.blocks + path.Length();
         GroupByNode(rest, nLeaving);
         MakePath(subtree, path, rest);
     }
 
-    /// Sorts n points that leave a path by node, each group into the far half of its blocks.
+    /// Sorts n points by the node at which they leave the path. Each group ends up in the second
+    /// half of its blocks.
     void GroupByNode(NodeBlock* blocks, int n) {
         const KDtreePoint* points = PointsIn(blocks, n);
         KDtreePoint* const sorted = reinterpret_cast<KDtreePoint*>(blocks);
@@ -245,8 +263,8 @@ private:
         for (int i = 0; i < n; ++i) {
             sorted[start[leftAt[i]]++] = points[i];
         }
-        // Each start has moved to the end of its group. The last group is spread first: none
-        // reaches into those before it.
+        // Each start has now advanced to the end of its group. The last group moves first, so no
+        // group overwrites another one.
         for (std::size_t k = count.size(); k-- > 0;) {
             const int first = start[k] - count[k];
             std::copy_backward(sorted + first, sorted + start[k],
@@ -254,7 +272,7 @@ private:
         }
     }
 
-    /// Makes the nodes of the path and opens the subtrees beside it, whose blocks follow.
+    /// Makes the nodes of the path and opens the subtrees beside it, whose blocks come after them.
     void MakePath(const Subtree& subtree, const Path& path, NodeBlock* beside) {
         FreePlace place = subtree.place;
         for (int k = 0; k < path.Length(); ++k) {
@@ -270,17 +288,17 @@ private:
         }
     }
 
-    /// Leaves a part of n points for later; one with nearly all of them is split by a path.
+    /// Adds a part of n points to the list. If it has nearly all of them, `path` splits it.
     void Open(FreePlace place, NodeBlock* blocks, int part, int n, SplitBy path) {
         if (part > 0) {
             open.push_back({place, blocks, part, NearlyAll(part, n) ? path : SplitBy::Root});
         }
     }
 
-    std::vector<Subtree> open;
-    std::vector<unsigned char> isRight;  ///< side of each point of the subtree being split
+    std::vector<Subtree> open;           ///< subtrees that are still to be built
+    std::vector<unsigned char> isRight;  ///< part of each point of the subtree being split
     std::vector<int> leftAt;             ///< node at which each point leaves the path
-    std::vector<int> count;              ///< points that leave the path at each node
+    std::vector<int> count;              ///< points that leave the path, by node
     std::vector<int> start;              ///< where the group of each node starts
 };
 
@@ -289,3 +307,5 @@ private:
 void BuildFromTheTop(KDtreeNode** root, NodeBlock* blocks, int n) {
     TopDownBuild().Run({{root, 0}, blocks, n, SplitBy::Root});
 }
+
+}  // namespace kvx3d::detail

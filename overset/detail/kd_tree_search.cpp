@@ -1,36 +1,51 @@
+#include "overset/detail/kd_tree_search.h"
+
 #include <algorithm>
-#include <cstdint>
+#include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <new>
 #include <vector>
 
-#include "overset/detail/kd_tree_index.h"
-#include "overset/detail/kd_tree_store.h"
+#include "overset/detail/kd_tree_node.h"
 
+// Readable transcription: NearestSearch and KdTree::Within() in plain/plain_kd_tree.h.
+//
+// State of a nearest search after its first descent; each far child is stored with the squared
+// distance to its box along each axis, so that one box distance costs three additions:
+//
+//     root         branches
+//      | \         +-----+--------+----------------+
+//      |  far 0    | far | distSq | sq x, sq y, sq z |   far 0
+//      | \         |     |        |                |
+//      |  far 1    | far | distSq | sq x, sq y, sq z |   far 1   <- visited next
+//      leaf        +-----+--------+----------------+
+
+namespace kvx3d::detail {
 namespace {
 
-/// What a nearest search still has to look at on its way up: a node, then the child on its far
-/// side.
+/// A subtree that is still to be visited.
 struct OpenBranch {
     const KDtreeNode* node;
-    double distSq;
-    const KDtreeNode* far;
-    double farSq[3];  ///< squared distance to the far child's box along each axis
+    double distSq;  ///< squared distance from the query to its box, the sum of sq
+    double sq[3];   ///< squared distance along each axis
 };
 
-/// Open branches of one search: in place as long as the tree is not degenerate.
+/// Last-in, first-out list of open branches. The first 128 entries need no heap memory.
 class OpenBranches {
 public:
     bool Empty() const { return size == 0; }
+    int Size() const { return size; }
 
-    OpenBranch& Push() {
+    void Push(const OpenBranch& branch) {
         if (size == capacity) {
             Grow();
         }
-        return base[size++];
+        base[size++] = branch;
     }
 
-    OpenBranch& Pop() { return base[--size]; }
+    /// The last branch; valid until the next Push().
+    const OpenBranch& Pop() { return base[--size]; }
 
 private:
     void Grow() {
@@ -49,20 +64,7 @@ private:
     int capacity = inPlace;
 };
 
-/// The next double above a squared distance.
-double JustAbove(double distSq) {
-    std::uint64_t bits;
-    std::memcpy(&bits, &distSq, sizeof bits);
-    ++bits;
-    std::memcpy(&distSq, &bits, sizeof bits);
-    return distSq;
-}
-
-double Sum(const double* sq) {
-    return sq[0] + sq[1] + sq[2];
-}
-
-/// Squared distance of the query to the box along each axis.
+/// Squared distance from the query to the box along each axis.
 void BoxDistances(const KDtreeRect& box, const double* query, double* sq) {
     for (int axis = 0; axis < 3; ++axis) {
         double d = 0.0;
@@ -77,62 +79,87 @@ void BoxDistances(const KDtreeRect& box, const double* query, double* sq) {
 
 /// One nearest search.
 ///
-/// The answer is the first node at the least distance in the order near side, node, far side. The
-/// descent measures every node it passes, so `limit` falls before the way up begins: to just
-/// above a distance seen but not yet met in order, to the distance itself once it is.
+/// Of equally near nodes the answer is the first one in the order near side, node, far side. The
+/// search measures each node before its near side, because the distance then prunes earlier. Both
+/// orders agree except for a node and the nodes on its near side: an equally near node replaces
+/// `best` exactly if it lies on the near side of `best`. The search is still on that side as long
+/// as it has closed no branch that was open when it measured `best`.
 class NearestSearch {
 public:
     NearestSearch(const KDtreeCore& tree, const double* from)
-        : core(tree), query(from), best(tree.root), limit(DistanceSq(from, tree.root->pos)) {}
+        : core(tree),
+          query{from[0], from[1], from[2]},
+          best(tree.root),
+          bestSq(DistanceSq(from, tree.root->pos)) {}
 
     const KDtreeNode* Run() {
-        double sq[3];
-        BoxDistances(*core.rect, query, sq);
-        Descend(core.root, sq);
+        if (std::isnan(bestSq)) {
+            return best;  // nothing compares as nearer than NaN
+        }
+        OpenBranch branch = {core.root, 0.0, {}};
+        BoxDistances(*core.rect, query, branch.sq);
+        Descend(branch);
         while (!branches.Empty()) {
-            OpenBranch branch = branches.Pop();
-            if (limit > branch.distSq) {
-                best = branch.node;
-                limit = branch.distSq;
-            }
-            if (branch.far && limit > Sum(branch.farSq)) {
-                Descend(branch.far, branch.farSq);
+            branch = branches.Pop();
+            fewestOpen = std::min(fewestOpen, branches.Size());
+            if (branch.distSq <= bestSq) {  // an equally near node may still replace `best`
+                Descend(branch);
             }
         }
         return best;
     }
 
 private:
-    /// Follows the near side to the end; nodes and far sides that may matter are left open.
-    void Descend(const KDtreeNode* node, const double* sq) {
+    /// Follows the near side of a subtree to its end and opens the far sides that may matter.
+    void Descend(const OpenBranch& branch) {
+        const KDtreeNode* node = branch.node;
         while (node) {
+            const double* pos = node->pos;
             const int dir = node->dir;
-            const double d = query[dir] - node->pos[dir];
-            const double distSq = DistanceSq(query, node->pos);
+            const double d = query[dir] - pos[dir];
+            // A query on the splitting plane goes left first, although points on it lie right.
             const KDtreeNode* near = d <= 0.0 ? node->left : node->right;
             const KDtreeNode* far = d <= 0.0 ? node->right : node->left;
-            double farSq[3] = {sq[0], sq[1], sq[2]};
-            // 0 at a plane that is no number: every later point there lies on its left.
-            farSq[dir] = std::max(0.0, d * d);
-            const bool maybeNode = limit > distSq;
-            if (maybeNode) {
-                limit = JustAbove(distSq);
+            const bool isBest = IsBest(node, DistanceSq(query, pos));
+            if (far && !(d * d > bestSq)) {
+                OpenFar(far, branch.sq, dir, d * d);
             }
-            if (maybeNode || (far && limit > Sum(farSq))) {
-                OpenBranch& branch = branches.Push();
-                branch.node = node;
-                branch.distSq = distSq;
-                branch.far = far;
-                std::memcpy(branch.farSq, farSq, sizeof farSq);
+            if (isBest) {
+                openAtBest = branches.Size();
+                fewestOpen = openAtBest;
             }
             node = near;
         }
     }
 
+    /// Makes the node the best one if it is nearer, or equally near and earlier.
+    bool IsBest(const KDtreeNode* node, double distSq) {
+        const bool isTie = distSq == bestSq && best != core.root && fewestOpen >= openAtBest;
+        if (!(distSq < bestSq) && !isTie) {
+            return false;
+        }
+        best = node;
+        bestSq = distSq;
+        return true;
+    }
+
+    /// Opens a far child unless its box is too far away. `sq` belongs to the parent's box.
+    void OpenFar(const KDtreeNode* far, const double* sq, int dir, double planeSq) {
+        OpenBranch branch = {far, 0.0, {sq[0], sq[1], sq[2]}};
+        // 0 at a plane with a NaN coordinate: every point inserted later lies on its left.
+        branch.sq[dir] = std::max(0.0, planeSq);
+        branch.distSq = branch.sq[0] + branch.sq[1] + branch.sq[2];
+        if (branch.distSq <= bestSq) {
+            branches.Push(branch);
+        }
+    }
+
     const KDtreeCore& core;
-    const double* query;
+    const double query[3];
     const KDtreeNode* best;
-    double limit;  ///< only what is nearer counts
+    double bestSq;
+    int openAtBest = 0;  ///< open branches when `best` was measured, its own far side included
+    int fewestOpen = 0;  ///< fewest open branches since then
     OpenBranches branches;
 };
 
@@ -142,9 +169,37 @@ const KDtreeNode* NearestNode(const KDtreeCore& core, const double* query) {
     if (!core.root || !core.rect) {
         return nullptr;
     }
-    const KDtreeIndex* index = IndexOf(core);
-    const KDtreeNode* nearest = index && IsFinite(query) ? index->Nearest(query) : nullptr;
-    return nearest ? nearest : NearestSearch(core, query).Run();
+    return NearestSearch(core, query).Run();
+}
+
+bool CollectWithin(const KDtreeCore& core, const double* query, double radius,
+                   KDtreeResultSet& set) try {
+    const double radiusSq = radius * radius;
+    std::vector<KDtreeNode*> open;  // far sides that are still to be visited
+    KDtreeNode* node = core.root;
+    while (node || !open.empty()) {
+        if (!node) {
+            node = open.back();
+            open.pop_back();
+        }
+        if (DistanceSq(query, node->pos) <= radiusSq) {
+            if (!InsertResult(set.list, node, -1.0)) {
+                return false;
+            }
+            ++set.size;
+        }
+        const double d = query[node->dir] - node->pos[node->dir];
+        KDtreeNode* far = d <= 0.0 ? node->right : node->left;
+        // Strict, although the test of a point includes the sphere: a plane exactly `radius` away
+        // is not crossed, so the points beyond it are left out even if they touch the sphere.
+        if (far && std::fabs(d) < radius) {
+            open.push_back(far);
+        }
+        node = d <= 0.0 ? node->left : node->right;
+    }
+    return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool InsertResult(KDtreeResultNode* head, KDtreeNode* node, double distSq) try {
@@ -166,3 +221,5 @@ void ClearResults(KDtreeResultNode* head) {
         delete entry;
     }
 }
+
+}  // namespace kvx3d::detail

@@ -3,67 +3,57 @@
 #include <algorithm>
 #include <cstddef>
 #include <new>
-#include <vector>
 
 #include "overset/detail/kd_tree_build.h"
-#include "overset/detail/kd_tree_index.h"
 
+// The memory of one tree:
+//
+//     KDtreeStore                       NodeChunk, one allocation each
+//     | dim root rect destructor |      | next capacity used blocks | gap | block | block | ... |
+//     | box, boxMin, boxMax      |        |                      |           ^
+//     | chunks -------------------------> |                      +-----------+ cache line
+//                                         +--> the chunk before it
+//
+// `rect` points to `box`, and `root` into one of the chunks.
+//
+// Readable transcription: KdTree in plain/plain_kd_tree.h.
+
+namespace kvx3d::detail {
 namespace {
 
-/// A run of node blocks. The blocks stand behind the head, in the same allocation.
+constexpr int fewPoints = 8;        // up to this number, points are inserted one by one
+constexpr int firstChunk = 16;      // nodes; keeps small trees small
+constexpr int largestChunk = 4096;  // nodes; chunks double up to this size
+constexpr std::size_t cacheLine = 64;
+
+/// The head of a run of node blocks, which come after it in the same allocation.
 struct NodeChunk {
     NodeChunk* next;
-    int capacity;
-    int used;
+    int capacity;  ///< blocks
+    int used;      ///< blocks that hold nodes, or points on their way into the tree
     NodeBlock* blocks;
 };
 
-constexpr int fewPoints = 8;   // not worth a build of their own
-constexpr int fewNodes = 256;  // a search of the tree is as quick as one of an index
-
-/// The core with the memory of its nodes. Every core is one of these; the chunk list stays out of
-/// KDtreeCore, whose fields are the interface.
+/// The core together with the memory it needs. Every core made here is one of these; the additions
+/// stay out of KDtreeCore, whose fields are public.
 struct KDtreeStore : KDtreeCore {
-    NodeChunk* chunks;  ///< the one in use first
+    NodeChunk* chunks;  ///< the chunk in use first
+    KDtreeRect box;
+    double boxMin[3];
+    double boxMax[3];
 };
 
-/// A box and its bounds in one allocation. The box of all points is the one field of a tree that
-/// nobody else has a use for, so the index goes with it.
-struct RectBlock {
-    KDtreeRect rect;
-    double min[3];
-    double max[3];
-    KDtreeIndex* index;  ///< owned, null for most trees
-};
-
-/// The block of a box; null if it is a box of somebody else's, whose bounds lie elsewhere.
-RectBlock* BlockOf(KDtreeRect* rect) {
-    const char* start = reinterpret_cast<const char*>(rect);
-    const auto isAt = [start](const double* bounds, std::size_t offset) {
-        return reinterpret_cast<const char*>(bounds) == start + offset;
-    };
-    return rect && isAt(rect->min, offsetof(RectBlock, min)) &&
-                   isAt(rect->max, offsetof(RectBlock, max))
-               ? reinterpret_cast<RectBlock*>(rect)
-               : nullptr;
-}
-
-constexpr std::size_t cacheLine = 64;
-constexpr int firstChunk = 16;      // nodes; a tree of a few points stays small
-constexpr int largestChunk = 4096;  // nodes; chunks double up to this size
-
+/// Puts a chunk in front of the others.
 bool AddChunk(KDtreeStore& store, int capacity) {
     const std::size_t bytes =
         sizeof(NodeChunk) + cacheLine + sizeof(NodeBlock) * static_cast<std::size_t>(capacity);
-    char* memory = nullptr;
-    try {
-        memory = new char[bytes];
-    } catch (const std::bad_alloc&) {
+    char* memory = new (std::nothrow) char[bytes];
+    if (!memory) {
         return false;
     }
     const std::size_t start = reinterpret_cast<std::size_t>(memory + sizeof(NodeChunk));
-    const std::size_t shift = (cacheLine - start % cacheLine) % cacheLine;
-    void* blocks = memory + sizeof(NodeChunk) + shift;
+    const std::size_t gap = (cacheLine - start % cacheLine) % cacheLine;
+    void* blocks = memory + sizeof(NodeChunk) + gap;
     store.chunks =
         new (memory) NodeChunk{store.chunks, capacity, 0, static_cast<NodeBlock*>(blocks)};
     return true;
@@ -77,7 +67,8 @@ void FreeChunks(NodeChunk* chunk) {
     }
 }
 
-/// A node from the chunk in use or a new one, or null.
+/// Makes a node in the chunk in use or in a new one.
+/// @return null if there is not enough memory
 KDtreeNode* NewNode(KDtreeStore& store, const KDtreePoint& point, int dir) {
     if (!store.chunks || store.chunks->used == store.chunks->capacity) {
         const int capacity =
@@ -90,96 +81,55 @@ KDtreeNode* NewNode(KDtreeStore& store, const KDtreePoint& point, int dir) {
     return MakeNode(chunk.blocks + chunk.used++, point, dir);
 }
 
-/// A box that holds one point, or null.
-KDtreeRect* NewRect(int dim, const double* xyz) try {
-    RectBlock* block = new RectBlock;
-    std::copy(xyz, xyz + 3, block->min);
-    std::copy(xyz, xyz + 3, block->max);
-    block->rect = {dim, block->min, block->max};
-    block->index = nullptr;
-    return &block->rect;
-} catch (const std::bad_alloc&) {
-    return nullptr;
-}
-
-void DropIndex(KDtreeCore& core) {
-    if (RectBlock* block = BlockOf(core.rect)) {
-        delete block->index;
-        block->index = nullptr;
-    }
-}
-
-void FreeRect(KDtreeCore& core) {
-    DropIndex(core);
-    delete reinterpret_cast<RectBlock*>(core.rect);
-    core.rect = nullptr;
-}
-
-/// Extends the bounding box. A box that cannot be made is tried again with the next point.
-void ExtendRect(KDtreeCore& core, const double* xyz) {
-    if (!core.rect) {
-        core.rect = NewRect(core.dim, xyz);
-        return;
-    }
-    for (int axis = 0; axis < 3; ++axis) {
-        if (xyz[axis] < core.rect->min[axis]) {
-            core.rect->min[axis] = xyz[axis];
-        }
-        if (xyz[axis] > core.rect->max[axis]) {
-            core.rect->max[axis] = xyz[axis];
-        }
-    }
-}
-
-/// Extends the bounding box by n points in order of arrival.
-void ExtendRect(KDtreeCore& core, const KDtreePoint* points, int n) {
-    int i = 0;
-    while (i < n && !core.rect) {
-        ExtendRect(core, points[i++].xyz);
-    }
-    if (i == n) {
-        return;
+/// Extends the bounding box by n > 0 points; the first point of a tree starts it.
+void ExtendBox(KDtreeStore& store, const KDtreePoint* points, int n) {
+    if (!store.rect) {
+        std::copy(points->xyz, points->xyz + 3, store.boxMin);
+        std::copy(points->xyz, points->xyz + 3, store.boxMax);
+        store.box = {store.dim, store.boxMin, store.boxMax};
+        store.rect = &store.box;
     }
     double min[3];
     double max[3];
-    std::copy(core.rect->min, core.rect->min + 3, min);
-    std::copy(core.rect->max, core.rect->max + 3, max);
-    for (; i < n; ++i) {
+    std::copy(store.rect->min, store.rect->min + 3, min);
+    std::copy(store.rect->max, store.rect->max + 3, max);
+    for (int i = 0; i < n; ++i) {
         for (int axis = 0; axis < 3; ++axis) {
+            // In this order a NaN coordinate leaves the bounds as they are.
             min[axis] = std::min(min[axis], points[i].xyz[axis]);
             max[axis] = std::max(max[axis], points[i].xyz[axis]);
         }
     }
-    std::copy(min, min + 3, core.rect->min);
-    std::copy(max, max + 3, core.rect->max);
+    std::copy(min, min + 3, store.rect->min);
+    std::copy(max, max + 3, store.rect->max);
 }
 
-/// A coordinate that is no number compares false with everything, which no build by parts survives.
+/// A NaN coordinate breaks the partitioning because it is neither below a plane nor above it.
 bool HasNaN(const KDtreePoint* points, int n) {
     return std::any_of(points, points + n, [](const KDtreePoint& p) {
         return p.xyz[0] != p.xyz[0] || p.xyz[1] != p.xyz[1] || p.xyz[2] != p.xyz[2];
     });
 }
 
-/// True if all nodes have finite coordinates within the box. One that was made late, for want of
-/// memory, does not hold the points before it.
-bool AllWithin(const KDtreeRect& box, const NodeBlock* blocks, int n) {
-    return IsFinite(box.min) && IsFinite(box.max) &&
-           std::all_of(blocks, blocks + n, [&box](const NodeBlock& block) {
-               bool within = true;
-               for (int axis = 0; axis < 3; ++axis) {
-                   const double c = block.xyz[axis];
-                   within = within && box.min[axis] <= c && c <= box.max[axis];
-               }
-               return within;
-           });
-}
-
+/// Calls the destructor for each node, children before parents and left before right.
+///
+/// The links of the tree serve as the list of nodes still to be finished and are lost: on the way
+/// down, `left` is replaced by the parent and, once the right side is entered, `right` by null.
 void CallInPostOrder(KDtreeNode* node, void (*destructor)(int*)) {
-    if (node) {
-        CallInPostOrder(node->left, destructor);
-        CallInPostOrder(node->right, destructor);
-        destructor(node->data);
+    KDtreeNode* parent = nullptr;
+    while (node || parent) {
+        if (node) {  // enter the left side
+            KDtreeNode* const left = node->left;
+            node->left = parent;
+            parent = node;
+            node = left;
+        } else if (parent->right) {  // the left side is finished: enter the right side
+            node = parent->right;
+            parent->right = nullptr;
+        } else {  // both sides are finished
+            destructor(parent->data);
+            parent = parent->left;
+        }
     }
 }
 
@@ -204,19 +154,18 @@ void FreeKDtree(KDtreeCore* core) {
         CallInPostOrder(store->root, store->destructor);
     }
     FreeChunks(store->chunks);
-    FreeRect(*store);
     delete store;
 }
 
 bool InsertPoint(KDtreeCore& core, const KDtreePoint& point) {
-    DropIndex(core);
-    const FreePlace place = FallTo({&core.root, 0}, point.xyz);
-    KDtreeNode* node = NewNode(static_cast<KDtreeStore&>(core), point, place.dir);
+    KDtreeStore& store = static_cast<KDtreeStore&>(core);
+    const FreePlace place = FindFreePlace({&store.root, 0}, point.xyz);
+    KDtreeNode* node = NewNode(store, point, place.dir);
     if (!node) {
         return false;
     }
     *place.slot = node;
-    ExtendRect(core, point.xyz);
+    ExtendBox(store, &point, 1);
     return true;
 }
 
@@ -226,41 +175,27 @@ KDtreePoint* RoomForPoints(KDtreeCore& core, int n) {
 }
 
 bool InsertPoints(KDtreeCore& core) {
-    NodeChunk& chunk = *static_cast<KDtreeStore&>(core).chunks;
+    KDtreeStore& store = static_cast<KDtreeStore&>(core);
+    NodeChunk& chunk = *store.chunks;
     const int n = chunk.capacity;
     const KDtreePoint* points = PointsIn(chunk.blocks, n);
-    if (core.root || n <= fewPoints || HasNaN(points, n)) {
+    if (store.root || n <= fewPoints || HasNaN(points, n)) {
         for (int i = 0; i < n; ++i) {
-            const KDtreePoint point = points[i];  // its room becomes that of a node
-            InsertPoint(core, point);
+            const KDtreePoint point = points[i];  // a copy: a node takes its place
+            InsertPoint(store, point);
         }
         return true;
     }
     chunk.used = n;
-    ExtendRect(core, points, n);
+    ExtendBox(store, points, n);
     try {
-        BuildFromTheTop(&core.root, chunk.blocks, n);
+        BuildFromTheTop(&store.root, chunk.blocks, n);
     } catch (const std::bad_alloc&) {
-        core.root = nullptr;
-        FreeRect(core);
+        store.root = nullptr;
+        store.rect = nullptr;
         return false;
     }
     return true;
 }
 
-void IndexNodes(KDtreeCore& core) try {
-    const NodeChunk* chunk = static_cast<KDtreeStore&>(core).chunks;
-    RectBlock* block = BlockOf(core.rect);
-    if (!block || block->index || chunk->next || chunk->used < fewNodes ||
-        !AllWithin(*core.rect, chunk->blocks, chunk->used)) {
-        return;
-    }
-    block->index = new KDtreeIndex(core, chunk->blocks, chunk->used);
-} catch (const std::bad_alloc&) {
-    // Searches are slower without it, and nothing else.
-}
-
-const KDtreeIndex* IndexOf(const KDtreeCore& core) {
-    const RectBlock* block = BlockOf(core.rect);
-    return block && block->index && block->index->IsFor(core) ? block->index : nullptr;
-}
+}  // namespace kvx3d::detail

@@ -7,18 +7,31 @@
 #include <new>
 #include <numeric>
 
+#include "overset/detail/kd_tree_search.h"
+#include "overset/detail/kd_tree_store.h"
+
+// The boxes over the face centers, halved along the longest side until eight centers are left:
+//
+//     nodes      | 0: all          | 1: lower half | 2: upper half | 3, 4: halves of 1 | ...
+//                  child ------------^
+//     order      |  numbers of the centers, leaf by leaf  |
+//     inLeaves   |  their coordinates in the same order   |
+//                  first .. last of a node is a range of both
+//
+// Readable transcription: CutOutside() and CutOverlap() in plain/plain_overset.h.
+
+namespace kvx3d::detail {
 namespace {
 
-constexpr int leafSize = 8;               // centres; below this a scan is faster than boxes
-constexpr int maxDepth = 64;              // halving an int range ends long before
-constexpr int nodesToJudge = 24;          // a verdict that needs more costs as much as a search
-constexpr double largest = 1e150;         // products of larger numbers overflow
-constexpr double smallestDoubt = 1e-300;  // where numbers lose digits, no sign is certain
-constexpr double roundingDoubt = 1e-12;   // relative; a sum of four products errs by some 1e-15
+constexpr int leafSize = 8;                   // centers; below this a scan is faster than boxes
+constexpr int maxDepth = 64;                  // more levels than halving an int range can take
+constexpr int nodesToJudge = 24;              // a verdict from more boxes costs as much as a search
+constexpr double largest = 1e150;             // products of larger numbers overflow
+constexpr double absoluteError = 1e-300;      // bound that covers subnormal numbers
+constexpr double relativeErrorOfSum = 1e-12;  // the sum of four products errs by some 1e-15
 
-/// Squared distance between two boxes, 0 where they meet. Summed as the distance of two points is,
-/// so that rounding never lifts it above the distance of a point in the one and a point in the
-/// other.
+/// Squared distance between two boxes, 0 where they meet. A lower bound of DistanceSq() for any two
+/// points in them, rounding included, because the terms are summed in the same order.
 double DistanceSqOfBoxes(const double* min, const double* max, const double* otherMin,
                          const double* otherMax) {
     double sq[3];
@@ -31,9 +44,9 @@ double DistanceSqOfBoxes(const double* min, const double* max, const double* oth
     return sq[0] + sq[1] + sq[2];
 }
 
-/// Squared distance of the two points of two boxes that are furthest apart; rounding never drops it
-/// below the distance of any two.
-double FurthestSqOfBoxes(const double* min, const double* max, const double* otherMin,
+/// Squared distance between the two points of two boxes that are farthest apart. An upper bound of
+/// DistanceSq() for any two points in them, rounding included.
+double FarthestSqOfBoxes(const double* min, const double* max, const double* otherMin,
                          const double* otherMax) {
     double sq[3];
     for (int axis = 0; axis < 3; ++axis) {
@@ -44,8 +57,8 @@ double FurthestSqOfBoxes(const double* min, const double* max, const double* oth
     return sq[0] + sq[1] + sq[2];
 }
 
-/// False for what is no number, too.
-bool IsModerate(const NearestFace::Vector& v) {
+/// False for NaN as well.
+bool IsModerate(const double* v) {
     return std::fabs(v[0]) <= largest && std::fabs(v[1]) <= largest && std::fabs(v[2]) <= largest;
 }
 
@@ -63,9 +76,9 @@ NearestFace::~NearestFace() {
 }
 
 void NearestFace::Add(const Vector& P, const Vector& S) {
-    centres.push_back({{P[0], P[1], P[2]}, nullptr});
+    centers.push_back(P);
     areaVectors.push_back(S);
-    allModerate = allModerate && IsModerate(P) && IsModerate(S);
+    allModerate = allModerate && IsModerate(P.data()) && IsModerate(S.data());
 }
 
 NearestFace::Node NearestFace::NodeOf(int first, int last) const {
@@ -73,7 +86,7 @@ NearestFace::Node NearestFace::NodeOf(int first, int last) const {
     const Box nothing = {{infinity, infinity, infinity}, {-infinity, -infinity, -infinity}};
     Node node = {nothing, nothing, infinity, 0.0, {}, first, last, 0};
     for (int i = first; i < last; ++i) {
-        const double* P = centres[order[i]].xyz;
+        const double* P = centers[order[i]].data();
         const double* S = areaVectors[order[i]].data();
         Extend(node.box.min, node.box.max, P);
         Extend(node.areas.min, node.areas.max, S);
@@ -83,8 +96,8 @@ NearestFace::Node NearestFace::NodeOf(int first, int last) const {
     }
     double leastSq = infinity;
     for (int i = first; i < last; ++i) {
-        const double* P = centres[order[i]].xyz;
-        const double awaySq = FurthestSqOfBoxes(node.box.min, node.box.max, P, P);
+        const double* P = centers[order[i]].data();
+        const double awaySq = FarthestSqOfBoxes(node.box.min, node.box.max, P, P);
         if (awaySq < leastSq) {
             leastSq = awaySq;
             std::copy(P, P + 3, node.middle);
@@ -93,10 +106,10 @@ NearestFace::Node NearestFace::NodeOf(int first, int last) const {
     return node;
 }
 
-/// Halves the centres along the longest side of their box until few are left.
+/// Halves the centers along the longest side of their box until few are left.
 void NearestFace::BuildBoxes() {
-    const int n = static_cast<int>(centres.size());
-    order.resize(centres.size());
+    const int n = static_cast<int>(centers.size());
+    order.resize(centers.size());
     std::iota(order.begin(), order.end(), 0);
     nodes.push_back(NodeOf(0, n));
     std::copy(nodes[0].middle, nodes[0].middle + 3, closeBy);
@@ -114,10 +127,13 @@ void NearestFace::BuildBoxes() {
         const int middle = node.first + (node.last - node.first) / 2;
         std::nth_element(
             order.begin() + node.first, order.begin() + middle, order.begin() + node.last,
-            [this, axis](int a, int b) { return centres[a].xyz[axis] < centres[b].xyz[axis]; });
+            [this, axis](int a, int b) { return centers[a][axis] < centers[b][axis]; });
         nodes[at].child = static_cast<int>(nodes.size());
         nodes.push_back(NodeOf(node.first, middle));
         nodes.push_back(NodeOf(middle, node.last));
+    }
+    for (int number : order) {
+        inLeaves.push_back(centers[number]);
     }
 }
 
@@ -130,7 +146,7 @@ int NearestFace::SideOfNode(const Node& node, const Cells& cells) {
         sum[1] += most;
         sum[2] += std::max(std::fabs(least), std::fabs(most));
     };
-    double sum[3] = {0.0, 0.0, 0.0};  // least, most, and size of the terms
+    double sum[3] = {0.0, 0.0, 0.0};  // least value, largest value, magnitude of the terms
     add(node.minArea * cells.minDepth, node.maxArea * cells.minDepth, node.minArea * cells.maxDepth,
         node.maxArea * cells.maxDepth, sum);
     for (int axis = 0; axis < 3; ++axis) {
@@ -139,19 +155,19 @@ int NearestFace::SideOfNode(const Node& node, const Cells& cells) {
         add(from * node.areas.min[axis], from * node.areas.max[axis], to * node.areas.min[axis],
             to * node.areas.max[axis], sum);
     }
-    const double doubt = roundingDoubt * sum[2] + smallestDoubt;
-    return sum[0] > doubt ? 1 : sum[1] < -doubt ? -1 : 0;
+    const double error = relativeErrorOfSum * sum[2] + absoluteError;
+    return sum[0] > error ? 1 : sum[1] < -error ? -1 : 0;
 }
 
 int NearestFace::SideOf(const Cells& cells) {
-    if (centres.empty() || !allModerate) {
+    if (centers.empty() || !allModerate) {
         return 0;
     }
     if (nodes.empty()) {
         BuildBoxes();
     }
-    // Cells come in mesh order: what was close to the ones before is close to these.
-    double withinSq = FurthestSqOfBoxes(closeBy, closeBy, cells.min, cells.max);
+    // Cells come in mesh order: a center close to the cells before is close to these as well.
+    double withinSq = FarthestSqOfBoxes(closeBy, closeBy, cells.min, cells.max);
     struct Open {
         int node;
         double distSq;
@@ -159,7 +175,7 @@ int NearestFace::SideOf(const Cells& cells) {
     Open open[maxDepth];
     int nOpen = 0;
     int side = 0;
-    int left = nodesToJudge;
+    int nLeft = nodesToJudge;
     open[nOpen++] = {0, 0.0};
     while (nOpen > 0) {
         const Open next = open[--nOpen];
@@ -175,14 +191,14 @@ int NearestFace::SideOf(const Cells& cells) {
             side = here;
             continue;
         }
-        if (!node.child || --left == 0) {
+        if (!node.child || --nLeft == 0) {
             return 0;
         }
         Open child[2];
         for (int i = 0; i < 2; ++i) {
             const Node& half = nodes[node.child + i];
             const double reachSq =
-                FurthestSqOfBoxes(half.middle, half.middle, cells.min, cells.max);
+                FarthestSqOfBoxes(half.middle, half.middle, cells.min, cells.max);
             if (reachSq < withinSq) {
                 withinSq = reachSq;
                 std::copy(half.middle, half.middle + 3, closeBy);
@@ -198,29 +214,86 @@ int NearestFace::SideOf(const Cells& cells) {
 }
 
 int NearestFace::Find(const double* query) {
-    if (centres.empty()) {
+    if (centers.empty()) {
         return 0;
     }
-    return static_cast<int>(NearestNode(InsertionTree(), query)->data - numbers.data()) + 1;
+    if (!allModerate || !IsModerate(query)) {
+        return FindInTree(query);
+    }
+    if (nodes.empty()) {
+        BuildBoxes();
+    }
+    const Nearest nearest = NearestInBoxes(query);
+    lastFound = nearest.at;
+    return nearest.tied ? FindInTree(query) : order[nearest.at] + 1;
 }
 
-/// The tree that took the centres one after the other, built when it is first asked for.
-const KDtreeCore& NearestFace::InsertionTree() {
-    if (insertionTree) {
-        return *insertionTree;
+/// Measures the centers of a leaf.
+void NearestFace::MeasureLeaf(const Node& leaf, const double* query, Nearest& nearest) const {
+    for (int i = leaf.first; i < leaf.last; ++i) {
+        const double distSq = DistanceSq(query, inLeaves[i].data());
+        if (distSq < nearest.distSq) {
+            nearest = {i, distSq, false};
+        } else if (distSq == nearest.distSq && i != nearest.at) {
+            nearest.tied = true;
+        }
     }
-    numbers.resize(centres.size());
-    for (std::size_t i = 0; i < centres.size(); ++i) {
-        centres[i].id = &numbers[i];
+}
+
+NearestFace::Nearest NearestFace::NearestInBoxes(const double* query) const {
+    struct Open {
+        int node;
+        double distSq;
+    };
+    Open open[maxDepth];
+    int nOpen = 0;
+    // Cells come in mesh order: the last answer gives a close bound from the start.
+    Nearest nearest = {lastFound, DistanceSq(query, inLeaves[lastFound].data()), false};
+    open[nOpen++] = {0, 0.0};
+    while (nOpen > 0) {
+        const Open next = open[--nOpen];
+        if (next.distSq > nearest.distSq) {
+            continue;  // an equally near box may hold an equally near center
+        }
+        const Node& node = nodes[next.node];
+        if (!node.child) {
+            MeasureLeaf(node, query, nearest);
+            continue;
+        }
+        Open child[2];
+        for (int i = 0; i < 2; ++i) {
+            const Box& box = nodes[node.child + i].box;
+            child[i] = {node.child + i, DistanceSqOfBoxes(box.min, box.max, query, query)};
+        }
+        const int near = child[1].distSq < child[0].distSq ? 1 : 0;
+        open[nOpen++] = child[1 - near];
+        open[nOpen++] = child[near];
     }
+    return nearest;
+}
+
+int NearestFace::FindInTree(const double* query) {
+    if (!insertionTree) {
+        BuildInsertionTree();
+    }
+    return *NearestNode(*insertionTree, query)->data;
+}
+
+/// Builds the tree that takes the centers one after the other.
+void NearestFace::BuildInsertionTree() {
+    ids.resize(centers.size());
+    std::iota(ids.begin(), ids.end(), 1);
     insertionTree = NewKDtree();
-    KDtreePoint* points = RoomForPoints(*insertionTree, static_cast<int>(centres.size()));
-    if (points) {
-        std::copy(centres.begin(), centres.end(), points);
-    }
-    if (!points || !InsertPoints(*insertionTree) || !insertionTree->rect) {
+    KDtreePoint* points = RoomForPoints(*insertionTree, static_cast<int>(centers.size()));
+    if (!points) {
         throw std::bad_alloc();
     }
-    IndexNodes(*insertionTree);
-    return *insertionTree;
+    for (std::size_t i = 0; i < centers.size(); ++i) {
+        points[i] = {{centers[i][0], centers[i][1], centers[i][2]}, &ids[i]};
+    }
+    if (!InsertPoints(*insertionTree)) {
+        throw std::bad_alloc();
+    }
 }
+
+}  // namespace kvx3d::detail

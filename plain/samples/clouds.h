@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
-/// Points by coordinate, 0-based, as the array builds take them.
+/// Point clouds and queries that tests and benchmarks share.
+
+/// Points in one array per coordinate, 0-based, as the array builds of KVX_ART_KDtree take them.
 struct Cloud {
     std::vector<double> x, y, z;
 
@@ -21,6 +23,7 @@ struct Cloud {
     int Size() const { return static_cast<int>(x.size()); }
 };
 
+/// n random points, uniform in [-1, 1]^3.
 inline Cloud UniformCloud(int n, unsigned seed) {
     std::mt19937 random(seed);
     std::uniform_real_distribution<double> at(-1.0, 1.0);
@@ -33,7 +36,7 @@ inline Cloud UniformCloud(int n, unsigned seed) {
     return cloud;
 }
 
-/// A cubic lattice on [-1, 1]^3, x fastest: equal coordinates and equal distances everywhere.
+/// A cubic lattice on [-1, 1]^3, x fastest. Has many equal coordinates and equal distances.
 inline Cloud LatticeCloud(int perSide) {
     Cloud cloud;
     const double step = 2.0 / std::max(perSide - 1, 1);
@@ -47,7 +50,7 @@ inline Cloud LatticeCloud(int perSide) {
     return cloud;
 }
 
-/// Few distinct positions, drawn many times each.
+/// Random points at 125 different positions, so that each occurs many times.
 inline Cloud RepeatedCloud(int n, unsigned seed) {
     std::mt19937 random(seed);
     std::uniform_int_distribution<int> at(-2, 2);
@@ -60,7 +63,7 @@ inline Cloud RepeatedCloud(int n, unsigned seed) {
     return cloud;
 }
 
-/// On the diagonal, ascending or descending: the deepest tree there is.
+/// Points along the diagonal, ascending or descending. The tree is as deep as their number.
 inline Cloud DiagonalCloud(int n, bool ascending) {
     Cloud cloud;
     for (int i = 0; i < n; ++i) {
@@ -70,7 +73,8 @@ inline Cloud DiagonalCloud(int n, bool ascending) {
     return cloud;
 }
 
-/// Rings around the z axis, theta fastest: every axis point is as far from all points of a ring.
+/// Rings around the z axis, theta fastest. A point on the axis is equally near to all points of a
+/// ring.
 inline Cloud RingCloud(int perRing, int rings) {
     Cloud cloud;
     for (int k = 0; k < rings; ++k) {
@@ -82,6 +86,7 @@ inline Cloud RingCloud(int perRing, int rings) {
     return cloud;
 }
 
+/// The points of a, then those of b.
 inline Cloud Joined(Cloud a, const Cloud& b) {
     a.x.insert(a.x.end(), b.x.begin(), b.x.end());
     a.y.insert(a.y.end(), b.y.begin(), b.y.end());
@@ -89,7 +94,7 @@ inline Cloud Joined(Cloud a, const Cloud& b) {
     return a;
 }
 
-/// Up the diagonal and down again between the points of the way up.
+/// Points up the diagonal, then down again between the first ones.
 inline Cloud OutAndBackCloud(int n) {
     return Joined(DiagonalCloud(n / 2, true), DiagonalCloud(n - n / 2 - 1, false));
 }
@@ -99,7 +104,7 @@ struct NamedCloud {
     Cloud cloud;
 };
 
-/// Clouds of every shape and of sizes on both sides of each threshold of the top-down build.
+/// All shapes of clouds, with sizes below and above each threshold of the top-down build.
 inline std::vector<NamedCloud> AllClouds() {
     std::vector<NamedCloud> clouds;
     for (int n : {1, 2, 3, 8, 9, 17, 100, 511, 513, 3000}) {
@@ -120,7 +125,8 @@ inline std::vector<NamedCloud> AllClouds() {
 
 using Query = std::array<double, 3>;
 
-/// Queries in and around a cloud, on its points, on lattice positions and between them.
+/// Queries in and around a cloud: random ones, at its points, at lattice positions, and midway
+/// between two points.
 inline std::vector<Query> QueriesFor(const Cloud& cloud, unsigned seed) {
     std::vector<Query> queries;
     std::mt19937 random(seed);

@@ -32,7 +32,7 @@ Point Mean(const std::array<Point, N>& points) {
     return sum;
 }
 
-/// Visits 0-based lattice positions, axis 0 fastest.
+/// Calls visit with each 0-based lattice position, axis 0 fastest.
 template <typename Visit>
 void ForEachPosition(const std::array<int, 3>& n, Visit visit) {
     for (int k = 0; k < n[2]; ++k) {
@@ -83,7 +83,7 @@ void CylinderHost::AddCells(const Block& block, int cavityOfBlock) {
         const Point diagonals = Cross(Minus(corners[3], corners[0]), Minus(corners[2], corners[1]));
         const Point mean = Mean(corners);
         for (std::size_t d = 0; d < 3; ++d) {
-            centre[d].push_back(mean[d]);
+            center[d].push_back(mean[d]);
         }
         volume.push_back(0.5 * std::fabs(diagonals[2]) * (corners[4][2] - corners[0][2]));
         cavity.push_back(cavityOfBlock);
@@ -96,7 +96,7 @@ void CylinderHost::AddFace(Faces& faces, const std::array<Point, 4>& nodes, cons
     Point area = Cross(Minus(nodes[2], nodes[0]), Minus(nodes[3], nodes[1]));
     const double half = Dot(area, outward) < 0.0 ? -0.5 : 0.5;
     for (std::size_t d = 0; d < 3; ++d) {
-        faces.centre[d].push_back(mean[d]);
+        faces.center[d].push_back(mean[d]);
         faces.area[d].push_back(half * area[d]);
     }
     faces.cell.push_back(cell);
@@ -123,7 +123,7 @@ void CylinderHost::AddFaces(const Block& block) {
     ForEachPosition(block.n, [&](const std::array<int, 3>& at) {
         const int cell = cellAt(at);
         const auto id = static_cast<std::size_t>(cell);
-        const Point C = {centre[0][id], centre[1][id], centre[2][id]};
+        const Point C = {center[0][id], center[1][id], center[2][id]};
         for (std::size_t axis = 0; axis < 3; ++axis) {
             for (int end = 0; end < 2; ++end) {
                 const bool atEnd = at[axis] == (end ? block.n[axis] - 1 : 0);
@@ -158,15 +158,15 @@ void CylinderHost::Link() {
             faces.other[i] = ++fvm.NcAll;
         }
     }
-    fvm.xc = centre[0].data();
-    fvm.yc = centre[1].data();
-    fvm.zc = centre[2].data();
+    fvm.xc = center[0].data();
+    fvm.yc = center[1].data();
+    fvm.zc = center[2].data();
     fvm.volume = volume.data();
 
     fvm.Ne = static_cast<int>(inner.cell.size()) - 1;
-    fvm.xe = inner.centre[0].data();
-    fvm.ye = inner.centre[1].data();
-    fvm.ze = inner.centre[2].data();
+    fvm.xe = inner.center[0].data();
+    fvm.ye = inner.center[1].data();
+    fvm.ze = inner.center[2].data();
     fvm.nxe = inner.area[0].data();
     fvm.nye = inner.area[1].data();
     fvm.nze = inner.area[2].data();
@@ -176,9 +176,9 @@ void CylinderHost::Link() {
     const auto link = [](Faces& from, int& n, double*& x, double*& y, double*& z, double*& nx,
                          double*& ny, double*& nz, int*& cell, int*& ghost) {
         n = static_cast<int>(from.cell.size()) - 1;
-        x = from.centre[0].data();
-        y = from.centre[1].data();
-        z = from.centre[2].data();
+        x = from.center[0].data();
+        y = from.center[1].data();
+        z = from.center[2].data();
         nx = from.area[0].data();
         ny = from.area[1].data();
         nz = from.area[2].data();

@@ -7,13 +7,14 @@
 
 #include "host_link/host_interface.h"
 
-/// A channel with an overset O-grid around a cylinder, refined by m: 240 m^3 cells.
+/// A host whose mesh is a channel with an overset O-grid around a cylinder; m refines it to
+/// 240 m^3 cells.
 ///
 /// Background: [-4, 8] x [-4, 4] x [0, 2], uniform 12m x 8m x 2m hexahedra, x fastest; inlet at
 /// x = -4, outlet at x = 8, walls at y = -4 and y = 4, symmetry at z = 0 and z = 2. Component:
 /// 12m x 2m x 2m cells between the radii 0.5 and 1.5 around (0.0137, 0.0071), theta fastest, then
 /// r, then z, radii stretched by e^(1.5 j / nr); the inner side is a wall, the outer side overset
-/// group 1. Only the arrays that the overset setup reads are filled.
+/// group 1. Only the arrays that the overset set-up reads are filled.
 class CylinderHost {
 public:
     explicit CylinderHost(int m);
@@ -29,16 +30,16 @@ private:
 
     struct Block {
         std::array<int, 3> n;
-        bool closed;  ///< axis 0 runs in a circle
+        bool closed;  ///< the last cell along axis 0 is beside the first one
         std::function<Point(int, int, int)> node;
-        std::array<Side, 6> sides;  ///< low and high end of each axis
+        std::array<Side, 6> sides;  ///< boundary at the lower and upper end of each axis
         int firstCell;
     };
     struct Faces {
-        std::vector<double> centre[3]{{0.0}, {0.0}, {0.0}};
+        std::vector<double> center[3]{{0.0}, {0.0}, {0.0}};
         std::vector<double> area[3]{{0.0}, {0.0}, {0.0}};
         std::vector<int> cell{0};
-        std::vector<int> other{0};  ///< neighbor or ghost cell
+        std::vector<int> other{0};  ///< neighbor of an inner face, ghost cell of a boundary face
     };
 
     void AddCells(const Block& block, int cavity);
@@ -47,7 +48,7 @@ private:
                  int other);
     void Link();
 
-    std::vector<double> centre[3]{{0.0}, {0.0}, {0.0}};
+    std::vector<double> center[3]{{0.0}, {0.0}, {0.0}};
     std::vector<double> volume{0.0};
     std::vector<int> cavity{0};
     Faces inner;

@@ -7,7 +7,7 @@
 #include "overset/overset_grid_data.h"
 #include "tests/support/box_host.h"
 
-/// Grid data of a host, ready to be cut.
+/// Linked grid data of a host, and the hole cutting on it.
 template <typename Host>
 struct Cutting {
     explicit Cutting(Host& host) {
@@ -30,12 +30,13 @@ struct Cutting {
     CKVX_ART_HoleCutting holes;
 };
 
-/// Unit background cells; a component of unit cells, open on all sides but z.
+/// A background of unit cells and a component of unit cells inside it, whose sides are overset
+/// faces except at the ends of the z axis.
 inline BoxHost Inside() {
     return BoxHost(12, 12, 2).WithComponentGrid(6, 6, 2, {3, 3, 0}, {6, 6, 2}, sideZMin | sideZMax);
 }
 
-/// The same, but the component sticks out through the wall y = 0.
+/// The same, but the component extends beyond the wall y = 0.
 inline BoxHost StickingOut() {
     return BoxHost(12, 12, 2).WithComponentGrid(6, 6, 2, {3, -2, 0}, {6, 6, 2},
                                                 sideZMin | sideZMax);

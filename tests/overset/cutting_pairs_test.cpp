@@ -9,7 +9,7 @@
 #include "tests/overset/cutting.h"
 #include "tests/support/output_capture.h"
 
-// The pair of cuts on hand-linked data, and the pair of the setup against its plain form.
+// The two cuts on hand-linked data, and the two cuts of the set-up against the plain ones.
 
 namespace {
 
@@ -26,7 +26,7 @@ TEST(SecondPair, OutsideCutReadsTheLinkedGeometryAndMargin) {
     EXPECT_EQ(output.Out(), "\t<Succeed> Non Active Cell Number = 24\n");
 }
 
-TEST(SecondPair, OutsideCutSaysWhenNothingIsCutAndWarnsOfTheGridType) {
+TEST(SecondPair, OutsideCutReportsThatNothingIsCutAndWarnsAboutTheGridType) {
     BoxHost host = Inside()
                        .WithComponentGrid(2, 2, 2, {20, 0, 0}, {2, 2, 2})
                        .WithComponentGrid(2, 1, 1, {30, 0, 0}, {2, 1, 1});
@@ -54,7 +54,7 @@ TEST(SecondPair, WithoutOverlapPointsNoBackgroundCellIsCut) {
     EXPECT_EQ(output.Out(), "\t<Succeed> Non Active Cell Number = 0\n");
 }
 
-/// Fills the overlap points with faces of group 1, then with inner faces.
+/// Sets the overlap points to faces of group 1, followed by inner faces.
 void FillOverlapPoints(KVX_ART_OVERSET_GRID_DATA& data, int nWall, std::vector<int> innerFaces) {
     data.NOverlapPoint = nWall + static_cast<int>(innerFaces.size());
     data.NOverlapWallPoint = nWall;
@@ -65,7 +65,8 @@ void FillOverlapPoints(KVX_ART_OVERSET_GRID_DATA& data, int nWall, std::vector<i
     data.overlapWallIndex = new int[n]();
     data.overlapInnerFace = new int[n]();
     for (int r = 1; r <= nWall; ++r) {
-        const int i = data.oversetBCFaceCount[1] + 1 - r;  // backward, to tell index from position
+        const int i =
+            data.oversetBCFaceCount[1] + 1 - r;  // in reverse, so that index and position differ
         const int face = data.oversetBCWallFace[1][i];
         data.overlapWallIndex[r] = i;
         data.xOverlapPoint[r] = data.xWall[face];
@@ -84,7 +85,7 @@ void FillOverlapPoints(KVX_ART_OVERSET_GRID_DATA& data, int nWall, std::vector<i
     }
 }
 
-TEST(SecondPair, BackgroundCutAfterAnOutsideCutMixesWallAndInnerFaces) {
+TEST(SecondPair, BackgroundCutAfterAnOutsideCutUsesWallAndInnerFaces) {
     BoxHost host = Inside();
     Cutting<BoxHost> cutting(host);
     FillOverlapPoints(cutting.data, cutting.data.oversetBCFaceCount[1],
@@ -99,7 +100,7 @@ TEST(SecondPair, BackgroundCutAfterAnOutsideCutMixesWallAndInnerFaces) {
     EXPECT_TRUE(cutting.holes.outsideCellsCut);
 }
 
-TEST(SecondPair, BackgroundCutByAnInnerFaceUsesItsAreaVector) {
+TEST(SecondPair, BackgroundCutWithAnInnerFaceUsesItsAreaVector) {
     BoxHost host = Inside();
     Cutting<BoxHost> cutting(host);
     const int face = host.InnerFaceBetween(host.CellAt(0, 6, 1, 1), host.CellAt(0, 7, 1, 1));
@@ -110,13 +111,13 @@ TEST(SecondPair, BackgroundCutByAnInnerFaceUsesItsAreaVector) {
 
     cutting.holes.CutBackgroundCells();
 
-    // The face at x = 6 points to +x: centres at 0.5 ... 3.5 lie more than two sizes behind it.
+    // The area vector at x = 6 points to +x. Centers at 0.5 ... 3.5 are more than two sizes inside.
     EXPECT_EQ(cutting.data.NNonActiveCell, 4 * 12 * 2);
     EXPECT_EQ(cutting.data.cellState[host.CellAt(0, 4, 12, 2)], 1);
     EXPECT_EQ(cutting.data.cellState[host.CellAt(0, 5, 12, 2)], 2);
 }
 
-TEST(SecondPair, BackgroundCutWithoutAnOutsideCutTakesGroupFacesByPosition) {
+TEST(SecondPair, BackgroundCutWithoutAnOutsideCutUsesGroupFacesByPosition) {
     BoxHost host = Inside();
     Cutting<BoxHost> cutting(host);
     FillOverlapPoints(cutting.data, 1, {});
@@ -125,12 +126,12 @@ TEST(SecondPair, BackgroundCutWithoutAnOutsideCutTakesGroupFacesByPosition) {
 
     cutting.holes.CutBackgroundCells();
 
-    // Point 1 lies on the last face (y = 9), its vector is that of the first one (x = 3, to -x).
+    // Point 1 lies on the last face (y = 9); its vector is that of the first face (x = 3, to -x).
     EXPECT_EQ(cutting.data.cellState[host.CellAt(0, 12, 1, 1)], 1);
     EXPECT_EQ(cutting.data.cellState[host.CellAt(0, 1, 1, 1)], 2);
 }
 
-TEST(SecondPair, EntriesOfPointsThatAreNoAnswerAreNotRead) {
+TEST(SecondPair, TableEntriesOfPointsThatAreNotNearestAreNotRead) {
     const int noSuchEntry = 1 << 28;
     BoxHost host = StickingOut();
     Cutting<BoxHost> cutting(host);
@@ -178,7 +179,7 @@ TEST(CutsAgainstPlain, CylinderInAChannel) {
     }
 }
 
-TEST(CutsAgainstPlain, AlignedLatticesFullOfTies) {
+TEST(CutsAgainstPlain, AlignedLatticesWithManyTies) {
     for (double shift : {0.0, 0.5, 0.25, -2.0, -4.5}) {
         BoxHost host = BoxHost(16, 16, 4).WithComponentGrid(8, 8, 4, {4, 4 + shift, 0}, {8, 8, 4},
                                                             sideZMin | sideZMax);

@@ -18,8 +18,8 @@ KVX3D_EXPOSE(BuildDonorTrees, &CKVXOversetMesh_Impl::BuildTreeForSearchDonor,
 
 namespace {
 
-/// One face (inner face 1 or wall face 1) in the plane x = 0 of a mesh made by hand. Cell 1 lies
-/// before it at x = -1, cell 2 beyond it at x = 1; cells 3 and up are those of the other grid.
+/// One face (inner face 1 or wall face 1) in the plane x = 0 of a hand-made mesh. Cell 1 lies at
+/// x = -1, cell 2 at x = 1; the cells from 3 on belong to the other grid.
 class DonorSearchByHand : public testing::Test {
 protected:
     struct Cell {
@@ -30,7 +30,7 @@ protected:
 
     ~DonorSearchByHand() override { delete impl.gridData; }
 
-    /// Cells 1 and 2 lie in grid `grid`; their states decide which one searches.
+    /// Cells 1 and 2 are in grid `grid`; their states decide which of them searches.
     void SetUpMesh(int grid, int state1, int state2, const std::vector<Cell>& others) {
         cells = {{0, 0, 0, 0, 0}, {-1, 0, 0, grid, state1}, {1, 0, 0, grid, state2}};
         cells.insert(cells.end(), others.begin(), others.end());
@@ -107,7 +107,7 @@ TEST_F(DonorSearchByHand, NeighborSearchesAgainstTheAreaVector) {
     EXPECT_EQ(impl.GetOversetInnerDonorCell(1), 4);
 }
 
-TEST_F(DonorSearchByHand, AFaceTurnedAroundHasTheSameDonor) {
+TEST_F(DonorSearchByHand, AFaceWithOwnerAndNeighborSwappedHasTheSameDonor) {
     SetUpMesh(1, 2, 1, {{1.1, 0.3, 0, 2, 2}, {-1.1, 0, 0, 2, 2}});
     const int donor = impl.GetOversetInnerDonorCell(1);
 
@@ -124,34 +124,36 @@ TEST_F(DonorSearchByHand, AFaceOfTwoActiveCellsSearchesFromItsOwner) {
     EXPECT_EQ(impl.GetOversetInnerDonorCell(1), 3);
 }
 
-TEST_F(DonorSearchByHand, ACutCellIsNeverTheDonor) {
+TEST_F(DonorSearchByHand, ACutCellIsNeverADonor) {
     SetUpMesh(1, 2, 1, {{1.0, 0, 0, 2, 1}, {3.0, 0, 0, 2, 2}});
 
     EXPECT_EQ(impl.GetOversetInnerDonorCell(1), 4);
     EXPECT_EQ(impl.componentTree->tree->root->data, &impl.gridData->cellOfGrid[2][2]);
 }
 
-TEST_F(DonorSearchByHand, ACandidateOnThePlaneIsRefusedAndTheSearchGoesATenthFurther) {
-    // At t = 1 the query (1, 0, 0) is nearest to cell 3, on the plane; at 1.1 to cell 4.
+TEST_F(DonorSearchByHand, ACandidateOnThePlaneIsRejectedAndTheNextTryIsATenthFarther) {
+    // At t = 1 the query (1, 0, 0) is nearest to cell 3, which lies on the plane; at t = 1.1 the
+    // query is nearest to cell 4.
     SetUpMesh(1, 2, 1, {{0, 0.5, 0, 2, 2}, {2.2, 0, 0, 2, 2}});
 
     EXPECT_EQ(impl.GetOversetInnerDonorCell(1), 4);
 }
 
-TEST_F(DonorSearchByHand, ACandidateExactlyAtTheLimitIsRefused) {
+TEST_F(DonorSearchByHand, ACandidateExactlyAtTheLimitIsRejected) {
     SetUpMesh(1, 2, 1, {{1e-8, 0.5, 0, 2, 2}, {2.2, 0, 0, 2, 2}});
 
     EXPECT_EQ(impl.GetOversetInnerDonorCell(1), 4);
 }
 
-TEST_F(DonorSearchByHand, ACandidateJustBeyondTheLimitIsTaken) {
+TEST_F(DonorSearchByHand, ACandidateJustBeyondTheLimitIsAccepted) {
     SetUpMesh(1, 2, 1, {{1.0000001e-8, 0.5, 0, 2, 2}, {2.2, 0, 0, 2, 2}});
 
     EXPECT_EQ(impl.GetOversetInnerDonorCell(1), 3);
 }
 
 TEST_F(DonorSearchByHand, TheTestAddsTheZTermLast) {
-    // Cell 3: y term 1, x term 1e16, z term -1e16. Only with z last the 1 is lost: refused.
+    // Cell 3: y term 1, x term 1e16, z term -1e16. With z added last the 1 is lost and the cell is
+    // rejected.
     nx[1] = 1e16;
     ny[1] = 1.0;
     nz[1] = -1e16;
@@ -160,8 +162,8 @@ TEST_F(DonorSearchByHand, TheTestAddsTheZTermLast) {
     EXPECT_EQ(impl.GetOversetInnerDonorCell(1), 4);
 }
 
-TEST_F(DonorSearchByHand, AWallTakesTheXAreaInAllThreeDirections) {
-    // Beyond the plane x = 0 lies cell 3, but not beyond x + y + z = 0; cell 4 is beyond that.
+TEST_F(DonorSearchByHand, AWallUsesTheXAreaInAllThreeDirections) {
+    // Cell 3 lies beyond the plane x = 0 but not beyond x + y + z = 0; cell 4 lies beyond both.
     SetUpMesh(1, 2, 2, {{0.5, -0.6, -0.6, 2, 2}, {2.2, 0, 0, 2, 2}});
     ny[1] = -5.0;
 
@@ -169,7 +171,7 @@ TEST_F(DonorSearchByHand, AWallTakesTheXAreaInAllThreeDirections) {
     EXPECT_EQ(impl.GetOversetWallDonorCell(1), 4);
 }
 
-TEST_F(DonorSearchByHand, WallIdsOutOfRangeAreRefused) {
+TEST_F(DonorSearchByHand, WallIdsOutOfRangeAreRejected) {
     SetUpMesh(1, 2, 2, {{1, 0, 0, 2, 2}});
     OutputCapture output;
 
@@ -182,7 +184,7 @@ TEST_F(DonorSearchByHand, WallIdsOutOfRangeAreRefused) {
               "<ERROR> Fail to get overset wall donor cell. idWall must within 1~ NWall.\n");
 }
 
-TEST_F(DonorSearchByHand, OneAnswerOfTwoIntsStaysBehindPerCall) {
+TEST_F(DonorSearchByHand, OneAnswerOfTwoIntsIsLeftAllocatedPerCall) {
     SetUpMesh(1, 2, 1, {{0, 0.5, 0, 2, 2}, {2.2, 0, 0, 2, 2}});
     AllocationRecorder recorder;
 
@@ -204,7 +206,7 @@ TEST_F(DonorSearchByHand, ReplacementWritesTheDonorOverTheCutCell) {
     EXPECT_EQ(nx[1], 1.0);
 }
 
-TEST_F(DonorSearchByHand, ReplacementTakesACutOwnerFirst) {
+TEST_F(DonorSearchByHand, ReplacementPrefersACutOwner) {
     SetUpMesh(1, 1, 2, {{-1.1, 0, 0, 2, 2}});
 
     impl.ReplaceCe23_DonorCelltoGhostCell(1);
@@ -226,7 +228,7 @@ TEST_F(DonorSearchByHand, SecondReplacementPrintsALineAndChangesNothing) {
 
 using DonorSearchWithoutEnd = DonorSearchByHand;
 
-/// Runs a call that does not return for a second, both output streams on standard error.
+/// Expects that a call has not returned after a second. Both output streams go to standard error.
 #define EXPECT_NO_END(call, text)               \
     EXPECT_EXIT(                                \
         {                                       \
@@ -264,7 +266,7 @@ TEST_F(DonorSearchWithoutEnd, TheSecondComponentHasNoTreeToSearch) {
                   "Fail to search donor cell. Inner Face ID=1\n");
 }
 
-TEST_F(DonorSearchWithoutEnd, ACellWithoutAGridWarnsTwiceATry) {
+TEST_F(DonorSearchWithoutEnd, ACellWithoutAGridWarnsTwicePerTry) {
     SetUpMesh(4, 2, 2, {{1, 0, 0, 2, 2}});
 
     EXPECT_NO_END(impl.GetOversetWallDonorCell(1),

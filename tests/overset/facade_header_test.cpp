@@ -1,11 +1,12 @@
-// Only the facade's header: what it names must be complete for whoever includes nothing else.
+// Includes only the facade's header: every class that it names must be complete for a host that
+// includes nothing else.
 #include "overset/overset_mesh.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-TEST(OversetFacadeHeader, AloneReachesTheImplementationItsTablesAndItsTrees) {
+TEST(OversetFacadeHeader, GivesAccessToTheImplementationItsTablesAndItsTrees) {
     CKVX3DFiniteVolumeMesh fvm;
     CKvx3dGV gv;
     CKVXOversetMesh mesh;

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Grid data of a host, linked and derived.
+/// Grid data of a host, linked and filled.
 struct Linked {
     explicit Linked(BoxHost& host) {
         data.getKvx3dGV(&host.gv, &host.fvm);
@@ -112,7 +112,7 @@ TEST(GridDataGrids, ThirdCavityIsTheGridOfGroupTwo) {
     EXPECT_EQ(linked.data.NCellOfGrid[3], 8);
 }
 
-TEST(GridDataGrids, OneCavityIsNoOversetMesh) {
+TEST(GridDataGrids, OneCavityIsNotAnOversetMesh) {
     BoxHost host(3, 2, 2);
     Linked linked(host);
 
@@ -122,7 +122,7 @@ TEST(GridDataGrids, OneCavityIsNoOversetMesh) {
     EXPECT_EQ(linked.data.cavityToGrid[1], 1);
 }
 
-TEST(GridDataGrids, FourthCavityHasNoGridAndWarnsInTwoWordings) {
+TEST(GridDataGrids, FourthCavityHasNoGridAndWarnsWithTwoTexts) {
     BoxHost host = TwoGrids()
                        .WithComponentGrid(2, 2, 2, {1, 1, 1}, {2, 2, 2})
                        .WithComponentGrid(1, 1, 2, {9, 9, 1}, {2, 2, 2});
@@ -139,7 +139,7 @@ TEST(GridDataGrids, FourthCavityHasNoGridAndWarnsInTwoWordings) {
               "Warning: Can not get the overset grid state.\n");
 }
 
-TEST(GridDataGrids, ACavityOfTheLastCellAloneDoesNotCount) {
+TEST(GridDataGrids, ACavityThatConsistsOfTheLastCellOnlyDoesNotCount) {
     BoxHost host(4, 1, 1);
     host.arrays.cavity[4] = 0;
     Linked linked(host);
@@ -148,7 +148,7 @@ TEST(GridDataGrids, ACavityOfTheLastCellAloneDoesNotCount) {
     EXPECT_FALSE(linked.data.hasOversetGrids);
 }
 
-TEST(GridDataWalls, WallsOfNoGroupArePhysical) {
+TEST(GridDataWalls, WallsInNoGroupArePhysical) {
     BoxHost host = TwoGrids();
     Linked linked(host);
     KVX_ART_OVERSET_GRID_DATA& data = linked.data;
@@ -233,7 +233,7 @@ TEST_F(GridDataInnerFace, StateFollowsTheTwoCells) {
     EXPECT_FALSE(data.needChangeInnerNormal);
 }
 
-TEST_F(GridDataInnerFace, StateOfAFaceToTurnSetsTheFlagAndLeavesTheMesh) {
+TEST_F(GridDataInnerFace, StateOfAFaceToTurnSetsTheFlagAndDoesNotChangeTheMesh) {
     SetStates(1, 2);
     EXPECT_TRUE(data.IsNeedChangeInnerNormal(1));
 
@@ -245,7 +245,7 @@ TEST_F(GridDataInnerFace, StateOfAFaceToTurnSetsTheFlagAndLeavesTheMesh) {
     EXPECT_EQ(host.arrays.faceArea[0][1], 1.0);
 }
 
-TEST_F(GridDataInnerFace, TypeOfAFaceToTurnTurnsItOnceAndLeavesTheFlag) {
+TEST_F(GridDataInnerFace, TypeOfAFaceToTurnTurnsItOnceAndDoesNotSetTheFlag) {
     SetStates(1, 2);
 
     EXPECT_EQ(data.GetInnerFaceType(1), OversetInnerFace_Overset);
@@ -272,7 +272,7 @@ TEST_F(GridDataInnerFace, OtherStatesAreReportedOnStandardError) {
     }
 }
 
-TEST(GridDataLink, NullIsRefusedWithALine) {
+TEST(GridDataLink, NullIsRejectedWithALine) {
     KVX_ART_OVERSET_GRID_DATA data;
     CKVX_ACMT_GV gv;
     OutputCapture output;
@@ -284,7 +284,7 @@ TEST(GridDataLink, NullIsRefusedWithALine) {
     EXPECT_EQ(output.Out(), "WARNING: Can not get the object of ART global variables!\n");
 }
 
-TEST(GridDataRelease, AllIsReleasedButTheRowOfTheLastGrid) {
+TEST(GridDataRelease, EverythingIsReleasedExceptTheRowOfTheLastGrid) {
     BoxHost host = TwoGrids();
     AllocationRecorder recorder;
     int* lastRow = nullptr;

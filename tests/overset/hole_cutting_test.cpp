@@ -21,7 +21,7 @@ KVX3D_EXPOSE(CuttingNorm, &CKVX_ART_HoleCutting::Norm, double (CKVX_ART_HoleCutt
 
 namespace {
 
-TEST(HoleCuttingObject, MembersStandInTheirOrderBehindOnePointer) {
+TEST(HoleCuttingObject, MembersFollowOnePointerInTheirOrder) {
     CKVX_ART_HoleCutting holes;
     const char* start = reinterpret_cast<const char*>(&holes);
 
@@ -32,7 +32,7 @@ TEST(HoleCuttingObject, MembersStandInTheirOrderBehindOnePointer) {
     EXPECT_FALSE(holes.outsideCellsCut);
 }
 
-TEST(HoleCuttingObject, ConstructionWritesOneMemberOnly) {
+TEST(HoleCuttingObject, ConstructionWritesOnlyOneMember) {
     alignas(CKVX_ART_HoleCutting) unsigned char place[sizeof(CKVX_ART_HoleCutting)];
     std::memset(place, 0x5a, sizeof place);
 
@@ -46,7 +46,7 @@ TEST(HoleCuttingObject, ConstructionWritesOneMemberOnly) {
     }
 }
 
-TEST(HoleCuttingObject, NullLinksAreRefusedWithALine) {
+TEST(HoleCuttingObject, NullLinksAreRejectedWithALine) {
     KVX_ART_OVERSET_GRID_DATA data;
     CKVX_ART_HoleCutting holes;
     ASSERT_TRUE(holes.LinkARTGv(&data));
@@ -76,7 +76,7 @@ TEST(HoleCuttingObject, ProductAndNormAreSummedFromLeftToRight) {
     EXPECT_EQ((holes.*MemberOf(CuttingNorm()))(c), 7.0);
 }
 
-TEST(OutsideCut, AComponentWithinTheDomainIsLeftWhole) {
+TEST(OutsideCut, AComponentInsideTheDomainIsNotCut) {
     BoxHost host = Inside();
     Cutting<BoxHost> cutting(host);
     OutputCapture output;
@@ -95,7 +95,7 @@ TEST(OutsideCut, CellsBeyondTheWallAndWithinTheMarginAreCut) {
 
     cutting.holes.OutsideDomainCutting(2);
 
-    // Centres at y = -1.5 ... 3.5; cut are those below y = 2: four rows of 6 x 2 cells.
+    // The centers are at y = -1.5 ... 3.5. Those below y = 2 are cut: four rows of 6 x 2 cells.
     EXPECT_TRUE(cutting.holes.outsideCellsCut);
     EXPECT_EQ(cutting.data.NNonActiveCell, 48);
     EXPECT_EQ(cutting.data.cellState[host.CellAt(1, 3, 4, 1)], 1);
@@ -111,7 +111,8 @@ TEST(OutsideCut, ACellExactlyOnTheMarginStays) {
 
     cutting.holes.OutsideDomainCutting(2);
 
-    // Centres at y = 1, 2, ...: the row at 1 is cut, that at 2 is exactly two sizes away.
+    // The centers are at y = 1, 2, ...: the row at 1 is cut, the row at 2 is exactly two sizes
+    // away.
     EXPECT_EQ(cutting.data.NNonActiveCell, 12);
 }
 
@@ -123,7 +124,7 @@ TEST(OutsideCut, LayerZeroCutsPositiveMeasuresOnly) {
 
     cutting.holes.OutsideDomainCutting(0);
 
-    // Centres at y = -1, 0, 1, ...: the row on the wall itself stays.
+    // The centers are at y = -1, 0, 1, ...: the row exactly on the wall stays.
     EXPECT_EQ(cutting.data.NNonActiveCell, 12);
 }
 
@@ -135,7 +136,7 @@ TEST(OverlapCut, BackgroundCellsDeepUnderTheComponentAreCut) {
     cutting.holes.OutsideDomainCutting(2);
     cutting.holes.OverlapRegionCutting(2);
 
-    // Of the rows between 3 and 9 the two middle ones are 2.5 sizes deep on both axes.
+    // Of the rows between 3 and 9, the two middle ones are 2.5 sizes deep along both axes.
     EXPECT_EQ(
         cutting.CutCells(),
         (std::vector<int>{host.CellAt(0, 6, 6, 1), host.CellAt(0, 7, 6, 1), host.CellAt(0, 6, 7, 1),
@@ -153,7 +154,7 @@ TEST(OverlapCut, ACellExactlyOnTheMarginStays) {
 
     cutting.holes.OverlapRegionCutting(2);
 
-    // The centres at 5.5 and 6.5 are exactly two sizes deep.
+    // The centers at 5.5 and 6.5 are exactly two sizes deep.
     EXPECT_TRUE(cutting.CutCells().empty());
 }
 
@@ -165,11 +166,11 @@ TEST(OverlapCut, LayerZeroCutsNegativeMeasuresOnly) {
 
     cutting.holes.OverlapRegionCutting(0);
 
-    // Centres 4.5 ... 7.5 lie inside, those at 3.5 and 8.5 on the component's faces.
+    // The centers at 4.5 ... 7.5 lie inside, those at 3.5 and 8.5 on the component's faces.
     EXPECT_EQ(cutting.data.NNonActiveCell, 4 * 4 * 2);
 }
 
-TEST(OverlapCut, AfterAnOutsideCutTheLastFaceCentreStandsInForAllAreaVectors) {
+TEST(OverlapCut, AfterAnOutsideCutTheLastFaceCenterReplacesAllAreaVectors) {
     BoxHost host = StickingOut();
     Cutting<BoxHost> cutting(host);
     OutputCapture output;
@@ -214,7 +215,7 @@ TEST(OverlapCut, WallPointCountIsCleared) {
     EXPECT_EQ(cutting.data.NOverlapWallPoint, 0);
 }
 
-TEST(OverlapCut, AMeshOfOneGridIsLeftWhole) {
+TEST(OverlapCut, AMeshWithOneGridIsNotCut) {
     BoxHost host(4, 4, 2);
     Cutting<BoxHost> cutting(host);
     OutputCapture output;
@@ -227,7 +228,7 @@ TEST(OverlapCut, AMeshOfOneGridIsLeftWhole) {
               "\t  No Compoenet Cell Ouside Domain.\n\t  Non Active Cell Number = 0\n");
 }
 
-TEST(OverlapCut, AMeshOfOneGridIsCutByItsGroupIfItHasOne) {
+TEST(OverlapCut, AMeshWithOneGridIsCutIfItHasAGroup) {
     BoxHost host(4, 4, 2);
     int nGroups[1] = {1};
     int nFaces[2] = {0, 1};
@@ -241,13 +242,13 @@ TEST(OverlapCut, AMeshOfOneGridIsCutByItsGroupIfItHasOne) {
 
     cutting.holes.OverlapRegionCutting(2);
 
-    // Of the four rows behind the one face, two lie deeper than two cells.
+    // Two of the four rows inside the one face are deeper than two cells.
     EXPECT_FALSE(cutting.data.hasOversetGrids);
     EXPECT_EQ(cutting.CutCells().size(), 16u);
     EXPECT_EQ(output.Out(), "\t  Non Active Cell Number = 16\n");
 }
 
-TEST(BothCuts, TheSecondComponentGridStaysWholeAndCutsNothing) {
+TEST(BothCuts, TheSecondComponentGridIsNotCutAndCutsNothing) {
     BoxHost host = Inside().WithComponentGrid(6, 6, 2, {20, -3, 0}, {6, 6, 2});
     Cutting<BoxHost> cutting(host);
     OutputCapture output;
@@ -259,7 +260,7 @@ TEST(BothCuts, TheSecondComponentGridStaysWholeAndCutsNothing) {
     EXPECT_EQ(cutting.data.cellState[host.CellAt(2, 1, 1, 1)], 2);
 }
 
-TEST(BothCuts, CellsWithoutAGridWarnOnceAPassAndStay) {
+TEST(BothCuts, CellsWithoutAGridWarnOncePerPassAndStay) {
     BoxHost host = Inside()
                        .WithComponentGrid(2, 2, 2, {20, 0, 0}, {2, 2, 2})
                        .WithComponentGrid(3, 1, 1, {30, 0, 0}, {3, 1, 1});

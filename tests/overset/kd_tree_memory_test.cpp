@@ -10,16 +10,20 @@
 #include "overset/kd_tree.h"
 #include "plain/samples/clouds.h"
 
-// Every form of new of this program goes through here and can be made to fail.
+// Every form of new in this program ends up in Allocate(), which can be made to fail.
+
+using kvx3d::detail::InsertPoints;
+using kvx3d::detail::KDtreePoint;
+using kvx3d::detail::RoomForPoints;
 
 namespace {
 
 constexpr int never = -1;
 int allocationsLeft = never;
-std::size_t bytesAsked = 0;  ///< in all; what is released again stays counted
+std::size_t bytesAllocated = 0;  ///< in total; a release does not lower it
 
 void* Allocate(std::size_t bytes) {
-    bytesAsked += bytes;
+    bytesAllocated += bytes;
     if (allocationsLeft == 0) {
         allocationsLeft = never;
         throw std::bad_alloc();
@@ -56,7 +60,7 @@ void operator delete[](void* memory, std::size_t) noexcept {
 
 namespace {
 
-/// What a build came to when its n-th allocation failed.
+/// How a build ended when its n-th allocation failed.
 enum class Outcome { Threw, Refused, Built, NothingFailed };
 
 using Build = bool (*)(KVX_ART_KDtree& tree, Cloud& cloud);
@@ -84,7 +88,7 @@ Outcome BuildWithFailure(Build build, KVX_ART_KDtree& tree, Cloud& cloud, int nt
     return failed ? outcome : Outcome::NothingFailed;
 }
 
-/// The tree takes a point and answers with it.
+/// Expects that the tree accepts a point and finds it.
 void ExpectUsable(KVX_ART_KDtree& tree) {
     int id = 77;
     int* found = nullptr;
@@ -94,10 +98,10 @@ void ExpectUsable(KVX_ART_KDtree& tree) {
     delete[] found;
 }
 
-/// Fails each allocation of a build in turn. The ids throw; what belongs to the nodes is answered
-/// by false, and the box of a tree is done without.
-void ExpectRefusalsToLeaveAnEmptyTree(Build build, Cloud& cloud) {
-    build(*std::make_unique<KVX_ART_KDtree>(), cloud);  // what the build keeps for itself
+/// Fails each allocation of a build in turn. A failure for the ids throws; any other failure makes
+/// the build return false.
+void ExpectFailuresToLeaveAnEmptyTree(Build build, Cloud& cloud) {
+    build(*std::make_unique<KVX_ART_KDtree>(), cloud);  // allocates the static block ids
     Outcome outcome = Outcome::Threw;
     int nRefused = 0;
     for (int nth = 1; outcome != Outcome::NothingFailed; ++nth) {
@@ -106,8 +110,9 @@ void ExpectRefusalsToLeaveAnEmptyTree(Build build, Cloud& cloud) {
         outcome = BuildWithFailure(build, tree, cloud, nth);
 
         ASSERT_EQ(outcome == Outcome::Threw, nth == 1) << nth;
-        if (outcome == Outcome::Built || outcome == Outcome::NothingFailed) {
-            continue;
+        ASSERT_NE(outcome, Outcome::Built) << nth;
+        if (outcome == Outcome::NothingFailed) {
+            break;
         }
         nRefused += outcome == Outcome::Refused ? 1 : 0;
         EXPECT_EQ(tree.tree->root, nullptr) << nth;
@@ -117,96 +122,49 @@ void ExpectRefusalsToLeaveAnEmptyTree(Build build, Cloud& cloud) {
     EXPECT_GT(nRefused, 0);
 }
 
-/// Answers, on points and between them, as the tree does that had all its memory.
-void ExpectAnswersOf(KVX_ART_KDtree& expected, KVX_ART_KDtree& tree, const Cloud& cloud) {
-    int* wanted = nullptr;
-    int* found = nullptr;
-    for (const Query& q : QueriesFor(cloud, 6)) {
-        expected.SearchNearestPoints(q[0], q[1], q[2], wanted);
-        ASSERT_EQ(tree.SearchNearestPoints(q[0], q[1], q[2], found), 1);
-        ASSERT_EQ(found[1], wanted[1]);
-    }
-    delete[] wanted;
-    delete[] found;
-}
-
-TEST(KdTreeOutOfMemoryIndex, ABuildWithoutRoomForItsIndexAnswersAllTheSame) {
-    Cloud cloud = LatticeCloud(9);
-    KVX_ART_KDtree complete;
-    ByArray(complete, cloud);
-    ASSERT_NE(IndexOf(*complete.tree), nullptr);
-    Outcome outcome = Outcome::Threw;
-    int nWithout = 0;
-    for (int nth = 1; outcome != Outcome::NothingFailed; ++nth) {
-        KVX_ART_KDtree tree;
-        outcome = BuildWithFailure(ByArray, tree, cloud, nth);
-        if (outcome == Outcome::Built && !IndexOf(*tree.tree)) {
-            ++nWithout;
-            ExpectAnswersOf(complete, tree, cloud);
-        }
-    }
-    EXPECT_GT(nWithout, 3);
-}
-
-TEST(KdTreeOutOfMemoryIndex, ABoxThatLeavesOutPointsGetsNone) {
-    Cloud cloud = UniformCloud(400, 7);
-    cloud.x[0] = 50.0;
-    bool boxFailed = false;
-    Outcome outcome = Outcome::Threw;
-    for (int nth = 1; outcome != Outcome::NothingFailed && !boxFailed; ++nth) {
-        KVX_ART_KDtree tree;
-        outcome = BuildWithFailure(ByArray, tree, cloud, nth);
-        boxFailed = outcome == Outcome::Built && tree.tree->rect && tree.tree->rect->max[0] < 50.0;
-        if (boxFailed) {
-            EXPECT_EQ(IndexOf(*tree.tree), nullptr);
-        }
-    }
-    EXPECT_TRUE(boxFailed);
-}
-
 class KdTreeOutOfMemory : public testing::TestWithParam<int> {};
 
-TEST_P(KdTreeOutOfMemory, ARefusedBuildLeavesAnEmptyTreeThatCanStillGrow) {
+TEST_P(KdTreeOutOfMemory, AFailedBuildLeavesAnEmptyTreeThatCanStillGrow) {
     Cloud cloud = UniformCloud(GetParam(), 5);
 
-    ExpectRefusalsToLeaveAnEmptyTree(ByArray, cloud);
-    ExpectRefusalsToLeaveAnEmptyTree(ByBlockId, cloud);
+    ExpectFailuresToLeaveAnEmptyTree(ByArray, cloud);
+    ExpectFailuresToLeaveAnEmptyTree(ByBlockId, cloud);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, KdTreeOutOfMemory, testing::Values(1, 8, 9, 3000));
 
-TEST(KdTreeOutOfMemoryDeep, ABuildAlongPathsIsRefusedAsWell) {
+TEST(KdTreeOutOfMemoryDeep, AFailedBuildAlongPathsLeavesAnEmptyTreeAsWell) {
     for (Cloud cloud : {LatticeCloud(12), OutAndBackCloud(1500)}) {
-        ExpectRefusalsToLeaveAnEmptyTree(ByArray, cloud);
+        ExpectFailuresToLeaveAnEmptyTree(ByArray, cloud);
     }
 }
 
-/// Bytes that the build of a tree asks for, by point.
-std::size_t BytesAPoint(const Cloud& cloud) {
+/// Bytes per point that the build of a tree allocates.
+std::size_t BytesPerPoint(const Cloud& cloud) {
     const auto n = static_cast<std::size_t>(cloud.Size());
     std::vector<int> ids(n);
     KVX_ART_KDtree tree;
-    const std::size_t before = bytesAsked;
+    const std::size_t before = bytesAllocated;
     KDtreePoint* points = RoomForPoints(*tree.tree, cloud.Size());
     for (std::size_t i = 0; i < n; ++i) {
         points[i] = {{cloud.x[i], cloud.y[i], cloud.z[i]}, &ids[i]};
     }
     EXPECT_TRUE(InsertPoints(*tree.tree));
-    return (bytesAsked - before) / n;
+    return (bytesAllocated - before) / n;
 }
 
-TEST(KdTreeMemory, ABuildTakesHardlyMoreThanItsNodes) {
-    // A node is 64 bytes, the side of a point 1, the node at which it leaves a path 4.
-    EXPECT_LE(BytesAPoint(UniformCloud(50000, 8)), 70u);
-    EXPECT_LE(BytesAPoint(LatticeCloud(37)), 72u);
+TEST(KdTreeMemory, ABuildAllocatesLittleMoreThanItsNodes) {
+    // 64 bytes for a node, 1 for the side of a point, 4 for the node at which it leaves a path.
+    EXPECT_LE(BytesPerPoint(UniformCloud(50000, 8)), 70u);
+    EXPECT_LE(BytesPerPoint(LatticeCloud(37)), 72u);
 }
 
-TEST(KdTreeMemory, PathsOfAllPointsTakeAsMuchAgain) {
-    EXPECT_LE(BytesAPoint(RepeatedCloud(50000, 9)), 100u);  // path after path
-    EXPECT_LE(BytesAPoint(DiagonalCloud(50000, true)), 160u);
+TEST(KdTreeMemory, LongPathsAllocateAtMostTwoAndAHalfTimesTheNodes) {
+    EXPECT_LE(BytesPerPoint(RepeatedCloud(50000, 9)), 100u);  // one path after the other
+    EXPECT_LE(BytesPerPoint(DiagonalCloud(50000, true)), 160u);
 }
 
-TEST(KdTreeOutOfMemorySinglePoint, ANodeThatCannotBeHadIsAnsweredByFalse) {
+TEST(KdTreeOutOfMemorySinglePoint, WithoutMemoryForItsNodeTheInsertionReturnsFalse) {
     KVX_ART_KDtree tree;
     int id = 1;
     allocationsLeft = 0;
@@ -217,21 +175,20 @@ TEST(KdTreeOutOfMemorySinglePoint, ANodeThatCannotBeHadIsAnsweredByFalse) {
     ExpectUsable(tree);
 }
 
-TEST(KdTreeOutOfMemorySinglePoint, ABoxThatCannotBeHadIsDoneWithout) {
+TEST(KdTreeOutOfMemorySinglePoint, TheFirstPointAllocatesOnceAndHasABox) {
     KVX_ART_KDtree tree;
     int id = 1;
-    int* found = nullptr;
-    allocationsLeft = 1;  // the node succeeds
+    allocationsLeft = 1;
 
     EXPECT_TRUE(tree.BuildTree(1.0, 2.0, 3.0, &id));
 
-    EXPECT_EQ(allocationsLeft, never);
-    EXPECT_EQ(tree.tree->rect, nullptr);
-    EXPECT_EQ(tree.SearchByRadius(1.0, 2.0, 3.0, 1.0, found), 1);
-    delete[] found;
+    EXPECT_EQ(allocationsLeft, 0);
+    allocationsLeft = never;
+    ASSERT_NE(tree.tree->rect, nullptr);
+    EXPECT_EQ(tree.tree->rect->max[2], 3.0);
 }
 
-TEST(KdTreeOutOfMemoryRadius, AnEntryThatCannotBeHadEndsTheSearchAndTheAnswerStays) {
+TEST(KdTreeOutOfMemoryRadius, WithoutMemoryForAnEntryTheSearchFailsAndKeepsTheAnswer) {
     Cloud cloud = UniformCloud(3, 5);
     KVX_ART_KDtree tree;
     ByArray(tree, cloud);

@@ -98,7 +98,7 @@ TEST_P(KdTreeAgainstPlain, RadiusListsTheSamePointsInTheSameOrder) {
 INSTANTIATE_TEST_SUITE_P(Clouds, KdTreeAgainstPlain, testing::ValuesIn(AllClouds()),
                          [](const auto& param) { return param.param.name; });
 
-TEST(KdTreeDegenerate, ATreeAsDeepAsItsPointsNeedsNoStackAndNoPatience) {
+TEST(KdTreeDegenerate, ATreeAsDeepAsItsNumberOfPointsIsBuiltSearchedAndCleared) {
     for (Cloud cloud :
          {DiagonalCloud(300000, true), DiagonalCloud(300000, false), OutAndBackCloud(300000)}) {
         const int n = cloud.Size();

@@ -9,21 +9,24 @@
 #include <new>
 #include <vector>
 
-#include "overset/detail/kd_tree_store.h"
+#include "overset/detail/kd_tree_search.h"
 #include "plain/samples/clouds.h"
 #include "tests/support/allocation_recorder.h"
 #include "tests/support/output_capture.h"
 
 namespace {
 
-/// The answer of a search, released with it.
+using kvx3d::detail::ClearResults;
+using kvx3d::detail::InsertResult;
+
+/// The answer of a search; releases it.
 struct Answer {
     ~Answer() { delete[] list; }
     std::vector<int> Ids() const { return {list + 1, list + 1 + list[0]}; }
     int* list = nullptr;
 };
 
-/// A tree over points given one by one; ids from 1.
+/// A tree of the given points; their ids start at 1.
 struct Points {
     explicit Points(const std::vector<Query>& points) {
         for (const Query& p : points) {
@@ -45,7 +48,7 @@ struct Points {
     Answer answer;
 };
 
-TEST(KdTreeLayout, FieldsStandInTheirOrderAndThereAreNoOthers) {
+TEST(KdTreeLayout, FieldsAreInTheirOrderAndThereAreNoOthers) {
     EXPECT_EQ(offsetof(KVX_ART_KDtree, tree), 0u);
     EXPECT_EQ(offsetof(KVX_ART_KDtree, pointCount), 8u);
     EXPECT_EQ(offsetof(KVX_ART_KDtree, ids), 16u);
@@ -69,7 +72,7 @@ TEST(KdTreeLayout, FieldsStandInTheirOrderAndThereAreNoOthers) {
     EXPECT_EQ(offsetof(KDtreeResultSet, size), 24u);
 }
 
-TEST(KdTreeBuild, NewTreeIsEmptyInThreeDimensions) {
+TEST(KdTreeBuild, NewTreeIsEmptyAndHasThreeDimensions) {
     KVX_ART_KDtree tree;
 
     EXPECT_EQ(tree.tree->dim, 3);
@@ -99,7 +102,7 @@ TEST(KdTreeBuild, EqualCoordinatesGoRight) {
     EXPECT_EQ(*points.tree.tree->root->left->data, 3);
 }
 
-TEST(KdTreeBuild, IdenticalPointsAreTwoNodesTheLaterOneOnTheRight) {
+TEST(KdTreeBuild, IdenticalPointsAreTwoNodesWithTheLaterOneOnTheRight) {
     Points points({{1, 2, 3}, {1, 2, 3}});
 
     EXPECT_EQ(*points.tree.tree->root->data, 1);
@@ -119,7 +122,7 @@ TEST(KdTreeBuild, NodesHoldCopiesOfTheCoordinates) {
     EXPECT_EQ(tree.tree->root->pos[2], 3.0);
 }
 
-TEST(KdTreeBuild, BoxHoldsAllPoints) {
+TEST(KdTreeBuild, BoxContainsAllPoints) {
     Points points({{1, -2, 3}, {-1, 2, 0}, {0, 0, 5}});
 
     const KDtreeRect& rect = *points.tree.tree->rect;
@@ -149,7 +152,7 @@ TEST(KdTreeBuild, SinglePointKeepsTheCallersId) {
     EXPECT_EQ(tree.ids, nullptr);
 }
 
-TEST(KdTreeBuild, FewerThanOnePointIsNoFailure) {
+TEST(KdTreeBuild, FewerThanOnePointIsNotAFailure) {
     for (int n : {0, -3}) {
         KVX_ART_KDtree tree;
 
@@ -187,7 +190,7 @@ TEST(KdTreeBuild, BlockIdThatNeverOccursLeavesTheTreeEmpty) {
     EXPECT_EQ(tree.tree->root, nullptr);
 }
 
-TEST(KdTreeBuild, SecondBuildAddsItsPointsAndGivesUpTheEarlierIds) {
+TEST(KdTreeBuild, SecondBuildAddsItsPointsAndDoesNotReleaseTheEarlierIds) {
     Points points({{0, 0, 0}, {1, 0, 0}});
     const std::unique_ptr<int[]> earlier(points.tree.ids);
     Cloud more = UniformCloud(30, 2);
@@ -211,7 +214,7 @@ TEST(KdTreeBuild, CopiesShareTreeAndIds) {
     EXPECT_EQ(copy->pointCount, 1);
 }
 
-TEST(KdTreeNearest, OnePointAnswersEveryQuery) {
+TEST(KdTreeNearest, OnePointIsTheAnswerToEveryQuery) {
     Points points({{3, 4, 5}});
 
     EXPECT_EQ(points.Nearest(0, 0, 0), 1);
@@ -219,7 +222,7 @@ TEST(KdTreeNearest, OnePointAnswersEveryQuery) {
     EXPECT_EQ(points.answer.list[0], 1);
 }
 
-TEST(KdTreeNearest, EmptyTreeAnswersACountOfZeroWithoutAMessage) {
+TEST(KdTreeNearest, EmptyTreeGivesACountOfZeroWithoutAMessage) {
     KVX_ART_KDtree tree;
     Answer answer;
     OutputCapture output;
@@ -231,7 +234,7 @@ TEST(KdTreeNearest, EmptyTreeAnswersACountOfZeroWithoutAMessage) {
     EXPECT_EQ(output.Out() + output.Err(), "");
 }
 
-TEST(KdTreeNearest, MissingTreeIsReportedAndTheAnswerStays) {
+TEST(KdTreeNearest, MissingTreeIsReportedAndTheAnswerDoesNotChange) {
     KVX_ART_KDtree tree;
     KDtreeCore* core = tree.tree;
     tree.tree = nullptr;
@@ -252,8 +255,8 @@ TEST(KdTreeNearest, RootWinsEveryTieItTakesPartIn) {
     EXPECT_EQ(points.Nearest(0, 0, 0), 1);
 }
 
-TEST(KdTreeNearest, IdenticalPointsAnswerTheOneTheDescentTestsFirst) {
-    // 2 splits on y; its twin 3 is on its right.
+TEST(KdTreeNearest, OfIdenticalPointsTheOneVisitedFirstIsTheAnswer) {
+    // Point 2 splits on y; the identical point 3 is on its right.
     Points points({{-9, 0, 0}, {1, 0, 0}, {1, 0, 0}});
 
     EXPECT_EQ(points.Nearest(1, 0.5, 0), 3);
@@ -261,7 +264,7 @@ TEST(KdTreeNearest, IdenticalPointsAnswerTheOneTheDescentTestsFirst) {
     EXPECT_EQ(points.Nearest(1, 0, 0), 2);
 }
 
-TEST(KdTreeNearest, IdenticalRootAlwaysStays) {
+TEST(KdTreeNearest, RootWinsAgainstAnIdenticalPoint) {
     Points points({{1, 0, 0}, {1, 0, 0}});
 
     EXPECT_EQ(points.Nearest(5, 0, 0), 1);
@@ -269,13 +272,13 @@ TEST(KdTreeNearest, IdenticalRootAlwaysStays) {
 }
 
 TEST(KdTreeNearest, QueryOnASplittingPlaneGoesLeftFirst) {
-    // 2 splits at y = 0; 3 and 4 lie mirrored about that plane, on its left and right.
+    // Point 2 splits at y = 0. Points 3 and 4 mirror each other at that plane.
     Points points({{-9, 0, 0}, {5, 0, 0}, {1, -1, 0}, {1, 1, 0}});
 
     EXPECT_EQ(points.Nearest(1, 0, 0), 3);
 }
 
-TEST(KdTreeNearest, QueryThatIsNoNumberAnswersTheRoot) {
+TEST(KdTreeNearest, AQueryWithNaNGivesTheRoot) {
     Cloud cloud = UniformCloud(600, 4);
     KVX_ART_KDtree tree;
     tree.BuildTree(cloud.x.data(), cloud.y.data(), cloud.z.data(), 600);
@@ -286,8 +289,8 @@ TEST(KdTreeNearest, QueryThatIsNoNumberAnswersTheRoot) {
     EXPECT_EQ(answer.list[1], 1);
 }
 
-TEST(KdTreeRadius, LastVisitedStandsFirst) {
-    // Query left of everything: near sides are left, visited before the right ones.
+TEST(KdTreeRadius, ThePointVisitedLastComesFirst) {
+    // The near side of the root is visited before its far side, and the root before both.
     Points points({{0, 0, 0}, {-1, 0, 0}, {1, 0, 0}});
 
     EXPECT_EQ(points.Within(-0.5, 0, 0, 5), (std::vector<int>{3, 2, 1}));
@@ -300,22 +303,22 @@ TEST(KdTreeRadius, PointExactlyOnTheSphereIsFound) {
     EXPECT_EQ(points.Within(2, 0, 0, 1), (std::vector<int>{2}));
 }
 
-TEST(KdTreeRadius, FarSideExactlyARadiusAwayIsSkipped) {
-    // From x = -1 the root's plane is one radius away; 2 lies on it, in the right subtree.
+TEST(KdTreeRadius, FarSideExactlyOneRadiusAwayIsSkipped) {
+    // From x = -1 the root's plane is one radius away; point 2 lies on it, in the right subtree.
     Points points({{0, 5, 0}, {0, 0, 0}});
 
     EXPECT_TRUE(points.Within(-1, 0, 0, 1).empty());
     EXPECT_EQ(points.Within(-1, 0, 0, 1.001), (std::vector<int>{2}));
 }
 
-TEST(KdTreeRadius, ZeroRadiusFindsTwinsOnTheNearPathOnly) {
-    // On the plane of 1 the near side is left, so the twin on its right is not reached.
+TEST(KdTreeRadius, ZeroRadiusFindsIdenticalPointsOnTheNearPathOnly) {
+    // The query lies on the plane of point 1, so its near side is left. Point 2 is on its right.
     Points points({{0, 0, 0}, {0, 0, 0}});
 
     EXPECT_EQ(points.Within(0, 0, 0, 0), (std::vector<int>{1}));
 }
 
-TEST(KdTreeRadius, EmptyTreeAnswersAnEmptyList) {
+TEST(KdTreeRadius, EmptyTreeGivesAnEmptyList) {
     KVX_ART_KDtree tree;
     Answer answer;
 
@@ -325,7 +328,7 @@ TEST(KdTreeRadius, EmptyTreeAnswersAnEmptyList) {
     EXPECT_EQ(answer.list[0], 0);
 }
 
-TEST(KdTreeAnswers, TheEarlierAnswerIsReleasedFirst) {
+TEST(KdTreeAnswers, TheEarlierAnswerIsReleased) {
     Points points({{0, 0, 0}, {1, 0, 0}});
     AllocationRecorder recorder;
     Answer answer;
@@ -355,7 +358,7 @@ TEST(KdTreeResults, UnorderedEntriesGoToTheFront) {
     EXPECT_EQ(head.next, nullptr);
 }
 
-TEST(KdTreeResults, OrderedEntriesAscendAndANewOnePrecedesItsEquals) {
+TEST(KdTreeResults, OrderedEntriesAscendAndANewOnePrecedesEqualOnes) {
     KDtreeNode nodes[4] = {};
     KDtreeResultNode head = {nullptr, -1.0, nullptr};
 
@@ -374,7 +377,7 @@ TEST(KdTreeResults, OrderedEntriesAscendAndANewOnePrecedesItsEquals) {
 
 std::vector<int> cleared;
 
-TEST(KdTreeClearing, DestructorMeetsChildrenBeforeTheirParent) {
+TEST(KdTreeClearing, DestructorIsCalledForChildrenBeforeTheirParent) {
     cleared.clear();
     {
         Points points({{0, 0, 0}, {1, 0, 0}, {-1, 0, 0}, {-1, 1, 0}, {-1, -1, 0}});

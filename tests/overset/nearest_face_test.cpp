@@ -10,8 +10,11 @@
 
 #include "plain/plain_kd_tree.h"
 #include "plain/samples/clouds.h"
+#include "tests/overset/odd_clouds.h"
 
 namespace {
+
+using kvx3d::detail::NearestFace;
 
 int SideOfOne(NearestFace& faces, const double* C, double depth) {
     return faces.SideOf({{C[0], C[1], C[2]}, {C[0], C[1], C[2]}, depth, depth});
@@ -24,14 +27,14 @@ protected:
         for (int i = 0; i < cloud.Size(); ++i) {
             const auto at = static_cast<std::size_t>(i);
             plainTree.Insert(cloud.x[at], cloud.y[at], cloud.z[at], i + 1);
-            // Pointing outward, more or less, as faces of a closed surface do.
+            // Roughly outward, like the faces of a closed surface.
             areas.push_back({cloud.x[at] + 0.2 * vectors.x[at], cloud.y[at] + 0.2 * vectors.y[at],
                              cloud.z[at] + 0.2 * vectors.z[at]});
             faces.Add({cloud.x[at], cloud.y[at], cloud.z[at]}, areas.back());
         }
     }
 
-    /// What a cell is judged by: its way to the nearest face times the area, with the margin.
+    /// (C - P) . S + |S| depth for the nearest face.
     double Measure(const double* C, double depth) const {
         const auto r = static_cast<std::size_t>(plainTree.Nearest(C[0], C[1], C[2])) - 1;
         const NearestFace::Vector& S = areas[r];
@@ -57,7 +60,7 @@ TEST_P(NearestFaceAgainstPlain, FoundIsTheSamePointTiesIncluded) {
     }
 }
 
-TEST_P(NearestFaceAgainstPlain, SideToldFromAfarIsThatOfTheNearestFace) {
+TEST_P(NearestFaceAgainstPlain, ACertainSideIsThatOfTheNearestFace) {
     for (const Query& q : QueriesFor(cloud, 25)) {
         for (double scale : {1.0, 3.0, 20.0}) {
             for (double depth : {0.0, 0.3, -0.3}) {
@@ -70,7 +73,7 @@ TEST_P(NearestFaceAgainstPlain, SideToldFromAfarIsThatOfTheNearestFace) {
     }
 }
 
-TEST_P(NearestFaceAgainstPlain, SideToldForManyCellsIsThatOfEachOfThem) {
+TEST_P(NearestFaceAgainstPlain, ACertainSideOfManyCellsIsThatOfEachCell) {
     std::mt19937 random(29);
     std::uniform_real_distribution<double> share(0.0, 1.0);
     for (const Query& q : QueriesFor(cloud, 28)) {
@@ -99,7 +102,46 @@ TEST_P(NearestFaceAgainstPlain, SideToldForManyCellsIsThatOfEachOfThem) {
 INSTANTIATE_TEST_SUITE_P(Clouds, NearestFaceAgainstPlain, testing::ValuesIn(AllClouds()),
                          [](const auto& param) { return param.param.name; });
 
-/// A level floor of 20 x 20 faces of area 2 that look up.
+/// Finds the nearest face for all queries one after the other and compares with the plain tree.
+void ExpectFacesOfThePlainTree(const Cloud& cloud, const std::vector<Query>& queries) {
+    NearestFace faces;
+    plain::KdTree tree;
+    for (int i = 0; i < cloud.Size(); ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        faces.Add({cloud.x[at], cloud.y[at], cloud.z[at]}, {0, 0, 1});
+        tree.Insert(cloud.x[at], cloud.y[at], cloud.z[at], i + 1);
+    }
+    for (const Query& q : queries) {
+        ASSERT_EQ(faces.Find(q.data()), tree.Nearest(q[0], q[1], q[2]))
+            << testing::PrintToString(q);
+    }
+}
+
+class NearestFaceOnOddClouds : public testing::TestWithParam<NamedCloud> {};
+
+TEST_P(NearestFaceOnOddClouds, FoundIsTheSamePointTiesIncluded) {
+    const Cloud& cloud = GetParam().cloud;
+    std::mt19937 random(30);
+
+    ExpectFacesOfThePlainTree(cloud, QueriesFor(cloud, 31));
+    ExpectFacesOfThePlainTree(cloud, OddQueries(cloud));
+    ExpectFacesOfThePlainTree(cloud, TieQueries(cloud, random, 100));
+}
+
+INSTANTIATE_TEST_SUITE_P(Clouds, NearestFaceOnOddClouds, testing::ValuesIn(OddClouds()),
+                         [](const auto& param) { return param.param.name; });
+
+TEST(NearestFaceTies, AThousandLatticesAreAnsweredAsByThePlainTree) {
+    std::mt19937 random(32);
+    for (int i = 0; i < 1000; ++i) {
+        const Cloud cloud = RandomLattice(random);
+
+        ExpectFacesOfThePlainTree(cloud, TieQueries(cloud, random, 8));
+        ASSERT_FALSE(HasFatalFailure()) << "lattice " << i;
+    }
+}
+
+/// Adds a horizontal floor of 20 x 20 faces of area 2 whose area vectors point upward.
 void AddFloor(NearestFace& faces) {
     for (int j = 0; j < 20; ++j) {
         for (int i = 0; i < 20; ++i) {
@@ -108,7 +150,7 @@ void AddFloor(NearestFace& faces) {
     }
 }
 
-TEST(NearestFace, CellsOnOneSideOfAFloorAreToldTogether) {
+TEST(NearestFace, CellsOnOneSideShareAVerdict) {
     NearestFace faces;
     AddFloor(faces);
 
@@ -118,16 +160,16 @@ TEST(NearestFace, CellsOnOneSideOfAFloorAreToldTogether) {
     EXPECT_EQ(faces.SideOf({{0, 0, 0.1}, {2, 2, 0.2}, -0.4, -0.3}), -1);
 }
 
-TEST(NearestFace, CellsOnBothSidesAreNotTold) {
+TEST(NearestFace, CellsOnBothSidesHaveNoCommonVerdict) {
     NearestFace faces;
     AddFloor(faces);
 
     EXPECT_EQ(faces.SideOf({{0, 0, -0.1}, {2, 2, 0.1}, 0.0, 0.0}), 0);
     EXPECT_EQ(faces.SideOf({{0, 0, 0.1}, {2, 2, 0.2}, -0.15, -0.05}), 0);
-    EXPECT_EQ(faces.SideOf({{0, 0, 0.1}, {2, 2, 0.2}, -0.1, 0.0}), 0);  // the margin exactly
+    EXPECT_EQ(faces.SideOf({{0, 0, 0.1}, {2, 2, 0.2}, -0.1, 0.0}), 0);  // exactly on the margin
 }
 
-TEST(NearestFace, WithoutFacesNothingIsFoundAndNothingIsClear) {
+TEST(NearestFace, WithoutFacesNothingIsFoundAndNoSideIsCertain) {
     NearestFace faces;
     const double C[3] = {0, 0, 0};
 
@@ -135,7 +177,7 @@ TEST(NearestFace, WithoutFacesNothingIsFoundAndNothingIsClear) {
     EXPECT_EQ(SideOfOne(faces, C, 1.0), 0);
 }
 
-TEST(NearestFace, CentresThatAreNoNumbersAreFoundAsTheTreeFindsThem) {
+TEST(NearestFace, CentersWithNaNAreFoundAsByThePlainTree) {
     const double nan = std::nan("");
     NearestFace faces;
     plain::KdTree tree;
@@ -152,7 +194,7 @@ TEST(NearestFace, CentresThatAreNoNumbersAreFoundAsTheTreeFindsThem) {
     }
 }
 
-TEST(NearestFace, AFaceThatIsNoNumberLeavesEveryCellToTheSearch) {
+TEST(NearestFace, AFaceWithNaNMakesEverySideUncertain) {
     NearestFace faces;
     faces.Add({0, 0, 0}, {0, 0, 1});
     faces.Add({1, 0, 0}, {0, 0, std::nan("")});
@@ -162,17 +204,17 @@ TEST(NearestFace, AFaceThatIsNoNumberLeavesEveryCellToTheSearch) {
     EXPECT_EQ(faces.Find(C), 1);
 }
 
-TEST(NearestFace, AnAreaThatOverflowsLeavesEveryCellToTheSearch) {
+TEST(NearestFace, AnAreaThatOverflowsMakesEverySideUncertain) {
     NearestFace faces;
     faces.Add({0, 0, 0}, {0, 0, 1.2e154});
-    faces.Add({1, 0, 0}, {0, 0, 1.4e154});  // infinite area: no number times a depth of 0
+    faces.Add({1, 0, 0}, {0, 0, 1.4e154});  // infinite area, NaN times a depth of 0
     const double C[3] = {1, 0, 1};
 
     EXPECT_EQ(SideOfOne(faces, C, 0.0), 0);
     EXPECT_EQ(faces.Find(C), 2);
 }
 
-TEST(NearestFace, CentresTooFarApartForTheirSquaresAreLeftToTheSearch) {
+TEST(NearestFace, CentersWhoseSquaredDistanceOverflowsAreFoundAsByTheTree) {
     NearestFace faces;
     for (double y : {-1e160, 1e160}) {
         for (double x : {-2e160, -1e160, 0.0}) {
@@ -183,7 +225,7 @@ TEST(NearestFace, CentresTooFarApartForTheirSquaresAreLeftToTheSearch) {
     for (int i = 1; i <= 5; ++i) {
         faces.Add({i * 1e160, 0, 0}, {0, 0, 1});
     }
-    const double C[3] = {1, 0, 1};  // below its nearest face, above all others
+    const double C[3] = {1, 0, 1};  // below its nearest face and above all others
 
     EXPECT_EQ(faces.Find(C), 7);
     EXPECT_LE(SideOfOne(faces, C, 0.0), 0);

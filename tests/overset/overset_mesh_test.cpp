@@ -39,7 +39,7 @@ TEST(OversetTypes, NumbersAreThoseAHostComparesAgainst) {
     EXPECT_EQ(OversetGrid_Component2, 3);
 }
 
-TEST(OversetMoveRecord, TenSlotsStartAtZeroAndTheOuterTwoAreReleased) {
+TEST(OversetMoveRecord, TenSlotsStartAtZeroAndTheOuterTwoAreOwned) {
     COversetMoveCellData record;
     EXPECT_EQ(sizeof record, 80u);
     EXPECT_EQ(record.firstArray, nullptr);
@@ -48,7 +48,7 @@ TEST(OversetMoveRecord, TenSlotsStartAtZeroAndTheOuterTwoAreReleased) {
         EXPECT_EQ(slot, 0);
     }
 
-    record.firstArray = new double[3];  // released with the record: a leak check would tell
+    record.firstArray = new double[3];  // released with the record, as a leak check shows
     record.lastArray = new double[3];
     record.reserved[7] = 5;
     alignas(COversetMoveCellData) unsigned char place[sizeof(COversetMoveCellData)];
@@ -60,7 +60,7 @@ TEST(OversetMoveRecord, TenSlotsStartAtZeroAndTheOuterTwoAreReleased) {
     EXPECT_EQ(copy->reserved[7], 5);
 }
 
-TEST(OversetFacade, HoldsOnePointerAndUpdatingDoesNothing) {
+TEST(OversetFacade, HasOnePointerAndUpdatingChangesNothing) {
     CKVXOversetMesh mesh;
     OutputCapture output;
 
@@ -104,7 +104,7 @@ TEST(OversetImplementation, StartsWithEveryLinkNullInOrder) {
     EXPECT_EQ(impl.pressureData, nullptr);
 }
 
-TEST(OversetSetup, PrintsFiveStepsEachBeforeItsOwnOutput) {
+TEST(OversetSetup, PrintsFiveStepLinesEachBeforeTheOutputOfItsStep) {
     BoxHost host = TwoGrids();
     CKVXOversetMesh mesh;
     OutputCapture output;
@@ -122,7 +122,7 @@ TEST(OversetSetup, PrintsFiveStepsEachBeforeItsOwnOutput) {
     EXPECT_EQ(output.Err(), "");
 }
 
-TEST(OversetSetup, ANullHostIsReportedAndEndsAtTheFirstReadOfIt) {
+TEST(OversetSetup, ANullHostIsReportedAndFaultsWhenItIsFirstRead) {
     CKVXOversetMesh mesh;
 
     EXPECT_DEATH(
@@ -136,7 +136,7 @@ TEST(OversetSetup, ANullHostIsReportedAndEndsAtTheFirstReadOfIt) {
         "Step 2: Overset Mesh Data Initial Setting.\n");
 }
 
-TEST(OversetSetup, ASingleGridComesThroughWhole) {
+TEST(OversetSetup, AMeshWithASingleGridStaysActive) {
     BoxHost host(4, 4, 2);
     CKVXOversetMesh mesh;
     OutputCapture output;
@@ -147,7 +147,7 @@ TEST(OversetSetup, ASingleGridComesThroughWhole) {
     EXPECT_EQ(mesh.impl->componentTree->tree->root, nullptr);
 }
 
-TEST(OversetSetup, TheSecondSetupStartsFromAnew) {
+TEST(OversetSetup, TheSecondSetupStartsFromTheBeginning) {
     BoxHost host = TwoGrids();
     CKVXOversetMesh mesh;
     OutputCapture output;
@@ -181,7 +181,7 @@ TEST(OversetQueries, CellsAreActiveOrNot) {
     EXPECT_EQ(mesh.GetOversetCellType(1), OversetCell_Undefined);
 }
 
-TEST(OversetQueries, AHoleBoundaryFaceIsOversetFromEitherSide) {
+TEST(OversetQueries, AHoleBoundaryFaceIsOversetWhicheverCellIsItsOwner) {
     BoxHost host = TwoGrids();
     CKVXOversetMesh mesh;
     OutputCapture output;
@@ -211,10 +211,10 @@ TEST(OversetQueries, WallsArePhysicalOrOverset) {
     EXPECT_EQ(output.Err(), "Fail to define Wall Face Type , Wall Face ID = 2\n");
 }
 
-TEST(OversetQueries, ReportGoesThroughTheFacade) {
+TEST(OversetQueries, TheFacadePrintsTheReportOfTheGridData) {
     BoxHost host = TwoGrids();
     CKVXOversetMesh mesh;
-    OutputCapture setup;
+    OutputCapture ofSetup;
     mesh.SetFVM(&host.gv, &host.fvm);
     OutputCapture byFacade;
     mesh.OversetDebugMode();
@@ -225,7 +225,7 @@ TEST(OversetQueries, ReportGoesThroughTheFacade) {
     EXPECT_NE(byFacade.Out().find(" Total Cells Number=386\n"), std::string::npos);
 }
 
-TEST(OversetQueries, DonorTreesHoldTheActiveCellsOfTheirGrids) {
+TEST(OversetQueries, DonorTreesContainTheActiveCellsOfTheirGrids) {
     BoxHost host = TwoGrids(-2);
     CKVXOversetMesh mesh;
     OutputCapture output;
@@ -250,7 +250,7 @@ TEST(OversetQueries, DonorTreesHoldTheActiveCellsOfTheirGrids) {
     delete[] found;
 }
 
-/// Runs the facade and the plain overset over a host and compares states and all donors.
+/// Runs the facade and the plain set-up on a host and compares the states and all donors.
 template <typename Host>
 void ExpectDonorsOfThePlainOverset(Host& host, const std::vector<int>& wallFaces) {
     CKVXOversetMesh mesh;
@@ -284,7 +284,7 @@ TEST(OversetFlow, CylinderInAChannelHasTheDonorsOfThePlainOverset) {
         std::vector<int> walls;
         for (int i = 1; i <= host.gv.oversetBCFaceCount[1]; ++i) {
             const int face = host.gv.oversetBCWallFace[1][i];
-            // Facing +x and away from the diagonal's back: the search along it ends.
+            // Only faces for which a cell lies across in the sense of the wall search.
             if (host.fvm.nxWall[face] > 0 && host.fvm.yWall[face] > -0.3) {
                 walls.push_back(face);
             }

@@ -13,28 +13,28 @@ enum Released { BackgroundTree = 1, ComponentTree, Tool };
 
 std::vector<int> released;
 
-class ToolThatTells : public CKVX_ART_VTK_Tool {
+class ToolThatReportsItsRelease : public CKVX_ART_VTK_Tool {
 public:
-    ~ToolThatTells() override { released.push_back(Tool); }
+    ~ToolThatReportsItsRelease() override { released.push_back(Tool); }
 };
 
-/// A tree of one point that reports the point's id when it is cleared.
-KVX_ART_KDtree* TreeThatTells(int* id) {
+/// A tree with one point that reports the id of the point when it is cleared.
+KVX_ART_KDtree* TreeThatReportsItsRelease(int* id) {
     auto* tree = new KVX_ART_KDtree;
     tree->BuildTree(0.0, 0.0, 0.0, id);
     tree->tree->destructor = [](int* cleared) { released.push_back(*cleared); };
     return tree;
 }
 
-TEST(OversetRelease, TreesGoFirstThenTheToolAndAllLinksAreCut) {
+TEST(OversetRelease, TreesAreReleasedFirstThenTheToolAndAllLinksAreNull) {
     released.clear();
     int background = BackgroundTree;
     int component = ComponentTree;
     double x[3] = {};
     Undestroyed<CKVXOversetMesh_Impl> impl;
-    impl->backgroundTree = TreeThatTells(&background);
-    impl->componentTree = TreeThatTells(&component);
-    impl->vtkTool = new ToolThatTells;
+    impl->backgroundTree = TreeThatReportsItsRelease(&background);
+    impl->componentTree = TreeThatReportsItsRelease(&component);
+    impl->vtkTool = new ToolThatReportsItsRelease;
     impl->vtkPoints = new VTK_Points;
     impl->vtkPoints->x = impl->vtkPoints->y = impl->vtkPoints->z = x;  // borrowed: not released
     impl->vtkPoints->count = 3;
@@ -56,7 +56,7 @@ TEST(OversetRelease, TreesGoFirstThenTheToolAndAllLinksAreCut) {
     EXPECT_EQ(impl->pressureData, nullptr);
 }
 
-TEST(OversetRelease, GridDataStays) {
+TEST(OversetRelease, GridDataIsNotReleased) {
     KVX_ART_OVERSET_GRID_DATA data;
     data.LinkARTGv(&data);
     Undestroyed<CKVXOversetMesh_Impl> impl;
@@ -65,10 +65,10 @@ TEST(OversetRelease, GridDataStays) {
     impl->~CKVXOversetMesh_Impl();
 
     EXPECT_EQ(impl->gridData, &data);
-    EXPECT_EQ(data.linkedArtGv, &data);  // its destructor would have cut this
+    EXPECT_EQ(data.linkedArtGv, &data);  // its destructor would have set this to null
 }
 
-TEST(OversetRelease, TheFacadeForgetsItsImplementation) {
+TEST(OversetRelease, TheFacadeSetsItsImplementationToNull) {
     Undestroyed<CKVXOversetMesh> mesh;
 
     mesh->~CKVXOversetMesh();
@@ -76,7 +76,7 @@ TEST(OversetRelease, TheFacadeForgetsItsImplementation) {
     EXPECT_EQ(mesh->impl, nullptr);
 }
 
-TEST(OversetRelease, GridDataForgetsTheHostsTables) {
+TEST(OversetRelease, GridDataSetsItsLinksToTheHostToNull) {
     CKVX_ACMT_GV other;
     int counts[2] = {0, 1};
     int* rows[2] = {nullptr, counts};

@@ -44,7 +44,7 @@ double ScatterHost::AreaComponent() {
                                        : 0.5 * Between(random, -1, 1);
 }
 
-/// A cell of the cavity, any of them.
+/// A random cell of the cavity.
 int ScatterHost::CellOf(int wanted) {
     const int nCells = static_cast<int>(cavity.size()) - 1;
     int cell = Between(random, 1, nCells);
@@ -70,7 +70,7 @@ void ScatterHost::AddCells(int nCells) {
         volume.push_back(scatter == Scatter::Uniform
                              ? std::uniform_real_distribution<double>(0.0, 0.3)(random)
                              : sizes[Between(random, 0, 3)]);
-        // The first cells name each cavity once; then they come in runs.
+        // The first cells use each cavity once; the others come in runs of one cavity.
         const bool goesOn = i > nCavities && Between(random, 0, 4) > 0;
         cavity.push_back(i < nCavities ? i + 1
                          : goesOn      ? cavity.back()
@@ -90,7 +90,7 @@ void ScatterHost::AddWalls(int nWalls) {
         const double ax = AreaComponent();
         const double ay = AreaComponent();
         wallAreas.Add(ax, ay, AreaComponent());
-        // The first of each group decides which cavity is which grid.
+        // The first face of each group decides which cavity is which grid.
         const int group = i <= nGroups ? i : Between(random, -2, nGroups);
         if (group > 0) {
             groups[group].push_back(i);
@@ -100,7 +100,7 @@ void ScatterHost::AddWalls(int nWalls) {
                            : i == nWalls ? CellOf(1)
                                          : CellOf(Between(random, 1, nCavities)));
     }
-    // One wall of the background at least: without any there is nothing to cut by.
+    // At least one wall of the background, because without one the outside cut does nothing.
     walls.Add(5.0, 5.0, 5.0);
     wallAreas.Add(0.0, 1.0, 0.0);
     wallCell.push_back(CellOf(1));

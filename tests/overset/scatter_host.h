@@ -9,17 +9,17 @@
 /// How the positions of a ScatterHost are drawn.
 enum class Scatter {
     Uniform,   ///< anywhere
-    Lattice,   ///< on a coarse lattice, area vectors along axes, unit volumes: ties and duplicates
-    Rows,      ///< cells on a finer lattice in mesh order, faces drawn as for Lattice
-    Diagonal,  ///< cells one behind the other: the deepest trees there are
-    NotFinite  ///< uniform, but now and then infinite or no number
+    Lattice,   ///< on a coarse lattice, with simple area vectors: many ties and duplicates
+    Rows,      ///< cells on a finer lattice in mesh order, faces as for Lattice
+    Diagonal,  ///< cells along the diagonal, which makes the deepest possible trees
+    NotFinite  ///< uniform, with some infinite and NaN coordinates
 };
 
-/// A host for the overset setup whose cells and faces belong together by numbers only: the setup
-/// takes any arrays, and so meets cases that no mesh makes on purpose.
+/// A host for the overset set-up with random positions. Cells and faces are related by their
+/// numbers only, not by geometry, so the set-up meets cases that hardly occur in a mesh.
 ///
-/// 1 to 4 cavities in mixed order; one inlet face in the background, walls of it and of the others,
-/// one group of overset faces for each component. Only the arrays that the setup and the donor
+/// Two to four cavities in mixed order, one inlet face in the background, walls of all cavities,
+/// one group of overset faces for each component. Only the arrays that the set-up and the donor
 /// search read are filled.
 class ScatterHost {
 public:

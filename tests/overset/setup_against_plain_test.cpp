@@ -20,7 +20,7 @@ namespace {
 constexpr Scatter allScatters[] = {Scatter::Uniform, Scatter::Lattice, Scatter::Rows,
                                    Scatter::Diagonal, Scatter::NotFinite};
 
-/// The setup by plain trees and scans, with the lines it would print.
+/// The plain set-up, and the lines that the set-up of the toolbox must print.
 struct Expected {
     Expected(ScatterHost& host, int layer) : overset(data) {
         data.getKvx3dGV(&host.gv, &host.fvm);
@@ -34,30 +34,31 @@ struct Expected {
     }
 
     std::string Lines() {
-        int nWallsNowhere = 0;
+        int nWallsWithoutGrid = 0;
         for (int w = 1; w <= data.NWall; ++w) {
-            nWallsNowhere += data.wallBCGroup[w] == 0 && IsNowhere(data.CWall23[w]) ? 1 : 0;
+            nWallsWithoutGrid += data.wallBCGroup[w] == 0 && HasNoGrid(data.CWall23[w]) ? 1 : 0;
         }
-        int nCellsNowhere = 0;
+        int nCellsWithoutGrid = 0;
         for (int c = 1; c <= data.Nc; ++c) {
-            nCellsNowhere += IsNowhere(c) ? 1 : 0;
+            nCellsWithoutGrid += HasNoGrid(c) ? 1 : 0;
         }
         std::ostringstream lines;
         lines << "Step 1: Link Kelvex FVM Mesh Data.\nStep 2: Overset Mesh Data Initial Setting.\n"
-              << Warnings(2 * nWallsNowhere) << "Step 3: Outside Domain Cutting.\n"
-              << Warnings(nCellsNowhere);
+              << Warnings(2 * nWallsWithoutGrid) << "Step 3: Outside Domain Cutting.\n"
+              << Warnings(nCellsWithoutGrid);
         if (nOutside == 0) {
             lines << "\t  No Compoenet Cell Ouside Domain.\n";
         } else {
             lines << "\t  Non Active Cell Number = " << nOutside << '\n';
         }
         lines << "Step 4: Overlap Region Cutting.\n"
-              << Warnings(nCellsNowhere) << "\t  Non Active Cell Number = " << data.NNonActiveCell
+              << Warnings(nCellsWithoutGrid)
+              << "\t  Non Active Cell Number = " << data.NNonActiveCell
               << "\nStep 5: Build Tree for Search Neighbor.\n";
         return lines.str();
     }
 
-    bool IsNowhere(int cell) const { return data.cavityToGrid[data.cavityId[cell]] == 0; }
+    bool HasNoGrid(int cell) const { return data.cavityToGrid[data.cavityId[cell]] == 0; }
 
     static std::string Warnings(int n) {
         std::string lines;
@@ -81,7 +82,7 @@ bool SameBits(double a, double b) {
     return a == b || (a != a && b != b);
 }
 
-/// Node for node, boxes included.
+/// True if the trees are equal node for node and in their boxes.
 bool SameTree(const KVX_ART_KDtree& tree, const plain::KdTree& expected) {
     if ((tree.tree->root == nullptr) != (expected.root == nullptr)) {
         return false;
@@ -111,7 +112,9 @@ bool SameTree(const KVX_ART_KDtree& tree, const plain::KdTree& expected) {
                               std::equal(rect->max, rect->max + 3, expected.max, SameBits));
 }
 
-/// Compares the donors of faces, up to 200 of a kind, whose search ends within some tries.
+/// Compares the donors of up to 200 inner faces and 200 wall faces whose search ends within 15
+/// tries.
+/// @return number of donors compared
 int CompareDonors(CKVXOversetMesh& mesh, const Expected& expected) {
     int nCompared = 0;
     for (int face = 1; face <= std::min(expected.data.Ne, 200); ++face) {
@@ -138,7 +141,7 @@ struct Tally {
     int nDonors = 0;
 };
 
-/// One whole setup against the plain one.
+/// Compares one whole set-up with the plain one.
 void CompareSetup(Scatter scatter, int nCells, unsigned seed, Tally& tally) {
     ScatterHost host(scatter, nCells, seed);
     Expected expected(host, 2);
@@ -162,7 +165,7 @@ void CompareSetup(Scatter scatter, int nCells, unsigned seed, Tally& tally) {
 
 class SetupAgainstPlain : public testing::TestWithParam<Scatter> {
 protected:
-    /// Cases of all kinds were met, so that agreement means something.
+    /// Expects that the cases differed enough for the comparison to have a meaning.
     static void ExpectVariety(const Tally& tally) {
         EXPECT_GT(tally.nOutside, tally.nCases / 10);
         EXPECT_LT(tally.nOutside, tally.nCases);
@@ -171,7 +174,7 @@ protected:
     }
 };
 
-TEST_P(SetupAgainstPlain, SmallHostsAreCutAndGivenDonorsAlike) {
+TEST_P(SetupAgainstPlain, SmallHostsHaveTheSameCutsAndDonors) {
     Tally tally;
     for (unsigned seed = 1; seed <= 1000; ++seed) {
         CompareSetup(GetParam(), 4 + static_cast<int>(seed % 60), seed, tally);
@@ -180,7 +183,7 @@ TEST_P(SetupAgainstPlain, SmallHostsAreCutAndGivenDonorsAlike) {
     ExpectVariety(tally);
 }
 
-TEST_P(SetupAgainstPlain, LargerHostsAreCutAndGivenDonorsAlike) {
+TEST_P(SetupAgainstPlain, LargerHostsHaveTheSameCutsAndDonors) {
     Tally tally;
     for (unsigned seed = 1; seed <= 12; ++seed) {
         CompareSetup(GetParam(), 1500 + 200 * static_cast<int>(seed), seed, tally);
@@ -204,11 +207,11 @@ TEST_P(SetupAgainstPlain, EveryMarginCutsTheSameCells) {
     }
 }
 
-TEST(SetupAgainstPlainMesh, ACellWithoutAPositionStaysBetweenNeighboursThatAreCutTogether) {
+TEST(SetupAgainstPlainMesh, ACellWithANaNCenterStaysBetweenNeighborsThatAreCutTogether) {
     BoxHost host = BoxHost(24, 24, 2).WithComponentGrid(18, 18, 2, {3, 3, 0}, {18, 18, 2},
                                                         sideZMin | sideZMax);
     const OutputCapture silent;
-    const int lost = 24 * 5 + 12;  // in the middle of a row below the component
+    const int lost = 24 * 5 + 12;  // in the middle of a row under the component
     Cutting<BoxHost> before(host);
     before.holes.OverlapRegionCutting(2);
     ASSERT_EQ(before.data.cellState[lost], 1);
