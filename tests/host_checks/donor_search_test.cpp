@@ -99,6 +99,30 @@ TEST(ToolboxWallDonor, IsTheDonorOfTheToolboxWhereverTheSearchEnds) {
     EXPECT_GT(nFar, 0);
 }
 
+/// The factor is a sum of tenths: ten times 0.1 is not 1, and the last bit decides ties.
+TEST(ToolboxWallDonor, EachTryLooksATenthFurtherOut) {
+    AnnulusHost host;
+    CutHost<AnnulusHost> cut(host);
+    const MeshView view(host.gv, host.fvm);
+    const BoundedDonorSearch search(view, cut.overset);
+    int nRetried = 0;
+    for (int wall : view.WallFaces(1, 2)) {
+        const DonorRecord record = search.ToolboxWallDonor(wall);
+        double factor = 1.0;
+        for (int retry = 1; retry < record.tries; ++retry) {
+            factor += 0.1;
+            ++nRetried;
+        }
+        const Point face = view.Walls().Center(wall);
+        const Point step = face - view.CellCenter(record.cell);
+        EXPECT_EQ(record.query.x, step.x * factor + face.x) << wall;
+        EXPECT_EQ(record.query.y, step.y * factor + face.y) << wall;
+        EXPECT_EQ(record.query.z, step.z * factor + face.z) << wall;
+    }
+
+    EXPECT_GT(nRetried, 0);
+}
+
 TEST(ToolboxWallDonor, EndsWhereTheAreaVectorHasNoXComponent) {
     BoxHost host = NestedBoxes();
     CutHost<BoxHost> cut(host);
