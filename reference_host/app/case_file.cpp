@@ -8,9 +8,9 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
-#include <utility>
+#include <vector>
 
-#include "reference_host/mesh/geo_parameters.h"
+#include "reference_host/cases/registry.h"
 
 namespace host {
 
@@ -20,35 +20,34 @@ struct CaseFile::Content {
 
 namespace {
 
-using Line = toml::source_index;
-
-/// What is wrong and in which line.
-struct Fault {
-    Line line = 0;
-    std::string what;
+/// A key of the file with its full name and its line.
+struct Entry {
+    std::string name;
+    const toml::node* node;
+    toml::source_index line;
 };
 
 std::string ReadText(const std::string& path) {
     std::ifstream file(path);
     if (!file || std::filesystem::is_directory(path)) {
-        throw std::runtime_error(path + ": no case file that can be read");
+        throw std::runtime_error(path + ": the case file cannot be read");
     }
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// The messages of the parser quote line ends as they stand.
+/// The messages of the parser may quote text with line ends.
 std::string OneLine(std::string text) {
     std::replace(text.begin(), text.end(), '\n', ' ');
     return text;
 }
 
-/// A value for messages: as it stands, or what it is.
+/// A value for messages: itself, or its type if it is not a single value.
 std::string Shown(const toml::node& node) {
     if (const auto* text = node.as_string()) {
         return fmt::format("\"{}\"", OneLine(text->get()));
     }
-    if (const auto* whole = node.as_integer()) {
-        return fmt::format("{}", whole->get());
+    if (const auto* integer = node.as_integer()) {
+        return fmt::format("{}", integer->get());
     }
     if (const auto* number = node.as_floating_point()) {
         return fmt::format("{}", number->get());
@@ -63,13 +62,13 @@ bool IsNumber(const toml::node& node) {
     return node.is_integer() || node.is_floating_point();
 }
 
-/// Whether a single value is of the kind, or may stand in a list of it.
+/// True if a single value has the type of the kind, or that of its entries if it is a list.
 bool Fits(const toml::node& node, ValueKind kind) {
     switch (kind) {
         case ValueKind::Flag:
             return node.is_boolean();
-        case ValueKind::Whole:
-        case ValueKind::Wholes:
+        case ValueKind::Integer:
+        case ValueKind::Integers:
             return node.is_integer();
         case ValueKind::Number:
             return IsNumber(node);
@@ -78,16 +77,15 @@ bool Fits(const toml::node& node, ValueKind kind) {
     }
 }
 
-/// The text that CaseOption::Set() takes.
+/// A value as Option::assign() takes it.
 std::string TextOf(const toml::node& node) {
     const auto* text = node.as_string();
     return text ? text->get() : Shown(node);
 }
 
 std::vector<std::string> TextsOf(const toml::node& node, ValueKind kind) {
-    const bool isList = kind == ValueKind::Wholes || kind == ValueKind::Texts;
-    const auto* list = node.as_array();
-    if (!isList || !list) {
+    const auto* list = IsList(kind) ? node.as_array() : nullptr;
+    if (!list) {
         if (!Fits(node, kind)) {
             throw std::invalid_argument(
                 fmt::format("must be {}, not {}", Description(kind), Shown(node)));
@@ -97,8 +95,8 @@ std::vector<std::string> TextsOf(const toml::node& node, ValueKind kind) {
     std::vector<std::string> texts;
     for (const toml::node& entry : *list) {
         if (!Fits(entry, kind)) {
-            throw std::invalid_argument(
-                fmt::format("must be {}, {} does not fit in", Description(kind), Shown(entry)));
+            throw std::invalid_argument(fmt::format("must be {}, but the list contains {}",
+                                                    Description(kind), Shown(entry)));
         }
         texts.push_back(TextOf(entry));
     }
@@ -108,141 +106,69 @@ std::vector<std::string> TextsOf(const toml::node& node, ValueKind kind) {
 std::string MeshPath(const std::string& name, const std::string& caseFile) {
     const std::filesystem::path mesh = std::filesystem::path(caseFile).parent_path() / name;
     if (!std::filesystem::exists(mesh)) {
-        throw std::invalid_argument("names no file: there is no " + mesh.string());
+        throw std::invalid_argument(fmt::format("names no file: {} does not exist", mesh.string()));
     }
     return mesh.string();
 }
 
-/// Goes over a file and sets options. Collects what is wrong, since the parser's tables are in
-/// alphabetical order and the first fault in the file is the one to tell.
-class Application {
-public:
-    Application(CaseOptions& options_, std::string path_)
-        : options(options_), path(std::move(path_)) {}
-
-    void Root(const toml::table& root) {
-        const toml::table* parameters = nullptr;
-        for (const auto& [key, node] : root) {
-            const std::string name(key.str());
-            const bool isTable = IsTableName(name);
-            if (isTable && !node.is_table()) {
-                Add(key, "must be a table, not " + Shown(node));
-            } else if (isTable && name == "parameters") {
-                parameters = node.as_table();
-            } else if (isTable) {
-                Table(name, *node.as_table());
-            } else if (node.is_table()) {
-                faults.push_back(
-                    {key.source().begin.line, fmt::format("unknown table \"{}\", this case has {}",
-                                                          name, fmt::join(TableNames(), ", "))});
-            } else if (name != "case") {
-                Key("", key, node);
+/// All keys in the order of the file, without `case`. The keys of a table are listed as table.key.
+/// A table that the case does not have, or a plain value with the name of a table, is listed under
+/// that name, so that it can be reported.
+std::vector<Entry> EntriesOf(const toml::table& root, const std::vector<std::string>& tableNames) {
+    std::vector<Entry> entries;
+    for (const auto& [key, node] : root) {
+        const std::string name(key.str());
+        const auto* table = node.as_table();
+        const bool isKnown =
+            std::find(tableNames.begin(), tableNames.end(), name) != tableNames.end();
+        if (table && isKnown) {
+            for (const auto& [subKey, subNode] : *table) {
+                entries.push_back(
+                    {name + "." + std::string(subKey.str()), &subNode, subKey.source().begin.line});
             }
-        }
-        if (parameters) {
-            Parameters(*parameters);  // the mesh that has them is known by now
+        } else if (name != "case") {
+            entries.push_back({name, &node, key.source().begin.line});
         }
     }
+    std::stable_sort(entries.begin(), entries.end(),
+                     [](const Entry& a, const Entry& b) { return a.line < b.line; });
+    return entries;
+}
 
-    /// The first fault in the order of the file, if there is any.
-    const Fault* First() const {
-        const auto first =
-            std::min_element(faults.begin(), faults.end(),
-                             [](const Fault& a, const Fault& b) { return a.line < b.line; });
-        return first == faults.end() ? nullptr : &*first;
+/// Sets the option or the parameter that an entry names.
+/// @param caseFile  path of the case file
+void SetEntry(const Entry& entry, const std::string& caseFile, CaseOptions& options) {
+    const std::string line = fmt::format("{}:{}: ", caseFile, entry.line);
+    const std::string place = line + entry.name;
+    const std::vector<std::string> tables = options.TableNames();
+    if (std::find(tables.begin(), tables.end(), entry.name) != tables.end()) {
+        throw std::runtime_error(place + " must be a table, not " + Shown(*entry.node));
     }
-
-private:
-    std::vector<std::string> TableNames() const {
-        std::vector<std::string> names = {"parameters"};
-        for (const CaseOption& option : options.list) {
-            if (!option.table.empty() &&
-                std::find(names.begin(), names.end(), option.table) == names.end()) {
-                names.push_back(option.table);
-            }
+    if (TableOf(entry.name) == "parameters") {
+        if (!IsNumber(*entry.node)) {
+            throw std::runtime_error(place + " must be a number, not " + Shown(*entry.node));
         }
-        return names;
+        options.SetParameter(KeyOf(entry.name), *entry.node->value<double>(), place);
+        return;
     }
-    bool IsTableName(const std::string& name) const {
-        const std::vector<std::string> names = TableNames();
-        return std::find(names.begin(), names.end(), name) != names.end();
+    const Option* option = options.Find(entry.name);
+    if (!option && entry.node->is_table()) {
+        throw std::runtime_error(fmt::format("{}unknown table {}: the tables of this case are {}",
+                                             line, entry.name, fmt::join(tables, ", ")));
     }
-
-    void Add(const toml::key& key, const std::string& what) {
-        faults.push_back({key.source().begin.line, fmt::format("\"{}\" {}", key.str(), what)});
+    if (!option) {
+        throw std::runtime_error(line + options.UnknownName(entry.name));
     }
-
-    void Parameters(const toml::table& table) {
-        for (const auto& [key, node] : table) {
-            if (!IsNumber(node)) {
-                Add(key, "must be a number, not " + Shown(node));
-            } else if (!HasParameter(std::string(key.str()))) {
-                Add(key, "is no parameter of " +
-                             std::filesystem::path(options.meshFile).filename().string());
-            } else {
-                options.parameters[std::string(key.str())] = *node.value<double>();
-            }
+    try {
+        std::vector<std::string> values = TextsOf(*entry.node, option->kind);
+        if (option->kind == ValueKind::MeshFile) {
+            values.at(0) = MeshPath(values.at(0), caseFile);
         }
+        options.Set(entry.name, values, place);
+    } catch (const std::invalid_argument& error) {
+        throw std::runtime_error(place + " " + error.what());
     }
-
-    /// Whether the mesh defines it; a mesh that is still to be named may.
-    bool HasParameter(const std::string& name) const {
-        if (!std::filesystem::is_regular_file(options.meshFile)) {
-            return true;
-        }
-        try {
-            OnelabName(options.meshFile, name);
-        } catch (const std::runtime_error&) {
-            return false;
-        }
-        return true;
-    }
-
-    void Table(const std::string& name, const toml::table& table) {
-        for (const auto& [key, node] : table) {
-            Key(name, key, node);
-        }
-    }
-
-    void Key(const std::string& table, const toml::key& key, const toml::node& node) {
-        const auto option = std::find_if(
-            options.list.begin(), options.list.end(),
-            [&](const CaseOption& o) { return o.table == table && o.key == key.str(); });
-        if (option == options.list.end()) {
-            AddUnknown(table, key);
-            return;
-        }
-        try {
-            std::vector<std::string> texts = TextsOf(node, option->kind);
-            if (option->kind == ValueKind::MeshFile) {
-                texts.at(0) = MeshPath(texts.at(0), path);
-            }
-            option->Set(texts);
-        } catch (const std::invalid_argument& error) {
-            Add(key, error.what());
-        }
-    }
-
-    void AddUnknown(const std::string& table, const toml::key& key) {
-        std::vector<std::string> known;
-        if (table.empty()) {
-            known.push_back("case");
-        }
-        for (const CaseOption& option : options.list) {
-            if (option.table == table) {
-                known.push_back(option.key);
-            }
-        }
-        const std::string place = table.empty() ? "above all tables" : "[" + table + "]";
-        faults.push_back(
-            {key.source().begin.line, fmt::format("unknown key \"{}\", {} has {}", key.str(), place,
-                                                  fmt::join(known, ", "))});
-    }
-
-    CaseOptions& options;
-    const std::string path;
-    std::vector<Fault> faults;
-};
+}
 
 }  // namespace
 
@@ -258,25 +184,23 @@ CaseFile::CaseFile(const std::string& path_) : path(path_) {
 
 CaseFile::~CaseFile() = default;
 
-std::string CaseFile::CaseName(const std::vector<std::string>& names) const {
+std::string CaseFile::CaseName() const {
     const toml::node* node = content->root.get("case");
-    const std::string known = fmt::format("{}", fmt::join(names, ", "));
     if (!node) {
-        throw std::runtime_error(fmt::format("{}:1: \"case\" is missing, one of {}", path, known));
+        throw std::runtime_error(
+            fmt::format("{}:1: the key case is missing, it must be one of {}", path, CaseNames()));
     }
     const auto* name = node->as_string();
-    if (!name || std::find(names.begin(), names.end(), name->get()) == names.end()) {
-        throw std::runtime_error(fmt::format("{}:{}: \"case\" must be one of {}, not {}", path,
-                                             node->source().begin.line, known, Shown(*node)));
+    if (!name || !FindCase(name->get())) {
+        throw std::runtime_error(fmt::format("{}:{}: case must be one of {}, not {}", path,
+                                             node->source().begin.line, CaseNames(), Shown(*node)));
     }
     return name->get();
 }
 
 void CaseFile::Apply(CaseOptions& options) const {
-    Application application(options, path);
-    application.Root(content->root);
-    if (const Fault* fault = application.First()) {
-        throw std::runtime_error(fmt::format("{}:{}: {}", path, fault->line, fault->what));
+    for (const Entry& entry : EntriesOf(content->root, options.TableNames())) {
+        SetEntry(entry, path, options);
     }
 }
 

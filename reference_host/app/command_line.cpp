@@ -2,251 +2,208 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
-#include <algorithm>
+#include <deque>
 #include <filesystem>
-#include <map>
+#include <optional>
 #include <stdexcept>
+#include <vector>
 
 #include "reference_host/app/case_file.h"
-#include "reference_host/app/case_options.h"
+#include "reference_host/app/help.h"
 
 namespace host {
 
 namespace {
 
-/// A case by its name on the command line and in case files.
-struct NamedCase {
-    const char* name;
-    Task task;
-    const char* help;
-    CaseOptions (*options)(Command& command);
+/// The words of the command line that are not read yet.
+using Words = std::deque<std::string>;
+
+std::string TakeFirst(Words& words) {
+    std::string word = words.front();
+    words.pop_front();
+    return word;
+}
+
+bool IsHelp(const std::string& word) {
+    return word == "--help" || word == "-h";
+}
+
+bool IsCaseFile(const std::string& word) {
+    return word.rfind('-', 0) != 0 && word.find('=') == std::string::npos &&
+           std::filesystem::path(word).extension() == ".toml";
+}
+
+/// A word in its parts before and after the first "=".
+struct Assignment {
+    std::string name;
+    std::optional<std::string> value;
 };
 
-const NamedCase cases[] = {
-    {"cylinder", Task::Cylinder,
-     "Laminar flow around a cylinder in a channel, compared with benchmark 2D-1",
-     [](Command& command) { return OptionsOf(command.cylinder); }},
-    {"sphere", Task::Sphere,
-     "Laminar flow around a sphere at Reynolds number 100, in three dimensions",
-     [](Command& command) { return OptionsOf(command.sphere); }},
-    {"heat", Task::Heat,
-     "Heat conduction around a hot body, with time steps up to the steady state and a heat balance",
-     [](Command& command) { return OptionsOf(command.heat); }},
-    {"mms", Task::Mms, "Order study with a manufactured solution of convection and diffusion",
-     [](Command& command) { return OptionsOf(command.mms); }},
-    {"nonmatching", Task::Nonmatching,
-     "Order study across an interface of two blocks whose faces do not match",
-     [](Command& command) { return OptionsOf(command.nonmatching); }},
-    {"dump", Task::Dump, "Everything the toolbox linked, and its overset report, as text",
-     [](Command& command) { return OptionsOf(command.dump); }},
-};
-
-const NamedCase& CaseNamed(const std::string& name) {
-    for (const NamedCase& known : cases) {
-        if (name == known.name) {
-            return known;
-        }
+Assignment Split(const std::string& word) {
+    const std::size_t equals = word.find('=');
+    if (equals == std::string::npos) {
+        return {word, std::nullopt};
     }
-    throw std::logic_error("no case " + name);  // names come from the table above
+    return {word.substr(0, equals), word.substr(equals + 1)};
 }
 
-std::string ShippedMesh(const std::string& name) {
-    return (std::filesystem::path(KVX3D_REFERENCE_HOST_MESH_DIR) / name).string();
+std::vector<std::string> SplitAtCommas(const std::string& text) {
+    std::vector<std::string> parts;
+    std::size_t begin = 0;
+    for (std::size_t comma = text.find(','); comma != std::string::npos;
+         comma = text.find(',', begin)) {
+        parts.push_back(text.substr(begin, comma - begin));
+        begin = comma + 1;
+    }
+    parts.push_back(text.substr(begin));
+    return parts;
 }
 
-/// "n=10" as a number for the mesh file.
-void AddParameter(const std::string& text, MeshParameters& parameters) {
-    const std::size_t equals = text.find('=');
+/// "n=10", the value of --set.
+void SetByShortForm(const std::string& text, CaseOptions& options) {
+    const Assignment parameter = Split(text);
     try {
-        if (equals == std::string::npos || equals == 0) {
-            throw std::invalid_argument("no name");
+        if (parameter.name.empty() || !parameter.value) {
+            throw std::invalid_argument("incomplete");
         }
-        parameters[text.substr(0, equals)] = ParseNumber(text.substr(equals + 1));
+        options.SetParameter(parameter.name, ParseNumber(*parameter.value), "--set " + text);
     } catch (const std::invalid_argument&) {
         throw std::runtime_error("--set takes name=number, for example n=10, not \"" + text + "\"");
     }
 }
 
-/// A case as a subcommand of the parser, with the texts it reads.
-struct Subcommand {
-    CLI::App* app = nullptr;
-    CaseOptions options;
-    std::vector<std::string> sets;
-    std::vector<std::vector<std::string>> texts;  // by option
-    std::vector<std::string> flags;               // by option
-};
-
-const char* TypeName(ValueKind kind) {
-    switch (kind) {
-        case ValueKind::Whole:
-            return "INT";
-        case ValueKind::Wholes:
-            return "INT,...";
-        case ValueKind::Number:
-            return "FLOAT";
-        case ValueKind::Texts:
-            return "TEXT,...";
-        case ValueKind::MeshFile:
-            return "FILE";
-        default:
-            return "TEXT";
+void SetParameter(const Assignment& word, CaseOptions& options) {
+    try {
+        options.SetParameter(KeyOf(word.name), ParseNumber(*word.value), word.name);
+    } catch (const std::invalid_argument& error) {
+        throw std::runtime_error(word.name + " " + error.what());
     }
 }
 
-void AddOption(CLI::App& app, const CaseOption& option, std::vector<std::string>& texts,
-               std::string& flag) {
-    if (option.kind == ValueKind::Flag) {
-        app.add_flag(option.option, flag, option.help);
+/// Reads an option that begins with dashes; its value may be the next word.
+void ReadShortForm(const Assignment& word, Words& words, CaseOptions& options) {
+    const Option* option = options.Find(word.name);
+    const bool isSet = word.name == "--set";
+    if (!isSet && !option) {
+        throw std::runtime_error("unknown option " + word.name + ": --help lists the options");
+    }
+    std::optional<std::string> value = word.value;
+    if (!value && option && option->kind == ValueKind::Flag) {
+        value = "true";
+    }
+    if (!value && words.empty()) {
+        throw std::runtime_error(word.name + " needs a value");
+    }
+    if (!value) {
+        value = TakeFirst(words);
+    }
+    if (isSet) {
+        SetByShortForm(*value, options);
         return;
     }
-    CLI::Option* added = app.add_option(option.option, texts, option.help);
-    added->type_name(TypeName(option.kind))->default_str(option.shown);
-    if (option.kind == ValueKind::Wholes || option.kind == ValueKind::Texts) {
-        added->delimiter(',');
-    } else {
-        added->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
-    }
+    options.Set(option->name,
+                IsList(option->kind) ? SplitAtCommas(*value) : std::vector<std::string>{*value},
+                word.name);
 }
 
-/// @param sub  its options are set; stays where it is until the parser is done
-void AddSubcommand(CLI::App& app, const NamedCase& known, Subcommand& sub) {
-    sub.app = app.add_subcommand(known.name, known.help);
-    sub.app->add_option("--set", sub.sets, "number in the .geo, name=value; may be repeated")
-        ->type_name("NAME=FLOAT")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    sub.texts.resize(sub.options.list.size());
-    sub.flags.resize(sub.options.list.size());
-    for (std::size_t k = 0; k < sub.options.list.size(); ++k) {
-        AddOption(*sub.app, sub.options.list[k], sub.texts[k], sub.flags[k]);
+/// Reads an option in the notation of case files: table.key=value.
+void ReadFullName(const Assignment& word, CaseOptions& options) {
+    if (!word.value) {
+        throw std::runtime_error("\"" + word.name +
+                                 "\" is not an option: write name=value, for example "
+                                 "parameters.n=10; --help lists the names");
     }
+    if (TableOf(word.name) == "parameters") {
+        SetParameter(word, options);
+        return;
+    }
+    const Option* option = options.Find(word.name);
+    if (!option) {
+        throw std::runtime_error(options.UnknownName(word.name));
+    }
+    options.Set(
+        option->name,
+        IsList(option->kind) ? SplitAtCommas(*word.value) : std::vector<std::string>{*word.value},
+        word.name);
 }
 
-/// Sets what the command line gave.
-void Apply(Subcommand& sub) {
-    for (const std::string& text : sub.sets) {
-        AddParameter(text, sub.options.parameters);
-    }
-    for (std::size_t k = 0; k < sub.options.list.size(); ++k) {
-        CaseOption& option = sub.options.list[k];
-        if (sub.app->count(option.option) == 0) {
-            continue;
-        }
-        try {
-            option.Set(option.kind == ValueKind::Flag ? std::vector<std::string>{sub.flags[k]}
-                                                      : sub.texts[k]);
-        } catch (const std::invalid_argument& error) {
-            throw std::runtime_error(option.option + " " + error.what());
-        }
-    }
-}
-
-/// The words after the program's name, with a case file taken out.
-struct Words {
-    std::vector<std::string> words;
-    std::string caseFile;  // empty: none
+/// The case that the command line names, and the case file if there is one.
+struct Choice {
+    const CaseEntry* entry;
+    std::unique_ptr<CaseFile> file;
 };
 
-bool IsCaseFile(const std::string& word) {
-    return std::filesystem::path(word).extension() == ".toml";
-}
-
-/// "run FILE options" and "FILE.toml options".
-Words Split(int argc, const char* const* argv) {
-    Words split{{argv + 1, argv + argc}, ""};
-    std::vector<std::string>& words = split.words;
-    if (words.empty()) {
-        return split;
-    }
+/// Reads "run FILE", "FILE.toml", "CASE" or "CASE FILE.toml".
+Choice ReadChoice(Words& words) {
     const bool isRun = words[0] == "run";
-    if (isRun && words.size() == 1) {
-        throw std::runtime_error("run needs a case file, for example run cases/cylinder.toml");
+    if (isRun) {
+        words.pop_front();
+        if (words.empty()) {
+            throw std::runtime_error("run needs a case file, for example run cases/cylinder.toml");
+        }
     }
-    const bool isHelp = isRun && (words[1] == "--help" || words[1] == "-h");
-    if ((isRun && !isHelp) || IsCaseFile(words[0])) {
-        split.caseFile = words[isRun ? 1 : 0];
-        words.erase(words.begin(), words.begin() + (isRun ? 2 : 1));
+    const CaseEntry* named = isRun ? nullptr : FindCase(words[0]);
+    if (named) {
+        words.pop_front();
     }
-    return split;
+    std::unique_ptr<CaseFile> file;
+    if (!words.empty() && (isRun || IsCaseFile(words[0]))) {
+        file = std::make_unique<CaseFile>(TakeFirst(words));
+    }
+    if (!named && !file) {
+        throw std::runtime_error(
+            fmt::format("\"{}\" is no case: give one of {}, or a case file that ends in .toml",
+                        words[0], CaseNames()));
+    }
+    return {named ? named : FindCase(file->CaseName()), std::move(file)};
 }
 
-std::vector<std::string> CaseNames() {
-    std::vector<std::string> names;
-    for (const NamedCase& known : cases) {
-        names.push_back(known.name);
+/// Sets what the case file gives: everything if it is a file of this case, else the mesh.
+void Apply(const CaseFile& file, const CaseEntry& entry, CaseOptions& options) {
+    const std::string fileCase = file.CaseName();
+    if (fileCase == entry.name) {
+        file.Apply(options);
+        return;
     }
-    return names;
-}
-
-/// The parser calls a case a subcommand and does not say which there are.
-void RequireCase(const std::vector<std::string>& words) {
-    const std::vector<std::string> names = CaseNames();
-    const bool isOption = !words.empty() && words[0].rfind('-', 0) == 0;
-    if (words.empty() || (!isOption && words[0] != "run" &&
-                          std::find(names.begin(), names.end(), words[0]) == names.end())) {
-        throw std::runtime_error(fmt::format(
-            "{}: give one of {}, or a case file that ends in .toml",
-            words.empty() ? "no case" : '"' + words[0] + "\" is no case", fmt::join(names, ", ")));
+    if (entry.files != CaseFiles::Any) {
+        throw std::runtime_error(fmt::format("{}: this is a file of the case {}, not of {}",
+                                             file.path, fileCase, entry.name));
     }
-}
-
-void RequireMesh(const CaseOptions& options, const std::string& caseFile) {
-    if (options.meshFile.empty()) {
-        throw std::runtime_error(caseFile.empty()
-                                     ? "--mesh is required"
-                                     : caseFile + ": \"file\" in the table [mesh] is required");
-    }
+    const std::unique_ptr<Case> other = FindCase(fileCase)->make();
+    CaseOptions otherOptions = other->Options();
+    file.Apply(otherOptions);
+    options.TakeMesh(otherOptions);
 }
 
 }  // namespace
 
 Command ReadCommand(int argc, const char* const* argv) {
-    Command command;
-    command.cylinder.meshFile = ShippedMesh("channel_cylinder_overset.geo");
-    command.sphere.meshFile = ShippedMesh("sphere_overset.geo");
-    command.mms.meshFile = ShippedMesh("box_annulus_overset.geo");
-    command.nonmatching.meshFile = ShippedMesh("nonmatching_blocks.geo");
-
-    CLI::App app("A small flow solver that hosts KVX3DMeshlessToolbox", "reference_host");
-    app.require_subcommand(1);
-    app.add_subcommand("run",
-                       "A case file with any of its options: run cases/cylinder.toml --set "
-                       "n=20; \"run\" may be left out");
-    Words split = Split(argc, argv);
-    std::map<std::string, CaseOptions> options;
-    for (const NamedCase& known : cases) {
-        options.emplace(known.name, known.options(command));
+    Words words(argv + 1, argv + argc);
+    if (words.empty()) {
+        throw std::runtime_error(
+            fmt::format("no case: give one of {}, or a case file that ends in .toml", CaseNames()));
     }
-    if (!split.caseFile.empty()) {
-        const CaseFile file(split.caseFile);
-        const std::string name = file.CaseName(CaseNames());
-        file.Apply(options.at(name));
-        split.words.insert(split.words.begin(), name);
+    if (IsHelp(words[0]) || (words[0] == "run" && words.size() > 1 && IsHelp(words[1]))) {
+        return {nullptr, ProgramHelp()};
     }
-    RequireCase(split.words);
-    std::map<std::string, Subcommand> subcommands;
-    for (const NamedCase& known : cases) {
-        const auto added = subcommands.emplace(
-            known.name, Subcommand{nullptr, options.at(known.name), {}, {}, {}});
-        AddSubcommand(app, known, added.first->second);
+    const Choice choice = ReadChoice(words);
+    Command command{choice.entry->make(), ""};
+    CaseOptions options = command.chosen->Options();
+    if (choice.file) {
+        Apply(*choice.file, *choice.entry, options);
     }
-    try {
-        app.parse(std::vector<std::string>(split.words.rbegin(), split.words.rend()));
-    } catch (const CLI::CallForHelp&) {
-        command.help = app.help();
-        return command;
-    } catch (const CLI::ParseError& error) {
-        throw std::runtime_error(error.what());
-    }
-    for (auto& [name, sub] : subcommands) {
-        if (sub.app->parsed()) {
-            Apply(sub);
-            RequireMesh(sub.options, split.caseFile);
-            sub.options.complete(sub.options.list);
-            command.task = CaseNamed(name).task;
+    while (!words.empty()) {
+        const std::string word = TakeFirst(words);
+        if (IsHelp(word)) {
+            return {nullptr, CaseHelp(*choice.entry, options)};
+        }
+        if (word.rfind('-', 0) == 0) {
+            ReadShortForm(Split(word), words, options);
+        } else {
+            ReadFullName(Split(word), options);
         }
     }
+    options.Complete(choice.file ? choice.file->path : "");
     return command;
 }
 

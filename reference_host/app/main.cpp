@@ -14,34 +14,22 @@
 namespace {
 
 int Run(const host::Command& command) {
-    switch (command.task) {
-        case host::Task::Cylinder:
-            return host::RunCylinder(command.cylinder);
-        case host::Task::Heat:
-            return host::RunHeat(command.heat);
-        case host::Task::Mms:
-            return host::RunMms(command.mms);
-        case host::Task::Nonmatching:
-            return host::RunNonmatching(command.nonmatching);
-        case host::Task::Dump:
-            return host::RunDump(command.dump);
-        case host::Task::Sphere:
-            return host::RunSphere(command.sphere);
-        case host::Task::ShowHelp:
-            std::cout << command.help;
+    if (!command.chosen) {
+        std::cout << command.help;
+        return 0;
     }
-    return 0;
+    return command.chosen->Run();
 }
 
-/// A log cut short by a full disk or a closed pager is no success.
+/// Refuses to call a run successful if a full disk or a closed pager cut its log short.
 void RequireWrittenOutput() {
     if (!std::cout.flush() || std::fflush(stdout) != 0) {
         throw std::runtime_error(
-            "standard output could not be written to its end; result files are not affected");
+            "standard output could not be written completely; the result files are complete");
     }
 }
 
-/// One line for each fault.
+/// Prints one line for each fault.
 void PrintError(const std::string& text) {
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
@@ -49,7 +37,8 @@ void PrintError(const std::string& text) {
     }
 }
 
-/// Gmsh 4.8 throws texts out of parallel loops on some geometries: nothing can catch them there.
+/// Reports an exception that nothing caught. Gmsh 4.8 throws strings out of parallel loops on some
+/// geometries, where no handler can be reached.
 [[noreturn]] void EndInOneLine() noexcept {
     std::string what = "unknown";
     try {
@@ -73,7 +62,7 @@ void PrintError(const std::string& text) {
 int main(int argc, char** argv) try {
     std::set_terminate(EndInOneLine);
 #ifdef SIGPIPE
-    std::signal(SIGPIPE, SIG_IGN);  // a closed pager must not cost a long run its results
+    std::signal(SIGPIPE, SIG_IGN);  // a run continues to its results if the pager is closed
 #endif
     const int code = Run(host::ReadCommand(argc, argv));
     RequireWrittenOutput();

@@ -1,13 +1,12 @@
 #include "reference_host/cases/benchmark_2d1.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 #include "reference_host/physics/forces.h"
+#include "reference_host/run/comparison.h"
 
 namespace host::benchmark2d1 {
 
@@ -74,26 +73,20 @@ std::optional<Limits> LimitsOf(Scheme scheme, int n) {
 }
 
 std::vector<std::string> Misses(const Result& result, const Limits& limits) {
-    std::vector<std::string> misses;
-    const auto check = [&](const char* name, double value, double limit) {
-        if (!(std::abs(value) <= limit)) {  // true for not-a-number as well
-            misses.push_back(
-                fmt::format("{} is off by {:.2e}, at most {:.2e} wanted", name, value, limit));
-        }
-    };
-    check("Cd", result.cd / dragCoefficient - 1.0, limits.cd);
-    check("pressure difference", result.dp / pressureDifference - 1.0, limits.dp);
+    LimitCheck check;
+    check.Magnitude("Cd deviates by", result.cd / dragCoefficient - 1.0, limits.cd);
+    check.Magnitude("the pressure difference deviates by", result.dp / pressureDifference - 1.0,
+                    limits.dp);
     if (limits.cl) {
-        check("Cl", result.cl / liftCoefficient - 1.0, *limits.cl);
+        check.Magnitude("Cl deviates by", result.cl / liftCoefficient - 1.0, *limits.cl);
     }
     if (limits.massDefect) {
-        check("mass balance", result.massDefect, *limits.massDefect);
+        check.Magnitude("the mass defect is", result.massDefect, *limits.massDefect);
     }
-    if (limits.iterations && result.iterations > *limits.iterations) {
-        misses.push_back(
-            fmt::format("{} iterations, at most {} wanted", result.iterations, *limits.iterations));
+    if (limits.iterations) {
+        check.AtMost("iterations", result.iterations, *limits.iterations);
     }
-    return misses;
+    return check.Misses();
 }
 
 }  // namespace host::benchmark2d1

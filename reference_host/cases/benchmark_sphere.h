@@ -13,11 +13,11 @@ namespace host {
 
 /// Steady laminar flow around a sphere in an unbounded uniform stream at Reynolds number 100.
 ///
-/// Lengths are in sphere diameters and velocities in those of the stream. The sphere stands in the
-/// origin, the stream runs along x. Behind the sphere the flow runs back, inside a closed ring
-/// vortex that is steady and axisymmetric up to a Reynolds number of about 210.
+/// Lengths are in sphere diameters and velocities in those of the stream. The center of the sphere
+/// is the origin and the stream runs along x. Behind the sphere is a closed ring vortex with
+/// reversed flow on the axis; it is steady and axisymmetric up to a Reynolds number of about 210.
 ///
-/// The drag lies between two correlations of experiments: 1.087 by R. Clift, J. R. Grace, M. E.
+/// Sources. Drag, between two correlations of experiments: 1.087 by R. Clift, J. R. Grace, M. E.
 /// Weber, Bubbles, Drops, and Particles, Academic Press 1978, table 5.2: 24 / Re (1 + 0.1935
 /// Re^0.6305), and 1.092 by L. Schiller, A. Naumann, Z. Ver. Dtsch. Ing. 77 (1933) 318-320: 24 / Re
 /// (1 + 0.15 Re^0.687). Length of the vortex: T. A. Johnson, V. C. Patel, J. Fluid Mech. 378 (1999)
@@ -29,50 +29,51 @@ constexpr double viscosity = 1.0 / 100.0;
 constexpr double dragCoefficient = 1.09;
 constexpr double recirculationLength = 0.88;
 
-/// The stream: uniform, 1 along x. Also the velocity of the box's side walls.
+/// Velocity of the uniform stream: 1 along x. The side walls of the box move with it.
 Vec3 Stream();
 
 struct Result {
     double cd = 0.0;             ///< Fx / (1/2 pi/4)
-    double sideForce = 0.0;      ///< the same of the force across the stream; 0 by symmetry
+    double sideForce = 0.0;      ///< coefficient of the force across the stream; 0 by symmetry
     double recirculation = 0.0;  ///< from the rear of the sphere to where u changes sign
-    double massDefect = 0.0;
+    double massDefect = 0.0;     ///< (outflow - inflow) / inflow
     int iterations = 0;
 };
 
-/// Drag coefficient and side force coefficient of the flow as it stands.
+/// Force coefficients of the present flow: drag and the two components of the side force.
 Vec3 ForceCoefficient(const FlowSolver& flow);
 
-/// Velocity along x on the axis behind the sphere, from the rear to `end`, by quadratic fits in
-/// whichever grid has the nearest active cell.
+/// A point of the axis behind the sphere and the velocity along x there.
 struct AxisPoint {
     double x = 0.0;
     double u = 0.0;
 };
+/// Points from the rear of the sphere to x = `end`. The velocity is a quadratic fit in the grid
+/// that has the nearest active cell.
 std::vector<AxisPoint> WakeAxis(const FlowSolver& flow, double end, double step);
 
 /// Distance from the rear at x = 1/2 to the first change of u from negative to positive, by linear
-/// interpolation; 0 if nothing runs back.
+/// interpolation; 0 if there is no reversed flow that ends.
 double RecirculationLength(const std::vector<AxisPoint>& axis);
 
-/// All figures of the flow as it stands.
+/// All figures of the present flow, without the iterations.
 Result Measure(const FlowSolver& flow);
 
-/// Largest relative deviations from the published values.
+/// Largest relative deviations from the published values, and largest magnitudes.
 struct Limits {
     double cd = 0.0;
     double recirculation = 0.0;
-    double sideForce = 0.0;   ///< magnitude
-    double massDefect = 0.0;  ///< magnitude
+    double sideForce = 0.0;   ///< coefficient
+    double massDefect = 0.0;  ///< relative to the inflow
 };
 
-/// The limits for a scheme on sphere_overset.geo with n cells a diameter; none for other
-/// combinations.
+/// The limits for a scheme on sphere_overset.geo with n background cells per diameter; none for
+/// other combinations.
 std::optional<Limits> LimitsOf(Scheme scheme, int n);
-/// What there are limits for, for messages.
+/// The combinations that have limits, for messages.
 constexpr char checkable[] = "lud at n = 5, 7 and 10";
 
-/// What misses the limits, one sentence each.
+/// The figures that are outside their limits, one sentence each.
 std::vector<std::string> Misses(const Result& result, const Limits& limits);
 
 }  // namespace benchmarksphere

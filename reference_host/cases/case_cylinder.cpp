@@ -5,99 +5,103 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "reference_host/link/body.h"
-#include "reference_host/link/donor_table.h"
 #include "reference_host/mesh/cell_size.h"
-#include "reference_host/run/flow_run.h"
+#include "reference_host/run/comparison.h"
 
 namespace host {
 
 namespace {
 
-/// The published values hold for this run.
-bool IsPublished(const CylinderCase& run) {
-    return run.reynolds == benchmark2d1::reynolds;
-}
+class Cylinder : public FlowProblem {
+public:
+    explicit Cylinder(const CylinderCase& run_) : run(run_) {}
 
-FlowSettings CylinderFlow(const CylinderCase& run, const Mesh& mesh) {
-    FlowSettings settings;
-    settings.inlet = benchmark2d1::Inflow(mesh);
-    settings.mu = 1.0 / run.reynolds;
-    settings.scheme = run.scheme;
-    settings.momentumSolver = run.matrixSolver;
-    settings.pressureSolver = run.pressureSolver.value_or(run.matrixSolver);
-    settings.relaxation = run.relaxation.value_or(DefaultRelaxation(CellsPerUnit(mesh)));
-    return settings;
-}
+    std::string Body() const override { return "cylinder"; }
 
-FlowRunSettings RunSettings(const CylinderCase& run) {
-    FlowRunSettings settings;
-    settings.name = "cylinder";
-    settings.outputDir = run.outputDir;
-    settings.stepsEvery = run.stepsEvery;
-    settings.maxIterations = run.maxIterations;
-    return settings;
-}
-
-/// The limits to check against.
-std::optional<benchmark2d1::Limits> WantedLimits(const CylinderCase& run, const Mesh& mesh) {
-    if (!run.check) {
-        return std::nullopt;
+    void Require(const Mesh& mesh) override {
+        if (!run.check) {
+            return;
+        }
+        const int n = CellsPerUnit(mesh);
+        limits = benchmark2d1::LimitsOf(run.scheme, n);
+        if (!limits || !IsPublished()) {
+            throw std::runtime_error(fmt::format(
+                "check: there are limits for {} at Reynolds number {:g}, but not for {} at n = {} "
+                "and Reynolds number {:g}",
+                benchmark2d1::checkable, benchmark2d1::reynolds, Name(run.scheme), n,
+                run.reynolds));
+        }
     }
-    const int n = CellsPerUnit(mesh);
-    const auto limits = benchmark2d1::LimitsOf(run.scheme, n);
-    if (!limits || !IsPublished(run)) {
-        throw std::runtime_error(fmt::format(
-            "--check has limits for {} at Reynolds number {:g}, not for {} at n = {} "
-            "and Reynolds number {:g}",
-            benchmark2d1::checkable, benchmark2d1::reynolds, Name(run.scheme), n, run.reynolds));
-    }
-    return limits;
-}
 
-void PrintTable(const CylinderCase& run, const Mesh& mesh, const benchmark2d1::Result& result) {
-    const bool published = IsPublished(run);
-    std::cout << fmt::format("Benchmark 2D-1, {} at {} cells a diameter, {} cells:\n",
-                             Name(run.scheme), CellsPerUnit(mesh), mesh.CellCount());
-    if (published) {
-        PrintComparisonHead();
-    } else {
-        std::cout << fmt::format("  Reynolds number {:g}: nothing published to compare with\n",
-                                 run.reynolds);
+    FlowSettings Flow(const Mesh& mesh) const override {
+        FlowSettings settings;
+        settings.inlet = benchmark2d1::Inflow(mesh);
+        settings.mu = 1.0 / run.reynolds;
+        return settings;
     }
-    const auto reference = [published](double value) {
-        return published ? std::optional<double>(value) : std::nullopt;
-    };
-    PrintComparison("Cd", result.cd, reference(benchmark2d1::dragCoefficient));
-    PrintComparison("Cl", result.cl, reference(benchmark2d1::liftCoefficient));
-    PrintComparison("pressure difference", result.dp, reference(benchmark2d1::pressureDifference));
-}
+
+    double ConvergedChange() const override { return 1e-7; }
+
+    ForceCoefficients Coefficients(const FlowSolver& flow) const override {
+        const benchmark2d1::Result now = benchmark2d1::Measure(flow);
+        return {now.cd, now.cl};
+    }
+
+    void Report(const FlowRun& flowRun, const Mesh& mesh) override {
+        result = benchmark2d1::Measure(flowRun.Flow());
+        result.iterations = flowRun.IterationCount();
+        PrintTable(mesh);
+    }
+
+    std::vector<std::string> Misses() const override {
+        return benchmark2d1::Misses(result, *limits);
+    }
+
+private:
+    /// True if the published values hold for this run.
+    bool IsPublished() const { return run.reynolds == benchmark2d1::reynolds; }
+
+    void PrintTable(const Mesh& mesh) const {
+        std::cout << fmt::format("Benchmark 2D-1, {} at {} cells a diameter, {} cells:\n",
+                                 Name(run.scheme), CellsPerUnit(mesh), mesh.CellCount());
+        if (IsPublished()) {
+            PrintComparisonHead();
+        } else {
+            std::cout << fmt::format("  Reynolds number {:g}: nothing published to compare with\n",
+                                     run.reynolds);
+        }
+        const auto print = [this](const char* name, double value, double published) {
+            PrintComparison(name, value,
+                            IsPublished() ? std::optional<double>(published) : std::nullopt);
+        };
+        print("Cd", result.cd, benchmark2d1::dragCoefficient);
+        print("Cl", result.cl, benchmark2d1::liftCoefficient);
+        print("pressure difference", result.dp, benchmark2d1::pressureDifference);
+    }
+
+    const CylinderCase& run;
+    std::optional<benchmark2d1::Limits> limits;  // only if they are to be checked
+    benchmark2d1::Result result;
+};
 
 }  // namespace
 
+CylinderCase::CylinderCase() {
+    meshFile = ShippedMesh("channel_cylinder_overset.geo");
+    outputDir = "cylinder_results";
+}
+
+CaseOptions OptionsOf(CylinderCase& run) {
+    std::vector<Option> list = FlowOptions(run);
+    list.push_back(NumberOption({"physics.reynolds", "--reynolds",
+                                 "Reynolds number; the published values and the limits are for 20"},
+                                run.reynolds, Range::AboveZero()));
+    return {run.meshFile, run.parameters, std::move(list)};
+}
+
 int RunCylinder(const CylinderCase& run) {
-    PrepareOutputDirectory(run.outputDir);
-    const Mesh mesh = ReadGrids(run.meshFile, run.parameters);
-    const auto limits = WantedLimits(run, mesh);
-    HostObjects objects(mesh, run.outputDir);
-    OversetLink link(mesh, objects);
-    RequireBody(mesh, link, run.meshFile, "cylinder");
-    WriteDonorTable(mesh, link, run.outputDir);
-    FlowRun cylinder(mesh, objects, link, CylinderFlow(run, mesh), RunSettings(run),
-                     [](const FlowSolver& flow) -> ForceCoefficients {
-                         const benchmark2d1::Result now = benchmark2d1::Measure(flow);
-                         return {now.cd, now.cl};
-                     });
-    const FlowRun::End end = cylinder.Run();
-    benchmark2d1::Result result = benchmark2d1::Measure(cylinder.Flow());
-    result.iterations = cylinder.IterationCount();
-    PrintTable(run, mesh, result);
-    cylinder.PrintEffort();
-    const int code = cylinder.PrintEnd(end);
-    if (code != 0 || !limits) {
-        return code;
-    }
-    return ReportLimitMisses(benchmark2d1::Misses(result, *limits));
+    Cylinder cylinder(run);
+    return RunFlow(run, cylinder);
 }
 
 }  // namespace host

@@ -3,23 +3,26 @@
 
 #include <string>
 
-#include "reference_host/mesh/mesh_reader.h"
+#include "reference_host/cases/case_options.h"
 
 namespace host {
 
-/// What the toolbox sees of a mesh, as text: what `reference_host dump` was asked for.
+/// Prints what the toolbox sees of a mesh, to compare two hosts of one mesh or two builds.
 ///
-/// Everything it linked (counts, ids, centres, volumes, area vectors, pairs), before any donor is
-/// written, then on an overset mesh what the cutting prints and the report on grids and groups.
-/// For comparing two hosts of one mesh, or two builds.
+/// First everything that the toolbox linked (counts, ids, centers, volumes, area vectors, pairs),
+/// before any donor is written; then, on an overset mesh, what the toolbox prints while it cuts
+/// and its report on grids and groups.
 ///
-///     reference_host dump --mesh channel_cylinder_overset.geo --set n=5
+///     reference_host dump mesh.file=channel_cylinder_overset.geo parameters.n=5
+///     reference_host dump cases/cylinder.toml
 struct DumpCase {
     std::string meshFile;
-    MeshParameters parameters;  ///< numbers for a .geo
+    MeshParameters parameters;  ///< values of variables of a .geo
 };
 
-/// Prints both on standard output.
+CaseOptions OptionsOf(DumpCase& run);
+
+/// Prints both parts on standard output.
 /// @return 0, the exit code
 /// @throws std::runtime_error  one line: bad mesh
 int RunDump(const DumpCase& run);

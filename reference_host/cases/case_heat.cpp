@@ -6,6 +6,7 @@
 #include <iostream>
 #include <stdexcept>
 
+#include "reference_host/cases/common_options.h"
 #include "reference_host/link/body.h"
 #include "reference_host/link/donor_table.h"
 #include "reference_host/run/interrupt.h"
@@ -17,9 +18,9 @@ namespace host {
 namespace {
 
 constexpr double reduction = 1e-10;  // of the true residual, in every step
-constexpr double stepGrowth = 1.5;   // the field slows down as it spreads
+constexpr double stepGrowth = 1.5;   // the temperature changes more slowly as it spreads
 
-/// Body 1, inlet and other walls 0, nothing through the outlet.
+/// Temperature 1 on the body, 0 on inlet and other walls, no heat through the outlet.
 BoundaryConditions HeatConditions(const Mesh& mesh, const OversetLink& link) {
     return {mesh, link, [&](Boundary kind, int face) -> GhostCondition {
                 if (kind == Boundary::Outlet) {
@@ -27,15 +28,6 @@ BoundaryConditions HeatConditions(const Mesh& mesh, const OversetLink& link) {
                 }
                 return {GhostCondition::Kind::Value, IsBody(mesh, link, kind, face) ? 1.0 : 0.0};
             }};
-}
-
-void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile) {
-    if (!BodyFaces(mesh, link).empty()) {
-        return;
-    }
-    throw std::runtime_error(meshFile +
-                             ": nothing to heat: no face of the group \"wall\" lies beside " +
-                             (link.IsOverset() ? "a component" : "the grid"));
 }
 
 std::string StatusLine(double time, const SolveReport& solve, const HeatBalance& balance) {
@@ -61,7 +53,7 @@ struct MarchEnd {
     bool interrupted = false;
 };
 
-/// Time steps, then the steady state; every one of them is published.
+/// Makes the time steps, then solves the steady state, and publishes each of them.
 MarchEnd March(const HeatCase& run, HeatProblem& heat, ResultSeries& results) {
     const Interrupt interrupt;
     Progress progress("heat", run.steps + 1, std::cout, StandardOutputIsTerminal());
@@ -122,13 +114,18 @@ HeatBalance HeatProblem::Balance() const {
         balance.inlet += conductedOut(Boundary::Inlet, face);
     }
     for (int face = 1; face <= mesh.FaceCount(Boundary::Wall); ++face) {
-        if (IsBody(mesh, builder.link, Boundary::Wall, face)) {
-            balance.body -= conductedOut(Boundary::Wall, face);
-        } else if (mesh.Faces(Boundary::Wall)[face].oversetGroup == 0) {
-            balance.walls += conductedOut(Boundary::Wall, face);
+        switch (RoleOf(mesh, builder.link, face)) {
+            case WallRole::Body:
+                balance.body -= conductedOut(Boundary::Wall, face);
+                break;
+            case WallRole::Other:
+                balance.walls += conductedOut(Boundary::Wall, face);
+                break;
+            case WallRole::Overset:
+                break;
         }
     }
-    // Nothing through the outlet: its coefficient is zero in the matrix too.
+    // The outlet stays 0: its coefficient is 0 in the matrix as well.
     const double depth = mesh.IsQuasi2d() ? mesh.Depth() : 1.0;
     for (double* part : {&balance.body, &balance.inlet, &balance.walls}) {
         *part /= depth;
@@ -136,12 +133,25 @@ HeatBalance HeatProblem::Balance() const {
     return balance;
 }
 
+CaseOptions OptionsOf(HeatCase& run) {
+    return {run.meshFile,
+            run.parameters,
+            {
+                IntegerOption({"solver.steps", "--steps", "time steps before the steady state"},
+                              run.steps, Range::Between(0, 10000)),
+                NumberOption({"solver.first_step", "--first-step", "size of the first time step"},
+                             run.firstStep, Range::Between(1e-9, 1e3)),
+                SolverOption(run.matrixSolver),
+                OutputOption(run.outputDir),
+            }};
+}
+
 int RunHeat(const HeatCase& run) {
     PrepareOutputDirectory(run.outputDir);
     const Mesh mesh = ReadGrids(run.meshFile, run.parameters);
     HostObjects objects(mesh, run.outputDir);
     OversetLink link(mesh, objects);
-    RequireBody(mesh, link, run.meshFile);
+    RequireBody(mesh, link, run.meshFile, "nothing to heat");
     WriteDonorTable(mesh, link, run.outputDir);
     HeatProblem heat(mesh, objects, link, run.matrixSolver);
     ResultSeries results(mesh, objects, link, run.outputDir, "Temperature", "HeatFlux");
@@ -155,12 +165,13 @@ int RunHeat(const HeatCase& run) {
                                    : "\n");
     if (end.interrupted) {
         std::cout << fmt::format(
-            "Interrupted at t = {:.4g}: the results up to there are complete.\n", end.time);
+            "Interrupted at t = {:.4g}: the results up to this time are complete.\n", end.time);
         return Interrupt::exitCode;
     }
     if (!end.solve.Converged()) {
         throw std::runtime_error(
-            fmt::format("{}: the steady state stopped at residual {:.1e}, wanted {:.1e}",
+            fmt::format("{}: the steady state did not converge: residual {:.1e}, the target is "
+                        "{:.1e}",
                         run.meshFile, end.solve.finalResidual, end.solve.target));
     }
     return 0;

@@ -4,57 +4,60 @@
 #include <string>
 #include <vector>
 
+#include "reference_host/cases/case_options.h"
 #include "reference_host/discretisation/boundary_conditions.h"
-#include "reference_host/mesh/mesh_reader.h"
 #include "reference_host/physics/scalar_solver.h"
 
 namespace host {
 
-/// Heat conduction around a hot body: what `reference_host heat` was asked for.
+/// Heat conduction around a hot body.
 ///
-/// The body (the physical walls beside a component; on a single grid all walls) is at 1, inlet and
-/// the other walls at 0, the outlet lets no heat through. Conductivity and heat capacity are 1, so
-/// time is in body diameters squared over the diffusivity. From a cold start the field is followed
-/// with implicit Euler steps that grow by half, then the steady state is solved directly.
+/// The temperature is 1 on the body (see body.h), 0 on the inlet and on the other walls; no heat
+/// passes through the outlet. Conductivity and heat capacity are 1, so the unit of time is the
+/// square of the body's diameter over the diffusivity. From a cold start the field is computed with
+/// implicit Euler steps, each half as long again as the one before, then the steady state is solved
+/// directly.
 ///
-///     reference_host heat --mesh channel_cylinder_overset.geo --set n=10 --output heat_results
+///     reference_host heat mesh.file=channel_cylinder_overset.geo parameters.n=10
 ///
-/// Expected there: the cylinder gives off 4.03 per unit time and depth, as a line source between
-/// cold walls and before a cold inlet does.
+/// Expected there: the heat from the cylinder is 4.03 per unit time and depth, the value of a line
+/// source between cold walls and downstream of a cold inlet.
 struct HeatCase {
     std::string meshFile;
-    MeshParameters parameters;  ///< numbers for a .geo
+    MeshParameters parameters;  ///< values of variables of a .geo
     std::string outputDir = "heat_results";
     int steps = 12;           ///< time steps before the steady state
-    double firstStep = 0.01;  ///< size of the first, in diameters^2 / diffusivity
+    double firstStep = 0.01;  ///< size of the first time step [diameter^2 / diffusivity]
     MatrixSolver matrixSolver = MatrixSolver::Bicgstab;
 };
 
-/// Heat conducted out of the domain per unit time through each kind of face; on a one-cell-thick
-/// mesh also per unit depth.
+CaseOptions OptionsOf(HeatCase& run);
+
+/// Heat conducted per unit time through each part of the boundary; on a one-cell-thick mesh also
+/// per unit depth.
 struct HeatBalance {
-    double body = 0.0;  ///< into the domain from the body: the one that counts positive inwards
-    double inlet = 0.0;
+    double body = 0.0;   ///< from the body into the domain
+    double inlet = 0.0;  ///< out of the domain, as all that follow
     double outlet = 0.0;
     double walls = 0.0;  ///< physical walls other than the body
     double Out() const { return inlet + outlet + walls; }
-    /// (in - out) / in: on an overset mesh the interpolation error of the interface.
+    /// (in - out) / in. On an overset mesh this is the interpolation error at the interface.
     double Defect() const { return (body - Out()) / body; }
 };
 
-/// The case on its mesh, with the temperature it works on; cold at the start.
+/// The temperature field on a mesh, 0 in the beginning.
 class HeatProblem {
 public:
     /// Borrows its arguments.
     HeatProblem(const Mesh& mesh, HostObjects& objects, const OversetLink& link,
                 MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
 
-    /// One implicit Euler step; a step of 0 solves the steady state.
+    /// Makes one implicit Euler step; a step of 0 solves the steady state.
     SolveReport Advance(double step);
-    /// Puts the temperature where the output takes the pressure, the heat flux -grad T where it
-    /// takes the velocity.
+    /// Copies the temperature into the host's pressure and the heat flux -grad T into its velocity:
+    /// these are the arrays that the toolbox writes.
     void Publish();
-    /// Sums the conducted heat over the boundary.
+    /// Integrates the conducted heat over the boundary.
     HeatBalance Balance() const;
 
 private:
@@ -65,10 +68,10 @@ private:
     std::vector<double> temperature;  // entries 1..NcAll
 };
 
-/// Runs the case and prints where the results are.
-/// @return the exit code: 0, or Interrupt::exitCode after Ctrl-C, with the steps so far complete
+/// Runs the case, prints the heat balance and where the results are.
+/// @return 0; Interrupt::exitCode after Ctrl-C, with complete results up to there
 /// @throws std::runtime_error  one line: bad mesh, no body, output directory not writable, steady
-///         state not solved
+///         state not converged
 int RunHeat(const HeatCase& run);
 
 }  // namespace host

@@ -5,87 +5,36 @@
 #include <string>
 #include <vector>
 
-#include "reference_host/mesh/mesh_reader.h"
-#include "reference_host/physics/manufactured.h"
-#include "reference_host/physics/scalar_solver.h"
+#include "reference_host/cases/common_options.h"
+#include "reference_host/cases/order_study.h"
 
 namespace host {
 
-/// Order study with a manufactured solution: what `reference_host mms` was asked for.
+/// Order study (see order_study.h) of each scheme on each kind of mesh.
 ///
-/// phi = sin(1.3 x + 0.3) cos(1.3 y - 0.2) + 0.2 x, in three dimensions the product times
-/// cos(pi z / thickness), carried by the velocity (1, 0.6, 0), Dirichlet values on inlet, outlet
-/// and physical walls. Each scheme is run on each kind of mesh at each size.
-///
-/// Source of the method: P. J. Roache, Code verification by the method of manufactured solutions,
-/// J. Fluids Eng. 124 (2002) 4-10, doi:10.1115/1.1436090.
+///     reference_host mms study.kind=0 study.n=10,20 schemes.transport=all check=true
 struct MmsCase {
-    std::string meshFile;
-    MeshParameters parameters;          ///< further numbers for the .geo
-    std::vector<int> kinds = {1, 0};    ///< values of the .geo's `kind`; empty: it has none
-    std::vector<int> sizes = {10, 20};  ///< values of the .geo's `n`, cells per unit length
+    std::string meshFile = ShippedMesh("box_annulus_overset.geo");
+    MeshParameters parameters;          ///< further variables of the .geo
+    std::vector<int> kinds = {1, 0};    ///< values of its variable `kind`; empty: it has none
+    std::vector<int> sizes = {10, 20};  ///< values of its variable `n`: cells per unit length
     std::vector<Scheme> schemes = {Scheme::Diffusion};
-    std::optional<double> mu;  ///< default 1 for pure diffusion, else 0.01
+    std::optional<double> mu;  ///< diffusion coefficient; by default that of DefaultMu()
     MatrixSolver matrixSolver = MatrixSolver::Bicgstab;
-    std::optional<double> depth;  ///< thickness of the mesh: sets the .geo's `nz` to depth * n
-    bool check = false;           ///< compare with the limits
-    std::string outputDir;        ///< a result series per mesh, one step a scheme; empty: none
+    std::optional<double> depth;  ///< thickness of the mesh: sets the variable `nz` to depth * n
+    bool check = false;           ///< compare the figures with their limits
+    std::string outputDir;        ///< a result series per mesh, one step per scheme; empty: none
 };
 
-/// Errors of one run, over all active cells and over each grid.
-struct MmsLevel {
-    int size = 0;
-    int activeCells = 0;
-    ErrorNorms all;
-    std::vector<ErrorNorms> byGrid;  ///< entry g - 1 for cavity g; one grid: empty
-    SolveReport solve;
-};
+CaseOptions OptionsOf(MmsCase& run);
 
-/// Orders and largest L2 error that a scheme must reach.
-struct MmsLimits {
-    double orderL2 = 0.0;
-    double orderMax = 0.0;
-    std::optional<double> l2;  ///< absolute, for the size it is asked for
-};
-
-/// Limits for the plane wave on box_annulus_overset.geo: orders between the two finest levels, and
-/// 1.25 times the L2 error that this discretisation was measured with at n = 20 on kinds 0 and 1.
-MmsLimits LimitsOf(Scheme scheme, std::optional<int> kind, int size);
-
-/// Order of an error between a coarse and a fine level.
-double Order(double coarseError, double fineError, int coarseSize, int fineSize);
-
-/// One scheme on one kind of mesh, coarse to fine.
-struct MmsStudy {
-    Scheme scheme;
-    std::optional<int> kind;
-    std::vector<MmsLevel> levels;
-    bool isPlane = true;  ///< of the plane wave, which the error limits were measured with
-};
-
-/// What misses the limits, one sentence each: orders between the two finest levels, errors on all.
-std::vector<std::string> Misses(const MmsStudy& study);
-
-/// Diffusion coefficient of a study that names none: 1 for pure diffusion, else 0.01.
-double DefaultMu(Scheme scheme);
-
-/// @throws std::runtime_error  "<what>: residual ...", if the solve missed its target
-void RequireConverged(const SolveReport& solve, const std::string& what);
-
-/// Prints errors and orders of all levels on standard output.
-void PrintTable(const std::vector<MmsStudy>& studies);
-
-/// Prints what misses the limits on standard error and the verdict on standard output.
-/// @return 0, or 1 if anything misses
-int ReportMisses(const std::vector<MmsStudy>& studies);
-
-/// Runs all schemes on one kind of mesh at all sizes; each mesh is made and cut once.
-/// @param kind  value of the .geo's `kind`; none: the file has no such number
-std::vector<MmsStudy> RunKind(const MmsCase& run, std::optional<int> kind);
+/// Runs all schemes on one kind of mesh at all sizes; each mesh is read and cut once.
+/// @param kind  value of the variable `kind` of the .geo; none: it has no such variable
+std::vector<OrderStudy> RunKind(const MmsCase& run, std::optional<int> kind);
 
 /// Runs the study and prints its table.
-/// @return 0; 1 if a checked limit is missed
-/// @throws std::runtime_error  one line: bad mesh, output directory not writable, run not converged
+/// @return 0; 1 if a checked figure is outside its limits
+/// @throws std::runtime_error  one line: bad mesh, output directory not writable, not converged
 int RunMms(const MmsCase& run);
 
 }  // namespace host

@@ -8,15 +8,18 @@
 #include <utility>
 
 #include "nonmatching/art_nonmatching_tools.h"
+#include "reference_host/cases/order_study.h"
 #include "reference_host/mesh/mesh_geometry.h"
-#include "reference_host/run/result_series.h"
+#include "reference_host/run/comparison.h"
 
 namespace host {
 
 namespace {
 
-const Vec3 carrier(1.0, 0.6, 0.0);
+const Choices<WholeFaces> wholeFaces = {
+    {"none", WholeFaces::None}, {"block0", WholeFaces::Block0}, {"block1", WholeFaces::Block1}};
 
+/// Creates the directory for the results of one mesh.
 std::string PrepareLevel(const NonmatchingCase& run, std::size_t level) {
     const auto directory =
         std::filesystem::path(run.outputDir) / fmt::format("n{}_m{}", run.n[level], run.m[level]);
@@ -24,30 +27,8 @@ std::string PrepareLevel(const NonmatchingCase& run, std::size_t level) {
     return directory.string();
 }
 
-/// One scheme on one mesh; the solution becomes the next step of the series, with its error as the
-/// vector's x component.
-MmsLevel SolveOn(BlockPair& pair, const NonmatchingCase& run, Scheme scheme, int size, int step,
-                 ResultSeries& series) {
-    const AnalyticField exact = WaveFor(pair.mesh);
-    const ManufacturedRun result =
-        SolveManufactured(pair.mesh, pair.objects, pair.link, scheme, exact, DefaultMu(scheme),
-                          carrier, run.matrixSolver);
-    RequireConverged(result.solve, fmt::format("{}, n = {}, {}", run.meshFile, size, Name(scheme)));
-    for (int cell = 1; cell <= pair.mesh.CellCount(); ++cell) {
-        pair.objects.pressure[cell] = result.phi[cell];
-        pair.objects.u[cell] = result.phi[cell] - exact.value(pair.mesh.cellCentre[cell]);
-    }
-    series.Write(step, step);
-    MmsLevel level;
-    level.size = size;
-    level.activeCells = pair.mesh.CellCount();
-    level.all = Errors(pair.mesh, pair.link, result.phi, exact);
-    level.solve = result.solve;
-    return level;
-}
-
-/// Appends one level to each study.
-void RunLevel(const NonmatchingCase& run, std::size_t level, std::vector<MmsStudy>& studies) {
+/// Appends the errors on one mesh to each study.
+void RunLevel(const NonmatchingCase& run, std::size_t level, std::vector<OrderStudy>& studies) {
     const std::string directory = PrepareLevel(run, level);
     MeshParameters parameters = run.parameters;
     parameters["n"] = run.n[level];
@@ -57,13 +38,16 @@ void RunLevel(const NonmatchingCase& run, std::size_t level, std::vector<MmsStud
     std::cout << fmt::format(
         "n = {}, m = {}: {} interface faces of block0, {} of block1; cells closed to {:.1e}\n",
         run.n[level], run.m[level], pair.sideCounts[0], pair.sideCounts[1], LargestGap(pair.mesh));
-    // In a directory of its own, since the merge into a .pvd would take the pictures in.
+    // The merge into a .pvd takes every record of its directory, so the solution has one without
+    // the records of the pictures.
     const std::string solution = (std::filesystem::path(directory) / "solution").string();
     PrepareOutputDirectory(solution);
     ResultSeries series(pair.mesh, pair.objects, pair.link, solution, "Solution", "Error");
-    int step = 0;
-    for (MmsStudy& study : studies) {
-        study.levels.push_back(SolveOn(pair, run, study.scheme, run.n[level], ++step, series));
+    LevelSolver solver(pair.mesh, pair.objects, pair.link, run.n[level],
+                       fmt::format("{}, n = {}", run.meshFile, run.n[level]), &series);
+    for (OrderStudy& study : studies) {
+        study.levels.push_back(
+            solver.Solve(study.scheme, DefaultMu(study.scheme), run.matrixSolver));
     }
     series.Finish();
 }
@@ -89,12 +73,42 @@ void BlockPair::Settle() {
     TakeAreas(objects, mesh);
 }
 
+CaseOptions OptionsOf(NonmatchingCase& run) {
+    const Range cells = Range::Between(1, 1000);
+    CaseOptions options(
+        run.meshFile, run.parameters,
+        {
+            IntegersOption({"study.n", "--n",
+                            "values of the variable n of the .geo: cells of block0 per unit "
+                            "length, coarse to fine"},
+                           run.n, cells),
+            IntegersOption({"study.m", "--m",
+                            "values of the variable m of the .geo: cells of block1 per unit "
+                            "length, one for each n"},
+                           run.m, cells),
+            ChoiceOption<WholeFaces>(
+                {"study.whole", "--whole", "block whose interface faces are not cut"}, run.whole,
+                wholeFaces, "none"),
+            SchemesOption(run.schemes),
+            SolverOption(run.matrixSolver),
+            OutputOption(run.outputDir),
+            CheckOption(run.check),
+        });
+    options.settle = [](const CaseOptions& given) {
+        given.RefuseParameter("n", "study.n");
+        given.RefuseParameter("m", "study.m");
+    };
+    return options;
+}
+
 int RunNonmatching(const NonmatchingCase& run) {
     if (run.n.size() != run.m.size()) {
-        throw std::runtime_error(fmt::format(
-            "--n has {} values and --m has {}: give one m for each n", run.n.size(), run.m.size()));
+        throw std::runtime_error(
+            fmt::format("study.n (--n) has {} values and study.m (--m) has {}: give one m for "
+                        "each n",
+                        run.n.size(), run.m.size()));
     }
-    std::vector<MmsStudy> studies;
+    std::vector<OrderStudy> studies;
     for (const Scheme scheme : run.schemes) {
         studies.push_back({scheme, std::nullopt, {}});
     }
@@ -105,7 +119,7 @@ int RunNonmatching(const NonmatchingCase& run) {
     std::cout << "Results: " << run.outputDir
               << ", a directory per mesh: the interface before and after, and in solution/ a "
                  "series with one step a scheme\n";
-    return run.check ? ReportMisses(studies) : 0;
+    return run.check ? ReportMisses(Misses(studies)) : 0;
 }
 
 }  // namespace host

@@ -8,56 +8,12 @@
 #include <stdexcept>
 
 #include "reference_host/cases/benchmark_sphere.h"
-#include "reference_host/link/body.h"
-#include "reference_host/link/donor_table.h"
 #include "reference_host/mesh/cell_size.h"
-#include "reference_host/run/flow_run.h"
+#include "reference_host/run/comparison.h"
 
 namespace host {
 
 namespace {
-
-FlowSettings SphereFlow(const SphereCase& run, const Mesh& mesh) {
-    FlowSettings settings;
-    settings.inlet = [](const Vec3&) { return benchmarksphere::Stream(); };
-    settings.farWalls = benchmarksphere::Stream();
-    settings.mu = benchmarksphere::viscosity;
-    settings.scheme = run.scheme;
-    settings.momentumSolver = run.matrixSolver;
-    settings.pressureSolver = run.pressureSolver.value_or(run.matrixSolver);
-    settings.relaxation = run.relaxation.value_or(DefaultRelaxation(CellsPerUnit(mesh)));
-    return settings;
-}
-
-FlowRunSettings RunSettings(const SphereCase& run) {
-    FlowRunSettings settings;
-    settings.name = "sphere";
-    settings.outputDir = run.outputDir;
-    settings.stepsEvery = run.stepsEvery;
-    settings.maxIterations = run.maxIterations;
-    settings.convergedChange = 1e-6;  // the drag moves by less than 1e-5 from there on
-    return settings;
-}
-
-std::optional<benchmarksphere::Limits> WantedLimits(const SphereCase& run, const Mesh& mesh) {
-    if (!run.check) {
-        return std::nullopt;
-    }
-    const int n = CellsPerUnit(mesh);
-    const auto limits = benchmarksphere::LimitsOf(run.scheme, n);
-    if (!limits) {
-        throw std::runtime_error(fmt::format("--check has limits for {}, not for {} at n = {}",
-                                             benchmarksphere::checkable, Name(run.scheme), n));
-    }
-    return limits;
-}
-
-void RequireSphere(const Mesh& mesh, const OversetLink& link, const std::string& meshFile) {
-    if (mesh.IsQuasi2d()) {
-        throw std::runtime_error(meshFile + ": one cell thick: a sphere needs three dimensions");
-    }
-    RequireBody(mesh, link, meshFile, "sphere");
-}
 
 void WriteWakeAxis(const FlowSolver& flow, const std::string& directory) {
     const std::string path = (std::filesystem::path(directory) / "wake_axis.csv").string();
@@ -71,43 +27,88 @@ void WriteWakeAxis(const FlowSolver& flow, const std::string& directory) {
     }
 }
 
-void PrintTable(const SphereCase& run, const Mesh& mesh, const benchmarksphere::Result& result) {
-    std::cout << fmt::format(
-        "Sphere at Reynolds number 100, {} at {} background cells a "
-        "diameter, {} cells:\n",
-        Name(run.scheme), CellsPerUnit(mesh), mesh.CellCount());
-    PrintComparisonHead();
-    PrintComparison("Cd", result.cd, benchmarksphere::dragCoefficient);
-    PrintComparison("recirculation length", result.recirculation,
-                    benchmarksphere::recirculationLength);
-    std::cout << fmt::format("  {:<20} {:15.2e}\n", "side force", result.sideForce);
-}
+class Sphere : public FlowProblem {
+public:
+    explicit Sphere(const SphereCase& run_) : run(run_) {}
+
+    std::string Body() const override { return "sphere"; }
+
+    void Require(const Mesh& mesh) override {
+        if (mesh.IsQuasi2d()) {
+            throw std::runtime_error(run.meshFile +
+                                     ": one cell thick, but a sphere needs three dimensions");
+        }
+        if (!run.check) {
+            return;
+        }
+        const int n = CellsPerUnit(mesh);
+        limits = benchmarksphere::LimitsOf(run.scheme, n);
+        if (!limits) {
+            throw std::runtime_error(
+                fmt::format("check: there are limits for {}, but not for {} at n = {}",
+                            benchmarksphere::checkable, Name(run.scheme), n));
+        }
+    }
+
+    FlowSettings Flow(const Mesh&) const override {
+        FlowSettings settings;
+        settings.inlet = [](const Vec3&) { return benchmarksphere::Stream(); };
+        settings.farWalls = benchmarksphere::Stream();
+        settings.mu = benchmarksphere::viscosity;
+        return settings;
+    }
+
+    /// The drag changes by less than 1e-5 from there on.
+    double ConvergedChange() const override { return 1e-6; }
+
+    ForceCoefficients Coefficients(const FlowSolver& flow) const override {
+        const Vec3 force = benchmarksphere::ForceCoefficient(flow);
+        return {force.x(), force.y()};
+    }
+
+    void Report(const FlowRun& flowRun, const Mesh& mesh) override {
+        WriteWakeAxis(flowRun.Flow(), run.outputDir);
+        result = benchmarksphere::Measure(flowRun.Flow());
+        PrintTable(mesh);
+    }
+
+    std::vector<std::string> Misses() const override {
+        return benchmarksphere::Misses(result, *limits);
+    }
+
+private:
+    void PrintTable(const Mesh& mesh) const {
+        std::cout << fmt::format(
+            "Sphere at Reynolds number 100, {} at {} background cells a "
+            "diameter, {} cells:\n",
+            Name(run.scheme), CellsPerUnit(mesh), mesh.CellCount());
+        PrintComparisonHead();
+        PrintComparison("Cd", result.cd, benchmarksphere::dragCoefficient);
+        PrintComparison("recirculation length", result.recirculation,
+                        benchmarksphere::recirculationLength);
+        std::cout << fmt::format("  {:<20} {:15.2e}\n", "side force", result.sideForce);
+    }
+
+    const SphereCase& run;
+    std::optional<benchmarksphere::Limits> limits;  // only if they are to be checked
+    benchmarksphere::Result result;
+};
 
 }  // namespace
 
+SphereCase::SphereCase() {
+    meshFile = ShippedMesh("sphere_overset.geo");
+    outputDir = "sphere_results";
+    maxIterations = 1000;
+}
+
+CaseOptions OptionsOf(SphereCase& run) {
+    return {run.meshFile, run.parameters, FlowOptions(run)};
+}
+
 int RunSphere(const SphereCase& run) {
-    PrepareOutputDirectory(run.outputDir);
-    const Mesh mesh = ReadGrids(run.meshFile, run.parameters);
-    const auto limits = WantedLimits(run, mesh);
-    HostObjects objects(mesh, run.outputDir);
-    OversetLink link(mesh, objects);
-    RequireSphere(mesh, link, run.meshFile);
-    WriteDonorTable(mesh, link, run.outputDir);
-    FlowRun sphere(mesh, objects, link, SphereFlow(run, mesh), RunSettings(run),
-                   [](const FlowSolver& flow) -> ForceCoefficients {
-                       const Vec3 force = benchmarksphere::ForceCoefficient(flow);
-                       return {force.x(), force.y()};
-                   });
-    const FlowRun::End end = sphere.Run();
-    WriteWakeAxis(sphere.Flow(), run.outputDir);
-    const benchmarksphere::Result result = benchmarksphere::Measure(sphere.Flow());
-    PrintTable(run, mesh, result);
-    sphere.PrintEffort();
-    const int code = sphere.PrintEnd(end);
-    if (code != 0 || !limits) {
-        return code;
-    }
-    return ReportLimitMisses(benchmarksphere::Misses(result, *limits));
+    Sphere sphere(run);
+    return RunFlow(run, sphere);
 }
 
 }  // namespace host

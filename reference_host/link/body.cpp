@@ -4,17 +4,22 @@
 
 namespace host {
 
-bool IsBody(const Mesh& mesh, const OversetLink& link, Boundary kind, int face) {
-    if (kind != Boundary::Wall || mesh.Faces(kind)[face].oversetGroup > 0) {
-        return false;
+WallRole RoleOf(const Mesh& mesh, const OversetLink& link, int wallFace) {
+    const BoundaryFace& wall = mesh.Faces(Boundary::Wall)[wallFace];
+    if (wall.oversetGroup > 0) {
+        return WallRole::Overset;
     }
-    return !link.IsOverset() || mesh.cavity[mesh.Faces(kind)[face].cell] > 1;
+    return link.IsOverset() && mesh.cavity[wall.cell] == 1 ? WallRole::Other : WallRole::Body;
+}
+
+bool IsBody(const Mesh& mesh, const OversetLink& link, Boundary kind, int face) {
+    return kind == Boundary::Wall && RoleOf(mesh, link, face) == WallRole::Body;
 }
 
 std::vector<int> BodyFaces(const Mesh& mesh, const OversetLink& link) {
     std::vector<int> faces;
     for (int face = 1; face <= mesh.FaceCount(Boundary::Wall); ++face) {
-        if (IsBody(mesh, link, Boundary::Wall, face)) {
+        if (RoleOf(mesh, link, face) == WallRole::Body) {
             faces.push_back(face);
         }
     }
@@ -22,11 +27,20 @@ std::vector<int> BodyFaces(const Mesh& mesh, const OversetLink& link) {
 }
 
 void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
-                 const std::string& body) {
-    if (!link.IsOverset() || BodyFaces(mesh, link).empty()) {
-        throw std::runtime_error(meshFile + ": no " + body +
-                                 ": no face of the group \"wall\" lies beside a component");
+                 const std::string& purpose) {
+    if (BodyFaces(mesh, link).empty()) {
+        throw std::runtime_error(meshFile + ": " + purpose +
+                                 ": no face of the group \"wall\" belongs to " +
+                                 (link.IsOverset() ? "a component" : "the grid"));
     }
+}
+
+void RequireComponentBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
+                          const std::string& body) {
+    if (!link.IsOverset()) {
+        throw std::runtime_error(meshFile + ": no " + body + ": the mesh has no component");
+    }
+    RequireBody(mesh, link, meshFile, "no " + body);
 }
 
 }  // namespace host

@@ -9,18 +9,33 @@
 
 namespace host {
 
-/// True for the faces of the body: the physical walls beside a component; on a single grid all
-/// walls.
+/// What a face of the kind Boundary::Wall stands for.
+enum class WallRole {
+    Overset,  ///< on the overset boundary of a component: no wall in the flow
+    Body,     ///< physical wall beside a component; on a single grid every physical wall
+    Other     ///< physical wall beside the background of an overset mesh
+};
+
+/// The role of a wall face. This is the only rule for which faces are the body.
+WallRole RoleOf(const Mesh& mesh, const OversetLink& link, int wallFace);
+
+/// True for the faces of the body; false for all faces that are not of the kind wall.
 bool IsBody(const Mesh& mesh, const OversetLink& link, Boundary kind, int face);
 
-/// The wall faces of the body, ascending.
+/// The wall faces of the body in ascending order.
 std::vector<int> BodyFaces(const Mesh& mesh, const OversetLink& link);
 
-/// Refuses a mesh without a component that has a body.
-/// @param body  what the case calls it
+/// Refuses a mesh without a body, on a single grid or an overset mesh.
+/// @param purpose  beginning of the message: "nothing to heat"
 /// @throws std::runtime_error  one line
 void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
-                 const std::string& body);
+                 const std::string& purpose);
+
+/// Refuses a single grid as well: the body must be inside a component.
+/// @param body  what the case calls it: "cylinder"
+/// @throws std::runtime_error  one line
+void RequireComponentBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
+                          const std::string& body);
 
 }  // namespace host
 

@@ -4,15 +4,16 @@
 
 #include <stdexcept>
 
+#include "host_checks/cut_rules.h"
+#include "host_checks/host_rules.h"
+#include "host_checks/mesh_rules.h"
 #include "overset/overset_mesh.h"
-#include "reference_host/link/host_contract.h"
-#include "reference_host/link/mesh_rules.h"
 #include "reference_host/mesh/messages.h"
 
 namespace host {
 namespace {
 
-constexpr int maxTries = 20;  // sound meshes need one, tetrahedral components up to four
+namespace checks = kvx3d::checks;
 
 Donors NothingCut(const Mesh& mesh) {
     Donors donors;
@@ -24,10 +25,23 @@ Donors NothingCut(const Mesh& mesh) {
     return donors;
 }
 
+/// The toolbox numbers the grids by inlet and overset groups, this host by the names of the
+/// volumes. Both must agree because this host finds the background and the body by cavity ids.
+void RequireNamedGrids(const Mesh& mesh, const checks::MeshView& view) {
+    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+        if (view.Grid(cell) != mesh.cavity[cell]) {
+            throw std::runtime_error(fmt::format(
+                "{} of {} belongs to grid {} by the inlet and the overset groups: put the inlet "
+                "beside the background, overset1 around component1 and overset2 around component2",
+                CellAt(mesh, cell), CavityName(mesh.cavity[cell]), view.Grid(cell)));
+        }
+    }
+}
+
 }  // namespace
 
 OversetLink::OversetLink(const Mesh& mesh, HostObjects& objects) : donors(NothingCut(mesh)) {
-    Refuse(ContractFaults(objects.gv, objects.fvm));
+    Refuse(checks::HostFaults(objects.gv, objects.fvm));
     for (const InnerFace& face : mesh.innerFaces) {
         first.push_back(face.owner);
         second.push_back(face.neighbor);
@@ -35,10 +49,11 @@ OversetLink::OversetLink(const Mesh& mesh, HostObjects& objects) : donors(Nothin
     if (mesh.GridCount() < 2) {
         return;
     }
-    Refuse(FaultsBeforeCutting(mesh));
+    const checks::MeshView view(objects.gv, objects.fvm);
+    RequireNamedGrids(mesh, view);
+    Refuse(checks::MeshFaults(view));
     CutHoles(mesh, objects);
-    FindDonors(mesh, donors, maxTries);
-    Refuse(FaultsAfterCutting(mesh, donors));
+    FindDonors(view);
     WriteDonors(mesh, objects);
 }
 
@@ -48,8 +63,8 @@ bool OversetLink::IsOverset() const {
     return toolbox != nullptr;
 }
 
-/// Takes over the toolbox's classification. Before any donor is written: a face with a donor in
-/// its pair answers "active".
+/// Takes over the classification of the toolbox. This must come before any donor is written: a
+/// face with a donor in its pair is classified as active.
 void OversetLink::CutHoles(const Mesh& mesh, HostObjects& objects) {
     toolbox = std::make_unique<CKVXOversetMesh>();
     toolbox->SetFVM(&objects.gv, &objects.fvm);
@@ -70,14 +85,28 @@ void OversetLink::CutHoles(const Mesh& mesh, HostObjects& objects) {
                 break;
             default:
                 throw std::runtime_error(
-                    fmt::format("inner face {} {} has no overset type: the toolbox could not tell "
-                                "the state of its cells",
+                    fmt::format("inner face {} {} has no overset type: the toolbox could not "
+                                "determine the state of its cells",
                                 face, At(mesh.innerFaces[face].centre)));
         }
     }
 }
 
-/// Lets the toolbox write each donor into the host's Ce23 and takes the pair over.
+/// Searches all donors with a bound on the tries and refuses a cut that breaks a rule.
+void OversetLink::FindDonors(const checks::MeshView& view) {
+    const checks::BoundedDonorSearch search(view, *toolbox);
+    const checks::CutMesh cut = checks::FindDonors(view, search);
+    Refuse(checks::CutFaults(view, cut));
+    for (const checks::FaceDonor& hole : cut.hole) {
+        donors.inner[hole.face] = hole.search.donor;
+        donors.tries[hole.face] = hole.search.tries;
+    }
+    for (const checks::FaceDonor& outer : cut.outers) {
+        donors.wall[outer.face] = outer.search.donor;
+    }
+}
+
+/// Lets the toolbox write each donor into the Ce23 of the host and takes the pair over.
 void OversetLink::WriteDonors(const Mesh& mesh, HostObjects& objects) {
     for (int face = 1; face <= mesh.InnerFaceCount(); ++face) {
         if (donors.inner[face] == 0) {
@@ -89,8 +118,8 @@ void OversetLink::WriteDonors(const Mesh& mesh, HostObjects& objects) {
         const int donor = Side(face) == FaceSide::DonorIsFirst ? first[face] : second[face];
         if (donor != donors.inner[face]) {
             throw std::runtime_error(
-                fmt::format("inner face {} {}: the toolbox donates cell {}, the host's own search "
-                            "cell {}: one of them is wrong",
+                fmt::format("inner face {} {}: the toolbox found donor {} and the bounded search "
+                            "donor {}: one of them is wrong",
                             face, At(mesh.innerFaces[face].centre), donor, donors.inner[face]));
         }
     }

@@ -32,17 +32,10 @@ std::string FaceName(Boundary kind, int oversetGroup) {
     return names[static_cast<int>(kind)];
 }
 
-std::string WallFaceAt(const Mesh& mesh, int wallFace) {
-    const BoundaryFace& face = mesh.Faces(Boundary::Wall)[wallFace];
-    const std::string group =
-        face.oversetGroup > 0 ? FaceName(Boundary::Wall, face.oversetGroup) + " face, " : "";
-    return fmt::format("{}wall face {} {}", group, wallFace, At(face.centre));
-}
-
-void Refuse(const std::vector<std::string>& faults) {
+void Refuse(const std::vector<kvx3d::checks::Fault>& faults) {
     std::string text;
-    for (const std::string& fault : faults) {
-        text += (text.empty() ? "" : "\n") + fault;
+    for (const kvx3d::checks::Fault& fault : faults) {
+        text += (text.empty() ? "" : "\n") + kvx3d::checks::Text(fault);
     }
     if (!text.empty()) {
         throw std::runtime_error(text);

@@ -1,11 +1,11 @@
-// Two blocks of hexahedra, each 2 x 2, side by side at x = 2: their cells do not match there.
-// One cell thick, or as fine in z as in x and y.
+// Two blocks of hexahedra, each 2 x 2, that meet at x = 2, where their faces do not match.
+// One cell thick, or with cells as fine in z as in x and y.
 //
 //   gmsh -3 -format msh2 -setnumber n 8 -setnumber m 12 -o blocks.msh nonmatching_blocks.geo
 //
 // n, m = cells per unit length of block0 (left) and block1 (right)
-// lz   = thickness, with lz * n and lz * m cells across; 0: one cell of thickness 1 / n
-SetFactory("OpenCASCADE");  // its volumes share nothing, even where they touch
+// lz   = thickness, with lz * n and lz * m cells in z; 0: one cell of thickness 1 / n
+SetFactory("OpenCASCADE");  // volumes that touch do not share points or faces
 DefineConstant[
   n  = {8,  Name "Parameters/Cells per unit length, block0"},
   m  = {12, Name "Parameters/Cells per unit length, block1"},
@@ -32,7 +32,7 @@ For b In {0:1}
   EndIf
   v = b + 1;
   Box(v) = {b * l, 0, 0, l, l, t};
-  f[] = Abs(Boundary { Volume{v}; });  // low and high x, y, z
+  f[] = Abs(Boundary { Volume{v}; });  // x min, x max, y min, y max, z min, z max
   e[] = Unique(Abs(Boundary { Surface{f[]}; }));
   For i In {0 : #e[] - 1}
     bb[] = BoundingBox Curve {e[i]};

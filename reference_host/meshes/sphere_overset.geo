@@ -1,10 +1,10 @@
-// Overset pair for the flow around a sphere: a box of hexahedra (background), a spherical shell of
-// tetrahedra (component1). Lengths in sphere diameters; the sphere stands in the origin, the stream
-// runs along x, and the side walls of the box move with it.
+// Overset pair for the flow around a sphere: a box of hexahedra (background) and a spherical shell
+// of tetrahedra (component1). Lengths are in sphere diameters. The center of the sphere is the
+// origin, the stream runs along x, and the side walls of the box move with it.
 //
 //   gmsh -3 -format msh2 -setnumber n 7 -o sphere_n7.msh sphere_overset.geo
 //
-// n = background cells per diameter around the shell and in the wake.
+// n = background cells per diameter around the shell and in the wake
 SetFactory("OpenCASCADE");
 DefineConstant[
   n  = {7,    Name "Parameters/Background cells per diameter around the shell"},
@@ -27,7 +27,7 @@ If (ro <= 0.5)
 EndIf
 h = 1.0 / n;  ri = 0.5;
 
-// ---- shell: tetrahedra that grow linearly with the radius
+// ---- shell: the edges of the tetrahedra grow linearly with the radius
 Sphere(1) = {0, 0, 0, ro};
 Sphere(2) = {0, 0, 0, ri};
 BooleanDifference(3) = { Volume{1}; Delete; }{ Volume{2}; Delete; };
@@ -48,10 +48,10 @@ Background Field = 1;
 Mesh.CharacteristicLengthExtendFromBoundary = 0;
 Mesh.CharacteristicLengthFromPoints = 0;
 
-// ---- background: one block, cells of size h around the shell and in the wake, growing outside
+// ---- background: one block with cells of size h around the shell and in the wake, larger outside
 core = ro + 2 * h;
-// Layers from lo to hi, uniform between a and b, at most h * gr thick next to that; leaves their
-// ends, scaled to 0 .. 1, in at[].
+// Computes the layers from lo to hi: uniform between a and b, growing by gr on both sides, beginning
+// with a thickness of at most h * gr. Result: at[], the ends of the layers scaled to 0 .. 1.
 Macro Layers1d
   one[] = {};  at[] = {};
   kl = Ceil(Log(1 + (a - lo) * (gr - 1) / (h * gr)) / Log(gr));

@@ -1,11 +1,11 @@
 #!/usr/bin/python3
-"""Draws the cylinder benchmark from the directory its run left behind.
+"""Draws the cylinder benchmark from the result directory of its run.
 
     draw_cylinder.py RESULT_DIRECTORY
 
-reads VTK_Overset_Flow_Results.pvd, donors.csv and history.csv and writes, beside them,
-grids.png (both grids, the hole, who donates to whom), flow.png (speed with streamlines, pressure)
-and history.png (residuals and drag over the iterations).
+reads VTK_Overset_Flow_Results.pvd, donors.csv and history.csv and writes three pictures into the
+same directory: grids.png (both grids, the hole and the donors), flow.png (speed with streamlines,
+pressure) and history.png (residuals and drag over the iterations).
 """
 
 import csv
@@ -22,7 +22,7 @@ from matplotlib.tri import LinearTriInterpolator, Triangulation
 
 import vtu_series
 
-CYLINDER = (2.0, 2.0, 0.5)  # centre and radius in diameters
+CYLINDER = (2.0, 2.0, 0.5)  # center and radius in diameters
 
 
 def columns(path):
@@ -43,35 +43,35 @@ def frame(axes, window, title):
 
 def draw_grids(outlines, regions, donors, png):
     figure, (left, right) = plt.subplots(1, 2, figsize=(11, 5.6), layout="constrained")
-    colours = [vtu_series.GRID_COLOURS[region] for region in regions]
+    colors = [vtu_series.GRID_COLORS[region] for region in regions]
     for axes, window, title in (
         (left, (0.2, 3.8, 0.2, 3.8), "Background grid with its hole, component grid over it"),
         (right, (2.45, 3.45, 1.6, 2.6), "Donors across the grid boundaries"),
     ):
-        axes.add_collection(PolyCollection(outlines, facecolors="none", edgecolors=colours,
+        axes.add_collection(PolyCollection(outlines, facecolors="none", edgecolors=colors,
                                            linewidths=0.5))
         frame(axes, window, title)
     boundary = np.array(donors["boundary"])
     cell, donor = (np.array([donors[f"{end}_x"], donors[f"{end}_y"]], float).T
                    for end in ("cell", "donor"))
-    for kind, colour, label in (
+    for kind, color, label in (
         ("hole", "#1b4f72", "cell on the hole boundary and its donor"),
         ("overset", "#7b241c", "cell on the component's edge and its donor"),
     ):
         chosen = boundary == kind
         right.add_collection(LineCollection(np.stack([cell[chosen], donor[chosen]], axis=1),
-                                            colors=colour, linewidths=1.2, label=label))
-        right.plot(*cell[chosen].T, ".", color=colour, markersize=5)
-        right.plot(*donor[chosen].T, "o", color=colour, markersize=5, fillstyle="none")
+                                            colors=color, linewidths=1.2, label=label))
+        right.plot(*cell[chosen].T, ".", color=color, markersize=5)
+        right.plot(*donor[chosen].T, "o", color=color, markersize=5, fillstyle="none")
     right.legend(loc="lower right", fontsize=8, framealpha=1)
     figure.savefig(png, dpi=110)
 
 
-def on_lattice(centres, values, window, step=0.05):
+def on_lattice(centers, values, window, step=0.05):
     """Cell values interpolated to a regular lattice; masked inside the cylinder."""
     x, y = np.meshgrid(np.arange(window[0], window[1] + step, step),
                        np.arange(window[2], window[3] + step, step))
-    triangles = Triangulation(*centres.T)
+    triangles = Triangulation(*centers.T)
     inside = (x - CYLINDER[0]) ** 2 + (y - CYLINDER[1]) ** 2 < CYLINDER[2] ** 2
     return x, y, [np.ma.array(LinearTriInterpolator(triangles, value)(x, y), mask=inside)
                   for value in values]
@@ -79,15 +79,15 @@ def on_lattice(centres, values, window, step=0.05):
 
 def draw_flow(outlines, velocity, pressure, png):
     window = (0.0, 8.0, 0.0, 4.1)
-    centres = np.array([outline.mean(axis=0) for outline in outlines])
-    x, y, (u, v) = on_lattice(centres, (velocity[:, 0], velocity[:, 1]), window)
+    centers = np.array([outline.mean(axis=0) for outline in outlines])
+    x, y, (u, v) = on_lattice(centers, (velocity[:, 0], velocity[:, 1]), window)
     figure, panels = plt.subplots(2, 1, figsize=(9.5, 9.6), layout="constrained")
-    for axes, values, colours, title, label in (
+    for axes, values, colors, title, label in (
         (panels[0], np.hypot(velocity[:, 0], velocity[:, 1]), "viridis",
          "Speed and streamlines", "speed / mean inflow"),
         (panels[1], pressure, "coolwarm", "Pressure", "p / (density mean inflow$^2$)"),
     ):
-        field = PolyCollection(outlines, array=values, cmap=colours, edgecolors="face",
+        field = PolyCollection(outlines, array=values, cmap=colors, edgecolors="face",
                                linewidths=0.1)
         axes.add_collection(field)
         frame(axes, window, title)

@@ -3,7 +3,7 @@
 
     draw_heat.py SERIES.pvd PICTURE.png
 
-The temperature stands in the array "Pressure", as the overset output has no other scalar.
+The temperature is in the array "Pressure" because the overset output has no other scalar.
 """
 
 import sys
@@ -32,7 +32,7 @@ def main(pvd, png):
     grid = vtu_series.read(path)
     outlines = vtu_series.flat_cells(grid)
     temperature = vtu_series.cell_array(grid, "Pressure")
-    colours = [vtu_series.GRID_COLOURS[i] for i in vtu_series.regions(grid)]
+    colors = [vtu_series.GRID_COLORS[i] for i in vtu_series.regions(grid)]
     near = (0.2, 3.8, 0.2, 3.8)
     bounds = grid.GetBounds()
 
@@ -43,7 +43,7 @@ def main(pvd, png):
 
     field = dict(array=temperature, cmap="inferno", edgecolors="face", linewidths=0.1)
     show(channel, PolyCollection(outlines, **field), bounds[:4], "Temperature in the channel")
-    show(left, PolyCollection(outlines, facecolors="none", edgecolors=colours, linewidths=0.5),
+    show(left, PolyCollection(outlines, facecolors="none", edgecolors=colors, linewidths=0.5),
          near, "Background grid with its hole, component grid over it")
     field["edgecolors"], field["linewidths"] = (1, 1, 1, 0.25), 0.3
     shade = PolyCollection(outlines, **field)

@@ -4,7 +4,7 @@
     draw_nonmatching.py RESULTS/n8_m12 PICTURE.png
 
 RESULTS is the output directory of the case "nonmatching". Before the preprocess both blocks own
-flagged faces; after it none is flagged, and the lists of owners and neighbors are empty.
+flagged faces; after it no face is flagged, and the lists of owners and neighbors are empty.
 """
 
 import glob
@@ -21,7 +21,7 @@ import vtu_series
 
 # Blocks of a picture in the order in which the toolbox writes them, from 1.
 ALL, BLOCK1_OWNERS, BLOCK1_NEIGHBORS, BLOCK0_OWNERS, BLOCK0_NEIGHBORS = range(1, 6)
-COLOURS = {BLOCK0_OWNERS: "#3b6ea5", BLOCK1_OWNERS: "#c8553d"}
+COLORS = {BLOCK0_OWNERS: "#3b6ea5", BLOCK1_OWNERS: "#c8553d"}
 
 
 def picture(directory, moment, block):
@@ -37,12 +37,12 @@ def picture(directory, moment, block):
 def show_mesh(axes, directory, moment, title):
     axes.add_collection(PolyCollection(picture(directory, moment, ALL), facecolors="none",
                                        edgecolors="0.6", linewidths=0.5))
-    for block, colour in COLOURS.items():
+    for block, color in COLORS.items():
         owners = picture(directory, moment, block)
-        # A cell stands in the list once for each of its flagged faces: the more, the darker.
-        axes.add_collection(PolyCollection(owners, facecolors=colour, alpha=0.3,
+        # The list has a cell once for each of its flagged faces, so cells with more faces are darker.
+        axes.add_collection(PolyCollection(owners, facecolors=color, alpha=0.3,
                                            edgecolors="none"))
-        axes.plot([], [], "s", color=colour, alpha=0.7,
+        axes.plot([], [], "s", color=color, alpha=0.7,
                   label=f"{len(owners)} flagged faces owned by "
                         f"{'block0' if block == BLOCK0_OWNERS else 'block1'}")
     axes.legend(loc="upper center", bbox_to_anchor=(0.5, -0.16), frameon=False, fontsize=9)

@@ -1,11 +1,11 @@
 #!/usr/bin/python3
-"""Draws the flow around the sphere from the directory its run left behind.
+"""Draws the flow around the sphere from the result directory of its run.
 
     draw_sphere.py RESULT_DIRECTORY
 
-reads VTK_Overset_Flow_Results.pvd and wake_axis.csv and writes sphere.png beside them: the cells
-that the plane z = 0 cuts, coloured by the velocity along the stream, and that velocity on the axis
-of the wake, up to where it changes sign and the flow runs back no more.
+reads VTK_Overset_Flow_Results.pvd and wake_axis.csv and writes sphere.png into the same directory:
+the cells that the plane z = 0 cuts, colored by the velocity along the stream, and that velocity on
+the axis of the wake, with the point where it changes sign and the backflow ends.
 """
 
 import csv
@@ -17,9 +17,7 @@ import matplotlib
 matplotlib.use("Agg")
 import matplotlib.pyplot as plt
 import numpy as np
-import vtk
 from matplotlib.collections import PolyCollection
-from vtk.util.numpy_support import vtk_to_numpy
 
 import vtu_series
 
@@ -27,30 +25,10 @@ WINDOW = (-1.6, 3.2, -1.6, 1.6)
 REAR = 0.5
 
 
-def slice_cells(grid):
-    """Outlines of the cells in the plane z = 0, and their velocity along x."""
-    # Off the plane by less than the output's digits: cells that only touch it give no polygon.
-    plane = vtk.vtkPlane()
-    plane.SetOrigin(0.0, 0.0, 1e-4)
-    plane.SetNormal(0.0, 0.0, 1.0)
-    cutter = vtk.vtkCutter()
-    cutter.SetInputData(grid)
-    cutter.SetCutFunction(plane)
-    cutter.GenerateTrianglesOff()
-    cutter.Update()
-    cut = cutter.GetOutput()
-    points = vtk_to_numpy(cut.GetPoints().GetData())
-    outlines = []
-    for polygon in range(cut.GetNumberOfCells()):
-        ids = cut.GetCell(polygon).GetPointIds()
-        corners = points[[ids.GetId(i) for i in range(ids.GetNumberOfIds())]][:, :2]
-        around = corners - corners.mean(axis=0)
-        outlines.append(corners[np.argsort(np.arctan2(around[:, 1], around[:, 0]))])
-    return outlines, vtk_to_numpy(cut.GetCellData().GetArray("Velocity"))[:, 0]
-
-
 def draw_plane(figure, axes, grid):
-    outlines, u = slice_cells(grid)
+    # Off the plane by less than the output's digits: cells that only touch it give no outline.
+    outlines, array = vtu_series.slice_cells(grid, axis=2, at=1e-4)
+    u = array("Velocity")[:, 0]
     cells = PolyCollection(outlines, array=u, cmap="RdBu_r", clim=(-1.2, 1.2), edgecolors="0.35",
                            linewidths=0.15)
     axes.add_collection(cells)
@@ -68,13 +46,13 @@ def draw_axis(axes, path):
         rows = list(csv.DictReader(file))
     x = np.array([float(row["x"]) for row in rows])
     u = np.array([float(row["u"]) for row in rows])
-    axes.plot(x - REAR, u, color=vtu_series.GRID_COLOURS[0])
+    axes.plot(x - REAR, u, color=vtu_series.GRID_COLORS[0])
     axes.axhline(0.0, color="0.5", linewidth=0.7)
     back = np.nonzero((u[:-1] < 0.0) & (u[1:] >= 0.0))[0]
     if back.size:
         k = back[0]
         length = x[k] - u[k] * (x[k + 1] - x[k]) / (u[k + 1] - u[k]) - REAR
-        axes.plot([length], [0.0], "o", color=vtu_series.GRID_COLOURS[1],
+        axes.plot([length], [0.0], "o", color=vtu_series.GRID_COLORS[1],
                   label=f"end of the backflow: {length:.3f} D")
         axes.legend(loc="upper left", fontsize=9)
     axes.set_title("Velocity on the axis of the wake", loc="left", fontsize=10)

@@ -1,4 +1,4 @@
-"""Reads a .pvd series of the toolbox with VTK's own reader and flattens quasi-2-D cells."""
+"""Reads result files of the toolbox with VTK's own reader and makes plane outlines of cells."""
 
 import os
 import sys
@@ -8,11 +8,11 @@ import numpy as np
 import vtk
 from vtk.util.numpy_support import vtk_to_numpy
 
-GRID_COLOURS = ["#3b6ea5", "#c8553d", "#5a8f4e"]  # background, first and second component
+GRID_COLORS = ["#3b6ea5", "#c8553d", "#5a8f4e"]  # background, first and second component
 
 
 def steps(pvd):
-    """(time, path) of every data set of a collection, in its order; the program ends without any."""
+    """(time, path) of each data set of a collection. Ends the program if there is none."""
     folder = os.path.dirname(pvd)
     try:
         found = list(ET.parse(pvd).getroot().iter("DataSet"))
@@ -27,7 +27,7 @@ def steps(pvd):
 
 
 def read(path):
-    """The unstructured grid of one .vtu file; the program ends if VTK cannot read it."""
+    """The unstructured grid of one .vtu file. Ends the program if VTK cannot read it."""
     failures = []
     reader = vtk.vtkXMLUnstructuredGridReader()
     reader.AddObserver("ErrorEvent", lambda *_: failures.append(path))
@@ -43,7 +43,7 @@ def cell_array(grid, name):
 
 
 def regions(grid):
-    """A number per cell, equal for cells that hang together: the grids of an overset mesh."""
+    """A number per cell, equal for cells that are connected: the grids of an overset mesh."""
     connectivity = vtk.vtkConnectivityFilter()
     connectivity.SetInputData(grid)
     connectivity.SetExtractionModeToAllRegions()
@@ -64,3 +64,31 @@ def flat_cells(grid):
         around = corners - corners.mean(axis=0)
         outlines.append(corners[np.argsort(np.arctan2(around[:, 1], around[:, 0]))])
     return outlines
+
+
+def slice_cells(grid, axis=2, at=0.0):
+    """Outlines of the cells in the plane perpendicular to an axis (0, 1, 2), corners in order.
+
+    The second result reads a cell array of the sliced cells by name. A plane that cells only touch
+    gives no outline, so `at` should lie within the cells.
+    """
+    plane = vtk.vtkPlane()
+    plane.SetOrigin(*[at if i == axis else 0.0 for i in range(3)])
+    plane.SetNormal(*[1.0 if i == axis else 0.0 for i in range(3)])
+    cutter = vtk.vtkCutter()
+    cutter.SetInputData(grid)
+    cutter.SetCutFunction(plane)
+    cutter.GenerateTrianglesOff()
+    cutter.Update()
+    cut = cutter.GetOutput()
+    if cut.GetNumberOfCells() == 0:
+        sys.exit(f"the plane {'xyz'[axis]} = {at:g} cuts no cell")
+    points = vtk_to_numpy(cut.GetPoints().GetData())
+    in_plane = [i for i in range(3) if i != axis]
+    outlines = []
+    for polygon in range(cut.GetNumberOfCells()):
+        ids = cut.GetCell(polygon).GetPointIds()
+        corners = points[[ids.GetId(i) for i in range(ids.GetNumberOfIds())]][:, in_plane]
+        around = corners - corners.mean(axis=0)
+        outlines.append(corners[np.argsort(np.arctan2(around[:, 1], around[:, 0]))])
+    return outlines, lambda name: cell_array(cut, name)

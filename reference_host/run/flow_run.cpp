@@ -16,7 +16,7 @@ namespace host {
 
 namespace {
 
-constexpr double divergedMass = 1e3;  // mass residual in inflows; a sound run starts near one
+constexpr double divergedMass = 1e3;  // mass residual over the inflow; a good run begins near 1
 
 double CpuSeconds() {
     return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
@@ -41,7 +41,7 @@ FlowRun::End FlowRun::Run() {
     Write();
     const End end = Iterate(interrupt);
     seconds = CpuSeconds() - start;
-    // A diverged field is no result, and not-a-number no entry of a file.
+    // Diverged fields are not written: they may contain NaN, which readers of .vtu files refuse.
     if (end != End::Diverged && lastWritten != iteration) {
         Write();
     }
@@ -65,7 +65,7 @@ FlowRun::End FlowRun::Iterate(const Interrupt& interrupt) {
         history.Add(iteration, done.change, done.massResidual, now.cd, now.cl);
         progress.Done(done.change, fmt::format("mass {:.1e}, Cd {:.5f}, Cl {:.5f}",
                                                done.massResidual, now.cd, now.cl));
-        // Negated, so that not-a-number counts as diverged.
+        // The negation makes NaN count as diverged.
         if (!(done.massResidual < divergedMass) || !std::isfinite(done.change)) {
             return End::Diverged;
         }
@@ -91,12 +91,12 @@ void FlowRun::Write() {
 void FlowRun::Fail(End end) const {
     if (end == End::Diverged) {
         throw std::runtime_error(
-            fmt::format("diverged in iteration {}: lower the relaxation, now {:.3g}, or use a "
-                        "scheme with more upwinding; results up to then are kept",
+            fmt::format("diverged in iteration {}: reduce solver.relaxation, now {:.3g}, or use a "
+                        "scheme with more upwinding; the results up to then are kept",
                         iteration, relaxation));
     }
     throw std::runtime_error(
-        fmt::format("not converged after {} iterations; results are kept", iteration));
+        fmt::format("not converged after {} iterations; the results are kept", iteration));
 }
 
 void FlowRun::PrintEffort() const {
@@ -117,30 +117,8 @@ int FlowRun::PrintEnd(End end) const {
         return 0;
     }
     std::cout << "Interrupted after iteration " << iteration
-              << ": the figures are not converged, the results up to there are complete.\n";
+              << ": the figures are not converged, but the results are complete.\n";
     return Interrupt::exitCode;
-}
-
-void PrintComparisonHead() {
-    std::cout << fmt::format("  {:<20} {:>15} {:>15} {:>12}\n", "", "computed", "published",
-                             "deviation");
-}
-
-void PrintComparison(const std::string& name, double value, std::optional<double> published) {
-    std::cout << fmt::format("  {:<20} {:15.10f}", name, value);
-    if (published) {
-        std::cout << fmt::format(" {:15.10f} {:+10.3f} %", *published,
-                                 100.0 * (value / *published - 1.0));
-    }
-    std::cout << '\n';
-}
-
-int ReportLimitMisses(const std::vector<std::string>& misses) {
-    for (const std::string& miss : misses) {
-        std::cerr << "reference_host: " << miss << '\n';
-    }
-    std::cout << (misses.empty() ? "All limits reached.\n" : "Limits missed, see above.\n");
-    return misses.empty() ? 0 : 1;
 }
 
 }  // namespace host

@@ -8,7 +8,7 @@ namespace {
 
 volatile std::sig_atomic_t requested = 0;
 
-extern "C" void NoteInterrupt(int) {
+extern "C" void RecordInterrupt(int) {
     requested = 1;
     std::signal(SIGINT, SIG_DFL);
     std::signal(SIGTERM, SIG_DFL);
@@ -18,8 +18,8 @@ extern "C" void NoteInterrupt(int) {
 
 Interrupt::Interrupt() {
     requested = 0;
-    previousInterrupt = std::signal(SIGINT, NoteInterrupt);
-    previousTermination = std::signal(SIGTERM, NoteInterrupt);
+    previousInterrupt = std::signal(SIGINT, RecordInterrupt);
+    previousTermination = std::signal(SIGTERM, RecordInterrupt);
 }
 
 Interrupt::~Interrupt() {

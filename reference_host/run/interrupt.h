@@ -3,19 +3,21 @@
 
 namespace host {
 
-/// While it lives, the first Ctrl-C (SIGINT) or SIGTERM, as batch systems send it, is only noted,
-/// so that a run can end in good order; the second ends the program at once. One object at a time.
+/// Lets a run end in an orderly way. While the object exists, the first Ctrl-C (SIGINT) or SIGTERM,
+/// which batch systems send, is only recorded; the second one ends the program at once. Only one
+/// object may exist at a time.
 class Interrupt {
 public:
     Interrupt();
-    /// Brings back what both signals did before.
+    /// Restores the previous handlers of both signals.
     ~Interrupt();
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
 
+    /// True after the first signal.
     bool Requested() const;
 
-    static constexpr int exitCode = 130;  ///< what shells show for a program ended by SIGINT
+    static constexpr int exitCode = 130;  ///< that of a shell for a program ended by SIGINT
 
 private:
     void (*previousInterrupt)(int);

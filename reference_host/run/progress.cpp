@@ -15,12 +15,12 @@ double SecondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// Writes a line over the one before: back to its start and clear to its end, since the new text
-/// may be shorter.
+/// Writes a line over the previous one: the cursor returns to its start, and the line is cleared
+/// because the new text may be shorter.
 void Redraw(std::ostream& out, const std::string& task, double fraction, const std::string& text,
             double secondsLeft) {
     constexpr int barWidth = 20;
-    // The small part keeps a whole step from being rounded down.
+    // The small term prevents a complete step from being rounded down.
     const std::string bar(static_cast<int>(barWidth * fraction + 1e-9), '#');
     out << fmt::format("\r\033[K{} [{:.<{}}] {}  {} left", task, bar, barWidth, text,
                        Duration(secondsLeft))
@@ -86,7 +86,7 @@ double IterationProgress::FractionDone(double change) {
         firstChange = change;
     }
     const double gained = std::log(firstChange / change) / std::log(firstChange / target);
-    if (gained > fraction) {  // false for not-a-number
+    if (gained > fraction) {  // false for NaN
         fraction = std::min(gained, 1.0);
     }
     return fraction;

@@ -7,26 +7,26 @@
 
 namespace host {
 
-/// True if standard output goes to a person's terminal.
+/// True if standard output is a terminal.
 bool StandardOutputIsTerminal();
 
 /// "0.4 s", "12 s", "3 min 20 s", "2 h 5 min".
 std::string Duration(double seconds);
 
-/// Reports the steps of a loop of known length: on a terminal one line that is redrawn, with a bar
-/// and the time left; elsewhere one plain line a step, so that a log reads well.
+/// Reports the steps of a loop of known length. On a terminal it redraws one line with a bar and
+/// the time left; in a file it writes one plain line per step.
 class Progress {
 public:
-    /// @param task   word in front of each line
+    /// @param task   first word of each line
     /// @param steps  number of steps, at least 1
     Progress(std::string task, int steps, std::ostream& out, bool terminal);
-    /// Ends the redrawn line.
+    /// Ends the line that was redrawn.
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
     /// Reports that one more step is done.
-    /// @param status  what it reached: time, residual, iterations
+    /// @param status  its results: time, residual, iterations
     void StepDone(const std::string& status);
 
     double SecondsSoFar() const;
@@ -40,21 +40,21 @@ private:
     const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
 };
 
-/// Reports an iteration that ends when a change is small enough: on a terminal one line that is
-/// redrawn, with a bar of the orders of magnitude gained and the time left; elsewhere a plain line
-/// every tenth iteration and for the last.
+/// Reports an iteration that ends when a change is small enough. On a terminal it redraws one line
+/// with the time left and a bar, whose length is proportional to the logarithm of the reduction so
+/// far; in a file it writes a plain line for every tenth iteration and for the last one.
 class IterationProgress {
 public:
-    /// @param task    word in front of each line
+    /// @param task    first word of each line
     /// @param target  change at which the iteration ends, above 0
     IterationProgress(std::string task, double target, std::ostream& out, bool terminal);
-    /// Ends the redrawn line; elsewhere prints the last iteration if that is still to be told.
+    /// Ends the line that was redrawn; in a file writes the last iteration unless it was written.
     ~IterationProgress();
     IterationProgress(const IterationProgress&) = delete;
     IterationProgress& operator=(const IterationProgress&) = delete;
 
     /// Reports that one more iteration is done.
-    /// @param status  what it reached besides the change
+    /// @param status  its other results
     void Done(double change, const std::string& status);
 
 private:
@@ -66,8 +66,8 @@ private:
     const bool terminal;
     int iteration = 0;
     double firstChange = 0.0;
-    double fraction = 0.0;    // never falls: residuals may wiggle, a bar should not
-    std::string pendingLine;  // last plain line that was not printed
+    double fraction = 0.0;    // never decreases, so that the bar does not follow oscillations
+    std::string pendingLine;  // the last plain line, if it was not written
     const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
 };
 

@@ -24,7 +24,7 @@ void ResidualHistory::Add(int iteration, double change, double massResidual, dou
 
 void ResidualHistory::RequireWhole() const {
     if (!file) {
-        throw std::runtime_error(path + ": not every iteration could be written");
+        throw std::runtime_error(path + ": some iterations could not be written");
     }
 }
 

@@ -6,16 +6,17 @@
 
 namespace host {
 
-/// The course of a flow run as comma-separated values, a line an iteration: what a plot needs.
+/// The history of a flow run as comma-separated values for a plot, one line per iteration.
 class ResidualHistory {
 public:
-    /// Writes the heading. @throws std::runtime_error  the file cannot be opened
+    /// Writes the line with the column names.
+    /// @throws std::runtime_error  one line: the file cannot be opened
     explicit ResidualHistory(const std::string& path);
 
-    /// Writes a line through to the file, so that a run in progress can be plotted.
+    /// Writes a line and flushes it, so that a run in progress can be plotted.
     void Add(int iteration, double change, double massResidual, double cd, double cl);
 
-    /// @throws std::runtime_error  not every line could be written
+    /// @throws std::runtime_error  one line: some lines could not be written
     void RequireWhole() const;
 
     const std::string path;

@@ -20,9 +20,9 @@ namespace {
 namespace fs = std::filesystem;
 
 std::string singleGridProject = "VTK_Flow_Results";  // not const: the tool takes char*
-constexpr const char* oversetProject = "VTK_Overset_Flow_Results";  // the facade's own name
+constexpr const char* oversetProject = "VTK_Overset_Flow_Results";  // name given by the facade
 
-/// A file that a full disk cut short lacks its end.
+/// False for a file that a full disk cut short: its closing tag is missing.
 bool IsComplete(const fs::path& vtuPath) {
     const std::string end = "</VTKFile>";
     std::ifstream file(vtuPath, std::ios::binary | std::ios::ate);
@@ -33,8 +33,8 @@ bool IsComplete(const fs::path& vtuPath) {
            tail.find(end) != std::string::npos;
 }
 
-/// Records of a series whose files are whole.
-int CountSteps(const std::string& pvdPath) {
+/// Number of steps of a series whose files are complete.
+int CountCompleteSteps(const std::string& pvdPath) {
     const std::string attribute = "file=\"";
     std::ifstream pvd(pvdPath);
     int steps = 0;
@@ -57,7 +57,7 @@ void PrepareOutputDirectory(const std::string& directory) {
     fs::create_directories(directory, failure);
     if (failure) {
         throw std::runtime_error(
-            fmt::format("output directory {} cannot be made: {}", directory, failure.message()));
+            fmt::format("output directory {} cannot be created: {}", directory, failure.message()));
     }
     const fs::path probe = fs::path(directory) / ".reference_host_probe";
     if (!std::ofstream(probe)) {
@@ -67,13 +67,13 @@ void PrepareOutputDirectory(const std::string& directory) {
     fs::remove(probe, failure);
 }
 
-/// The records of a single grid, all cells published, and the tool that writes them.
+/// The VTK records of a single grid with all its cells, and the tool that writes them.
 class ResultSeries::SingleGridTool {
 public:
     SingleGridTool(const Mesh& mesh, HostObjects& objects, const std::string& directory,
                    const std::string& scalarName, const std::string& vectorName)
         : block(&points, &cells), scalar(scalarName), vector(vectorName) {
-        // The views start at entry 1 of the host's arrays: the writer counts from 0.
+        // The writer counts from 0, so its pointers begin at entry 1 of the host's arrays.
         points.x = &objects.fvm.xn[1];
         points.y = &objects.fvm.yn[1];
         points.z = &objects.fvm.zn[1];
@@ -105,7 +105,7 @@ ResultSeries::ResultSeries(const Mesh& mesh, HostObjects& objects, OversetLink& 
       pvdPath((fs::path(directory) /
                fmt::format("{}.pvd", link_.IsOverset() ? oversetProject : singleGridProject))
                   .string()) {
-    // A .pvd of an earlier run would hide that this run could not write its own.
+    // If this run failed to write its .pvd, that of an earlier run would be taken for it.
     std::error_code ignored;
     fs::remove(pvdPath, ignored);
     if (link.IsOverset()) {
@@ -132,10 +132,11 @@ std::string ResultSeries::Finish() {
     } else {
         link.Toolbox()->PostRunVTKDataSMP();
     }
-    const int complete = CountSteps(pvdPath);
+    const int complete = CountCompleteSteps(pvdPath);
     if (complete < stepCount) {
         throw std::runtime_error(
-            fmt::format("{} has {} of {} steps whole: not every result file could be written",
+            fmt::format("{}: only {} of {} steps are complete, some result files could not be "
+                        "written",
                         pvdPath, complete, stepCount));
     }
     return pvdPath;

@@ -11,32 +11,33 @@
 
 namespace host {
 
-/// Makes the directory if need be and proves that a file can be written in it.
-/// @throws std::runtime_error  one line with the directory and the system's reason
+/// Creates the directory unless it exists, and checks that a file can be written in it.
+/// @throws std::runtime_error  one line with the directory and the reason
 void PrepareOutputDirectory(const std::string& directory);
 
-/// Publishes pressure and velocity of the host as a series of .vtu files with a .pvd index.
+/// Writes pressure and velocity of the host as a series of .vtu files with a .pvd index.
 ///
-/// An overset mesh goes through the overset facade, which shows its active cells under its own
-/// names; a single grid goes to the VTK tool directly. The host's arrays may carry other
-/// quantities than their names say; `scalarName` and `vectorName` are what a single grid's files
-/// call them.
+/// On an overset mesh the overset facade writes the active cells, under the names "Pressure" and
+/// "Velocity"; on a single grid the VTK tool is called directly. The arrays may contain other
+/// quantities than pressure and velocity; the files of a single grid name them `scalarName` and
+/// `vectorName`.
 class ResultSeries {
 public:
-    /// @param directory  the directory that `objects` was built with, prepared
+    /// @param directory  exists and is the one that `objects` was built with
     ResultSeries(const Mesh& mesh, HostObjects& objects, OversetLink& link,
                  const std::string& directory, const std::string& scalarName = "Pressure",
                  const std::string& vectorName = "Velocity");
     ~ResultSeries();
 
-    /// Writes what the host's arrays hold now. The overset facade sets magnitudes below 1e-10 in
-    /// them to zero.
+    /// Writes the present contents of the host's arrays as one step. The overset facade sets
+    /// magnitudes below 1e-10 in these arrays to zero.
     void Write(double time, int iteration);
 
-    /// Merges the records into the .pvd.
-    /// @return its path
-    /// @throws std::runtime_error  fewer steps in it than were written: the toolbox does not stop
-    ///         for a file that could not be opened
+    /// Merges the records of all steps into the .pvd file.
+    /// @return path of the .pvd file
+    /// @throws std::runtime_error  it has fewer complete steps than were written; the toolbox
+    /// itself
+    ///         does not report a file that could not be written
     std::string Finish();
 
 private:

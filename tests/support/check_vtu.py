@@ -16,7 +16,7 @@ import sys
 import xml.etree.ElementTree as ET
 
 FLOAT32_MAX = 3.4028234663852886e38
-NODES_OF_TYPE = {1: 1, 5: 3, 9: 4, 10: 4, 12: 8, 13: 6, 14: 5}  # VTK cell type: node count
+NODES_OF_TYPE = {1: 1, 3: 2, 5: 3, 9: 4, 10: 4, 12: 8, 13: 6, 14: 5}  # VTK cell type: node count
 
 
 class Vtu:

@@ -1,7 +1,7 @@
 #!/bin/sh
 # lost_output.sh OUTPUT_DIR PROGRAM ARGUMENTS...
-# Runs a case twice: with standard output on a full disk, and into a reader that leaves after one
-# line. Succeeds if each exits with 1, says so in one line and leaves its series whole.
+# Runs a case twice: with standard output on a full disk, and to a reader that ends after one
+# line. Succeeds if each run exits with 1, prints one line of error and completes its series.
 output=$1
 shift
 rm -rf "$output"

@@ -23,7 +23,7 @@ std::vector<std::string> LinesOf(const std::string& text) {
     return lines;
 }
 
-/// The numbers of a line that has nothing else.
+/// The numbers of a line; none if the line contains anything else.
 std::optional<std::vector<double>> NumbersOf(const std::string& line) {
     std::istringstream words(line);
     std::vector<double> numbers;
@@ -33,8 +33,8 @@ std::optional<std::vector<double>> NumbersOf(const std::string& line) {
     return words.eof() ? std::optional(numbers) : std::nullopt;
 }
 
-/// Equal words, numbers up to the last of the six digits printed. What is zero but for rounding
-/// differs between compilers and their flags.
+/// True if the words are equal and the numbers agree in five of the six printed digits. Numbers
+/// that would be zero without rounding differ between compilers and their flags.
 bool AreAlike(const std::string& a, const std::string& b) {
     if (a == b) {
         return true;
@@ -52,7 +52,7 @@ std::string Dump(const host::MeshParameters& parameters) {
     return capture.Out();
 }
 
-TEST(LineComparison, SeesTheSixthDigitAndWordsButNoRounding) {
+TEST(LineComparison, DetectsDifferentWordsAndDigitsButNotRounding) {
     EXPECT_TRUE(AreAlike("0.04 -1.2e-14 0", "0.04 3.1e-15 0"));
     EXPECT_TRUE(AreAlike("1.23456", "1.23457"));
     EXPECT_FALSE(AreAlike("1.23456", "1.23459"));
@@ -63,9 +63,9 @@ TEST(LineComparison, SeesTheSixthDigitAndWordsButNoRounding) {
     EXPECT_FALSE(AreAlike("1 ", "x"));
 }
 
-TEST(Dump, OfTheSmallestOversetPairIsTheStoredOne) {
+TEST(Dump, OfTheSmallestOversetPairMatchesTheStoredFile) {
     if (std::string(GMSH_API_VERSION).rfind("4.8", 0) != 0) {
-        GTEST_SKIP() << "another version of Gmsh numbers nodes and cells otherwise";
+        GTEST_SKIP() << "other versions of Gmsh number nodes and cells differently";
     }
     const std::vector<std::string> stored =
         LinesOf(ReadFile(std::string(KVX3D_TEST_DATA_DIR) + "/box_annulus_n5_dump.txt"));
@@ -74,7 +74,7 @@ TEST(Dump, OfTheSmallestOversetPairIsTheStoredOne) {
 
     for (std::size_t i = 0; i < std::min(stored.size(), dumped.size()); ++i) {
         ASSERT_TRUE(AreAlike(stored[i], dumped[i]))
-            << "line " << i + 1 << " was \"" << stored[i] << "\" and is \"" << dumped[i] << '"';
+            << "line " << i + 1 << ": stored \"" << stored[i] << "\", now \"" << dumped[i] << '"';
     }
     EXPECT_EQ(stored.size(), dumped.size());
 }

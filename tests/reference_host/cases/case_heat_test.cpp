@@ -17,10 +17,11 @@ using host::HeatProblem;
 
 const MeshChoice channel = {"Channel", "channel_cylinder_overset.geo", {{"n", 10}}};
 
-/// Heat from a cylinder of unit temperature and diameter at (a, b) in a half-infinite strip of
-/// height H with cold walls, per unit depth: the potential of a line source between the walls less
-/// that of its image behind the cold inlet, taken on the cylinder's radius R. Leading order in R
-/// over the distances, here 1/4: a few tenths of a percent.
+/// Heat per unit depth from a cylinder of temperature 1 and radius R at (a, b) in a half-infinite
+/// strip of height H with cold walls: the potential of a line source between the walls, less that
+/// of its image on the other side of the cold inlet, evaluated on the cylinder. This is the leading
+/// order in R over the distances; for R = 1/2 and distances of 2 the error is a few tenths of a
+/// percent.
 double HeatOfALineSource(double a, double b, double H, double R) {
     const double pi = std::acos(-1.0);
     const double walls = std::log(2.0 * H * std::sin(pi * b / H) / (pi * R));
@@ -29,7 +30,7 @@ double HeatOfALineSource(double a, double b, double H, double R) {
     return 2.0 * pi / (walls - inlet);
 }
 
-TEST(HeatSteady, CylinderGivesOffWhatALineSourceDoes) {
+TEST(HeatSteady, HeatOfTheCylinderIsThatOfALineSource) {
     OutputCapture quiet;
     MeshCase c(channel);
     HeatProblem heat(c.mesh, c.objects, c.link);
@@ -45,16 +46,16 @@ TEST(HeatSteady, CylinderGivesOffWhatALineSourceDoes) {
     EXPECT_GT(balance.walls, balance.inlet);
 }
 
-TEST(HeatSteady, OversetBalanceClosesToTheInterpolationError) {
+TEST(HeatSteady, OversetBalanceHoldsUpToTheInterpolationError) {
     OutputCapture quiet;
     MeshCase c(channel);
     HeatProblem heat(c.mesh, c.objects, c.link);
     heat.Advance(0.0);
 
-    EXPECT_LT(std::abs(heat.Balance().Defect()), 2e-3);  // falls with the cell size squared
+    EXPECT_LT(std::abs(heat.Balance().Defect()), 2e-3);  // of second order in the cell size
 }
 
-TEST(HeatSteady, SingleGridBalanceClosesToTheSolver) {
+TEST(HeatSteady, SingleGridBalanceHoldsUpToTheSolverTolerance) {
     MeshCase c(boxPrisms);
     HeatProblem heat(c.mesh, c.objects, c.link);
     heat.Advance(0.0);
@@ -75,7 +76,7 @@ TEST(HeatSteady, TemperatureStaysBetweenColdAndHot) {
     }
 }
 
-TEST(HeatTransient, LongTimeIsTheSteadyState) {
+TEST(HeatTransient, ManyStepsReachTheSteadyState) {
     MeshCase c(boxHexahedra);
     HeatProblem marched(c.mesh, c.objects, c.link);
     for (int i = 0; i < 8; ++i) {
@@ -87,7 +88,7 @@ TEST(HeatTransient, LongTimeIsTheSteadyState) {
     EXPECT_NEAR(marched.Balance().body, steady.Balance().body, 1e-6);
 }
 
-TEST(HeatTransient, ColdStartTakesMoreHeatThanTheSteadyState) {
+TEST(HeatTransient, FirstStepTakesMoreHeatThanTheSteadyState) {
     MeshCase c(boxHexahedra);
     HeatProblem heat(c.mesh, c.objects, c.link);
     heat.Advance(0.01);
@@ -97,7 +98,7 @@ TEST(HeatTransient, ColdStartTakesMoreHeatThanTheSteadyState) {
     EXPECT_GT(early, 2.0 * heat.Balance().body);
 }
 
-TEST(HeatRun, SeriesHoldsEveryStepAndExactlyTheActiveCells) {
+TEST(HeatRun, SeriesHasEveryStepAndExactlyTheActiveCells) {
     TempDirectory results;
     HeatCase run;
     run.meshFile = ShippedMesh(channel.file);
@@ -132,7 +133,7 @@ TEST(HeatRun, SeriesHoldsEveryStepAndExactlyTheActiveCells) {
               std::string::npos);
 }
 
-TEST(HeatRun, MeshWithoutAWallHasNothingToHeat) {
+TEST(HeatRun, MeshWithoutAWallIsRefused) {
     TempDirectory results;
     HeatCase run;
     run.meshFile = ShippedMesh(boxFile);
@@ -140,7 +141,7 @@ TEST(HeatRun, MeshWithoutAWallHasNothingToHeat) {
     run.outputDir = results.Text();
     try {
         host::RunHeat(run);
-        FAIL() << "ran";
+        FAIL() << "no exception";
     } catch (const std::runtime_error& error) {
         EXPECT_NE(std::string(error.what()).find("nothing to heat"), std::string::npos)
             << error.what();

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "reference_host/mesh/mesh_geometry.h"
+#include "reference_host/physics/scalar_solver.h"
 #include "tests/reference_host/discretisation/mesh_case.h"
 #include "tests/reference_host/mesh/mesh_files.h"
 #include "tests/support/output_capture.h"
@@ -26,12 +27,13 @@ constexpr const char* blocksFile = "nonmatching_blocks.geo";
 const MeshParameters flat = {{"n", 8}, {"m", 12}};
 const MeshParameters deep = {{"n", 3}, {"m", 4}, {"lz", 1}};
 
-/// What a variant gives on the flat mesh: 16 faces of block0, 24 of block1, 32 fragments.
+/// Which block is not cut, and what the flat mesh has then: 16 faces of block0 and 24 of block1
+/// meet in 32 fragments.
 struct Variant {
     const char* name;
     WholeFaces whole;
-    int outside, cavity;  // flagged faces owned by block0 and by block1
-    bool outsideStays;    // the larger list; a tie keeps the cavity's
+    int outside, cavity;  // interface faces owned by block0 and by block1
+    bool outsideStays;    // block0 has the longer list; of equal lists that of block1 stays
 };
 
 std::ostream& operator<<(std::ostream& out, const Variant& variant) {
@@ -43,7 +45,7 @@ protected:
     TempDirectory results;
 };
 
-TEST_P(BlockPairVariant, ThePreprocessCountsBothListsAndShrinksTheSmaller) {
+TEST_P(BlockPairVariant, PreprocessCountsBothListsAndShrinksTheShorter) {
     BlockPair pair(ShippedMesh(blocksFile), flat, GetParam().whole, results.Text());
     const int outside = GetParam().outside;
     const int flagged = outside + GetParam().cavity;
@@ -72,19 +74,19 @@ TEST_P(BlockPairVariant, ThePreprocessCountsBothListsAndShrinksTheSmaller) {
     }
 }
 
-TEST_P(BlockPairVariant, CellsAreClosedAfterThePreprocessOnly) {
+TEST_P(BlockPairVariant, CellsAreClosedOnlyAfterThePreprocess) {
     OutputCapture quiet;
     for (const MeshParameters& parameters : {flat, deep}) {
         BlockPair pair(ShippedMesh(blocksFile), parameters, GetParam().whole, results.Text());
-        EXPECT_GT(host::LargestGap(pair.mesh), 0.1) << "the interface counts twice";
+        EXPECT_GT(host::LargestGap(pair.mesh), 0.1) << "both sides of the interface count";
 
         pair.Settle();
 
-        EXPECT_LT(host::LargestGap(pair.mesh), 1e-10);  // what is left of the shrunk areas
+        EXPECT_LT(host::LargestGap(pair.mesh), 1e-10);  // remainder of the shrunk areas
     }
 }
 
-TEST_P(BlockPairVariant, ALinearFieldCrossesTheInterfaceToEightDigits) {
+TEST_P(BlockPairVariant, LinearFieldIsReproducedAcrossTheInterface) {
     OutputCapture quiet;
     for (const MeshParameters& parameters : {flat, deep}) {
         BlockPair pair(ShippedMesh(blocksFile), parameters, GetParam().whole, results.Text());
@@ -103,7 +105,7 @@ TEST_P(BlockPairVariant, ALinearFieldCrossesTheInterfaceToEightDigits) {
     }
 }
 
-TEST_P(BlockPairVariant, TheOrderIsTwo) {
+TEST_P(BlockPairVariant, OrderIsTwo) {
     NonmatchingCase run;
     run.meshFile = ShippedMesh(blocksFile);
     run.whole = GetParam().whole;
@@ -118,7 +120,7 @@ TEST_P(BlockPairVariant, TheOrderIsTwo) {
     }
 
     EXPECT_EQ(code, 0) << out;
-    EXPECT_THAT(out, HasSubstr("All limits reached."));
+    EXPECT_THAT(out, HasSubstr("All figures are within their limits."));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -128,7 +130,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Variant{"Block1Whole", WholeFaces::Block1, 32, 24, /*outsideStays=*/true}),
     CaseName<Variant>);
 
-/// NumberOfCells of block `block` of a picture of the interface.
+/// NumberOfCells in block `block` of a picture of the interface.
 int CellsOfBlock(const std::filesystem::path& directory, const std::string& moment, int block) {
     const std::string name = "Check_NonmatchingFaceData_" + moment + "Preprocess";
     const std::string text = ReadFile(directory / (name + "_1") /
@@ -146,7 +148,7 @@ TEST(InterfacePictures, ShowBothSidesBeforeAndNoneAfter) {
     }
 
     const int cells = pair.mesh.CellCount();
-    // All cells; owners in block1, once a fragment, and their neighbors; the same of block0.
+    // All cells; owners in block1, once per fragment, and their neighbors; the same for block0.
     const std::array<int, 5> before = {cells, 32, 16, 32, 24};
     const std::array<int, 5> after = {cells, 0, 0, 0, 0};
     for (int block = 1; block <= 5; ++block) {
@@ -175,14 +177,14 @@ TEST(NonmatchingRun, WritesTheSolutionBesideThePictures) {
     EXPECT_THAT(pvd, testing::Not(HasSubstr("Check_")));
 }
 
-TEST(NonmatchingRun, NeedsOneMForEachN) {
+TEST(NonmatchingRun, RefusesSizesWithoutAPartner) {
     NonmatchingCase run;
     run.n = {4, 8};
     run.m = {6};
 
-    EXPECT_THAT(
-        [&] { host::RunNonmatching(run); },
-        testing::ThrowsMessage<std::runtime_error>(HasSubstr("--n has 2 values and --m has 1")));
+    EXPECT_THAT([&] { host::RunNonmatching(run); },
+                testing::ThrowsMessage<std::runtime_error>(
+                    HasSubstr("study.n (--n) has 2 values and study.m (--m) has 1")));
 }
 
 }  // namespace

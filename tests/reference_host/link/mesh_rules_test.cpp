@@ -1,26 +1,32 @@
-#include "reference_host/link/mesh_rules.h"
+#include "host_checks/mesh_rules.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "host_checks/host_checks.h"
+#include "host_checks/host_rules.h"
+#include "reference_host/link/host_objects.h"
 #include "reference_host/mesh/cell_size.h"
-#include "reference_host/mesh/mesh_geometry.h"
 #include "tests/reference_host/mesh/mesh_files.h"
 
 namespace {
 
-using host::Boundary;
-using host::BoundaryFace;
 using host::Mesh;
 using Lines = std::vector<std::string>;
 using Edits = std::vector<std::pair<std::string, std::string>>;
 
-std::vector<BoundaryFace>& FacesOf(Mesh& mesh, Boundary kind) {
-    return mesh.boundaryFaces[static_cast<int>(kind)];
+/// The texts of all faults that the checks find before the toolbox cuts a mesh.
+Lines FaultsOf(const Mesh& mesh) {
+    const host::HostObjects objects(mesh, ".");
+    Lines lines;
+    for (const kvx3d::checks::Fault& fault :
+         kvx3d::checks::MaySetUp(objects.gv, objects.fvm).faults) {
+        lines.push_back(Text(fault));
+    }
+    return lines;
 }
 
 struct Shipped {
@@ -34,7 +40,7 @@ class RulesOfShippedMesh : public testing::TestWithParam<Shipped> {};
 TEST_P(RulesOfShippedMesh, AreKept) {
     const Mesh mesh = ReadShipped(GetParam().file, GetParam().parameters);
 
-    EXPECT_EQ(host::FaultsBeforeCutting(mesh), Lines());
+    EXPECT_EQ(FaultsOf(mesh), Lines());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -50,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Shipped{"Sphere6", sphereGeo, {{"n", 6}}}),
     CaseName<Shipped>);
 
-/// The box with the annulus, its geometry edited: what breaks a rule, and words of its line.
+/// The box with the annulus with an edited geometry that breaks a rule, and words of its line.
 struct Edited {
     const char* name;
     host::MeshParameters parameters;
@@ -60,10 +66,10 @@ struct Edited {
 
 class RuleBrokenByGeometry : public testing::TestWithParam<Edited> {};
 
-TEST_P(RuleBrokenByGeometry, IsToldInOneLine) {
+TEST_P(RuleBrokenByGeometry, IsReportedInOneLine) {
     const Mesh mesh = ReadEdited(boxGeo, GetParam().parameters, GetParam().edits);
 
-    const Lines lines = host::FaultsBeforeCutting(mesh);
+    const Lines lines = FaultsOf(mesh);
 
     EXPECT_TRUE(HasLine(lines, GetParam().words)) << testing::PrintToString(lines);
 }
@@ -124,114 +130,40 @@ INSTANTIATE_TEST_SUITE_P(
             {"overset1 face, wall face", "in front of the plane of wall face", "must be convex"}}),
     CaseName<Edited>);
 
-TEST(RulesOneCellThick, DepthsOfAFifthToEightCellsAreTaken) {
+TEST(RulesOneCellThick, DepthsOfAFifthToEightCellsAreAccepted) {
     for (const char* dz : {"dz = 0.21 * h", "dz = 7.9 * h"}) {
         const Mesh mesh = ReadEdited(boxGeo, {{"n", 20}}, {{"dz = h * nz", dz}});
 
-        EXPECT_FALSE(HasLine(host::FaultsBeforeCutting(mesh), {"thick in z"})) << dz;
+        EXPECT_FALSE(HasLine(FaultsOf(mesh), {"thick in z"})) << dz;
     }
 }
 
-/// A fault put into the sound mesh of the box with the annulus.
-struct Broken {
-    const char* name;
-    std::function<void(Mesh&)> make;
-    Lines words;
-};
-
-class RuleBrokenByGroups : public testing::TestWithParam<Broken> {};
-
-TEST_P(RuleBrokenByGroups, IsToldInOneLine) {
-    Mesh mesh = ReadShipped(boxGeo, {{"n", 5}});
-    GetParam().make(mesh);
-
-    const Lines lines = host::FaultsBeforeCutting(mesh);
-
-    EXPECT_TRUE(HasLine(lines, GetParam().words)) << testing::PrintToString(lines);
-}
-
-// Wall faces 1..40 are the box's, 41..120 inner and outer boundary of the annulus.
-INSTANTIATE_TEST_SUITE_P(
-    Each, RuleBrokenByGroups,
-    testing::Values(
-        Broken{"InletOnTheComponent",
-               [](Mesh& mesh) {
-                   FacesOf(mesh, Boundary::Inlet).push_back(FacesOf(mesh, Boundary::Wall).back());
-               },
-               {"inlet face 21 at (", "beside component1", "only the background has inlets"}},
-        Broken{"NoInlet",
-               [](Mesh& mesh) { FacesOf(mesh, Boundary::Inlet).resize(1); },
-               {"there is no inlet face"}},
-        Broken{"NoWallBesideTheBackground",
-               [](Mesh& mesh) {
-                   auto& walls = FacesOf(mesh, Boundary::Wall);
-                   walls.erase(walls.begin() + 1, walls.begin() + 41);
-               },
-               {"no physical wall lies beside the background"}},
-        Broken{"EmptyGroup",
-               [](Mesh& mesh) {
-                   for (BoundaryFace& face : FacesOf(mesh, Boundary::Wall)) {
-                       face.oversetGroup = 0;
-                   }
-               },
-               {"no overset1 face lies beside component1"}},
-        Broken{"OneCellGrid",
-               [](Mesh& mesh) { mesh.cavity[mesh.CellCount()] = 3; },
-               {"component2 has 1 cell: give each grid two cells"}},
-        Broken{"MetresInsteadOfDiameters",
-               [](Mesh& mesh) {
-                   for (host::Vec3& node : mesh.nodes) {
-                       node *= 0.01;
-                   }
-                   host::ComputeGeometry(mesh);
-               },
-               {"overset1 face, wall face", "below 1e-6", "so that the body measures 1"}},
-        Broken{"CellsSortedOnAllAxes",
-               [](Mesh& mesh) {
-                   // Many cells more, as on a diagonal: nothing but their centres counts here.
-                   for (int i = 0; i < 10001; ++i) {
-                       mesh.cellCentre.push_back(host::Vec3::Constant(10.0 + i));
-                       mesh.cavity.push_back(1);
-                       mesh.volume.push_back(1.0);
-                       mesh.cellNodes.push_back(mesh.cellNodes[1]);
-                   }
-               },
-               {"the search tree of the background cells is more than 10000 levels deep"}}),
-    CaseName<Broken>);
-
-TEST(RuleFaults, NameThePlaceAndTheNumberOfOthers) {
+TEST(RuleFaults, NameTheFirstPlaceAndTheNumberOfOthers) {
     const Mesh mesh = ReadEdited(boxGeo, {{"n", 10}}, {{"nt = Round(2 * n)", "nt = Round(n)"}});
 
-    const Lines lines = host::FaultsBeforeCutting(mesh);
+    const Lines lines = FaultsOf(mesh);
 
     EXPECT_TRUE(HasLine(lines, {"overset1 face, wall face ", " at (", "(and 39 more): refine"}))
         << testing::PrintToString(lines);
 }
 
-TEST(EdgeLengths, AreThoseOfRegularCells) {
-    EXPECT_NEAR(host::EdgeLengths(ReadShipped(boxGeo, {{"n", 5}, {"kind", 1}}))[1], 0.2, 1e-11);
+TEST(RuleFaults, SingleGridWithoutInletHasSoundHostObjects) {
+    const Mesh annulus = ReadShipped(boxGeo, {{"n", 5}, {"kind", 3}});
+    const host::HostObjects objects(annulus, ".");
 
-    MshText msh;
-    const double height = std::sqrt(3.0) / 2;
-    const int n[] = {msh.Node(0, 0, 0), msh.Node(1, 0, 0), msh.Node(0.5, height, 0),
-                     msh.Node(0.5, height / 3, std::sqrt(2.0 / 3.0))};
-    msh.Element(4, "background", {n[0], n[1], n[2], n[3]});
-    for (int skipped : {0, 1, 2, 3}) {
-        std::vector<int> face;
-        for (int i : {0, 1, 2, 3}) {
-            if (i != skipped) {
-                face.push_back(n[i]);
-            }
-        }
-        msh.Element(2, "wall", face);
-    }
-    EXPECT_NEAR(host::EdgeLengths(msh.Read())[1], 1.0, 1e-14);
+    EXPECT_TRUE(kvx3d::checks::HostFaults(objects.gv, objects.fvm).empty());
 }
 
-TEST(EdgeLengths, OfAMeshOneCellThickAreInThePlane) {
+TEST(CellsPerUnit, CountsTheSmallestBackgroundCell) {
+    EXPECT_EQ(host::CellsPerUnit(ReadShipped(boxGeo, {{"n", 5}})), 5);
+    EXPECT_EQ(host::CellsPerUnit(ReadShipped(boxGeo, {{"n", 10}, {"nz", 3}})), 10);
+}
+
+/// On a mesh one cell thick the length is taken in the plane.
+TEST(CellsPerUnit, DoesNotDependOnTheThicknessOfAMeshOneCellThick) {
     const Mesh mesh = ReadEdited(boxGeo, {{"n", 5}, {"kind", 1}}, {{"dz = h * nz", "dz = 5 * h"}});
 
-    EXPECT_NEAR(host::EdgeLengths(mesh)[1], 0.2, 1e-11);
+    EXPECT_EQ(host::CellsPerUnit(mesh), 5);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "overset/overset_mesh.h"
-#include "reference_host/link/mesh_rules.h"
 #include "tests/reference_host/mesh/mesh_files.h"
 #include "tests/support/output_capture.h"
 
@@ -20,21 +19,20 @@ using host::HostObjects;
 using host::Mesh;
 using host::OversetLink;
 using host::Vec3;
-using Lines = std::vector<std::string>;
 
-/// A mesh cut by the toolbox, its announcements kept.
+/// A mesh cut by the toolbox, with what the toolbox printed.
 struct Linked {
     Linked(const std::string& file, const host::MeshParameters& parameters)
         : mesh(ReadShipped(file, parameters)),
           objects(mesh, "."),
           link(mesh, objects),
-          announced(capture.Out() + capture.Err()) {}
+          printed(capture.Out() + capture.Err()) {}
 
     OutputCapture capture;
     const Mesh mesh;
     HostObjects objects;
     OversetLink link;
-    const std::string announced;
+    const std::string printed;
 };
 
 struct Shipped {
@@ -144,8 +142,8 @@ TEST_P(LinkedMesh, WallDonorsAreTheNearestActiveBackgroundCells) {
     }
 }
 
-/// Only where the own donor passes the toolbox's test with a margin: elsewhere its search walks
-/// outwards, on some faces for ever.
+/// Compares only where the donor passes the test of the toolbox with a margin: elsewhere the search
+/// of the toolbox goes further out, and on some faces it never ends.
 TEST_P(LinkedMesh, ToolboxAgreesOnWallDonorsWhereItsTestHolds) {
     int nSafe = 0;
     for (int i = 1; i <= mesh.FaceCount(Boundary::Wall); ++i) {
@@ -175,10 +173,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Shipped{"Sphere6", sphereGeo, {{"n", 6}}, 1077}),
     CaseName<Shipped>);
 
-TEST(OversetLink, TheToolboxAnnouncesItsSteps) {
+TEST(OversetLink, TheToolboxPrintsItsSteps) {
     const Linked linked(boxGeo, {{"n", 5}});
 
-    EXPECT_EQ(linked.announced,
+    EXPECT_EQ(linked.printed,
               "Step 1: Link Kelvex FVM Mesh Data.\n"
               "Step 2: Overset Mesh Data Initial Setting.\n"
               "Step 3: Outside Domain Cutting.\n"
@@ -213,7 +211,7 @@ TEST(OversetLink, SingleGridNeedsNoToolbox) {
 
     EXPECT_FALSE(linked.link.IsOverset());
     EXPECT_EQ(linked.link.Toolbox(), nullptr);
-    EXPECT_EQ(linked.announced, "");
+    EXPECT_EQ(linked.printed, "");
     for (int cell = 1; cell <= linked.mesh.CellCount(); ++cell) {
         ASSERT_TRUE(linked.link.IsActive(cell));
     }
@@ -255,112 +253,16 @@ TEST(OversetLinkFaults, EachFaultIsALineOfItsOwn) {
     EXPECT_THAT(error, testing::MatchesRegex("[^\n]*on the body[^\n]*\n[^\n]*has an edge[^\n]*"));
 }
 
-/// The tables of a cut mesh, to be spoilt.
-class RulesAfterCutting : public testing::Test {
-protected:
-    RulesAfterCutting() : linked(boxGeo, {{"n", 10}}), donors(linked.link.Tables()) {}
-
-    Lines Faults() const { return host::FaultsAfterCutting(linked.mesh, donors); }
-    /// First face with a donor.
-    int HoleFace() const {
-        int face = 1;
-        while (donors.inner[face] == 0) {
-            ++face;
-        }
-        return face;
+TEST(OversetLinkFaults, GroupsMustFitTheNamesOfTheVolumes) {
+    Mesh mesh = ReadShipped(channelGeo, {{"n", 5}, {"two", 1}});
+    for (BoundaryFace& face : mesh.boundaryFaces[static_cast<int>(Boundary::Wall)]) {
+        face.oversetGroup = face.oversetGroup > 0 ? 3 - face.oversetGroup : 0;
     }
-    int OversetWall() const {
-        int wall = 1;
-        while (donors.wall[wall] == 0) {
-            ++wall;
-        }
-        return wall;
-    }
-    void ExpectLine(const Lines& words) const {
-        EXPECT_TRUE(HasLine(Faults(), words)) << testing::PrintToString(Faults());
-    }
+    HostObjects objects(mesh, ".");
 
-    const Linked linked;
-    host::Donors donors;
-};
-
-TEST_F(RulesAfterCutting, AreKeptByTheShippedMesh) {
-    EXPECT_EQ(Faults(), Lines());
-}
-
-TEST_F(RulesAfterCutting, SomeBackgroundCellIsCut) {
-    std::fill(donors.active.begin(), donors.active.end(), char{1});
-
-    ExpectLine({"no background cell was cut"});
-}
-
-TEST_F(RulesAfterCutting, NoComponentCellIsCut) {
-    donors.active[linked.mesh.CellCount()] = 0;
-
-    ExpectLine({"cell 2240 at (", "of component1 was cut"});
-}
-
-TEST_F(RulesAfterCutting, EveryHoleFaceHasADonor) {
-    donors.inner[HoleFace()] = 0;
-
-    EXPECT_EQ(Faults().size(), 1u);
-    ExpectLine({"hole-boundary face ", " at (", "no donor was found"});
-}
-
-TEST_F(RulesAfterCutting, EveryOversetWallHasADonor) {
-    donors.wall[OversetWall()] = 0;
-
-    // A physical wall has none either; the group of the face tells them apart.
-    EXPECT_EQ(Faults().size(), 1u);
-    ExpectLine({"overset1 face, wall face ", "no donor was found"});
-}
-
-TEST_F(RulesAfterCutting, NoDonorTouchesAWallOrOversetFace) {
-    const int body = linked.mesh.Faces(Boundary::Wall)[linked.mesh.FaceCount(Boundary::Wall)].cell;
-    donors.inner[HoleFace()] = body;
-
-    ExpectLine({"hole-boundary face ", "has as donor cell " + std::to_string(body),
-                "of component1, which touches a wall or overset face"});
-}
-
-TEST_F(RulesAfterCutting, SixTriesOfAHexahedronAreTooMany) {
-    donors.tries[HoleFace()] = 5;
-    EXPECT_EQ(Faults(), Lines());
-
-    donors.tries[HoleFace()] = 8;
-    ExpectLine({"hole-boundary face ", "took 8 searches for a donor", "more than 5"});
-}
-
-TEST_F(RulesAfterCutting, CloudsAreLargeEnough) {
-    const int donor = donors.inner[HoleFace()];
-    for (int face = 1; face <= linked.mesh.InnerFaceCount(); ++face) {
-        const host::InnerFace& inner = linked.mesh.innerFaces[face];
-        if (inner.owner == donor || inner.neighbor == donor) {
-            donors.side[face] = FaceSide::None;
-        }
-    }
-
-    ExpectLine({"has as donor cell " + std::to_string(donor),
-                "with 1 active cells around it, 8 are "
-                "needed"});
-}
-
-TEST(DonorGuard, GivesUpAfterItsTries) {
-    // Everything of the component cut but the layer at the body: the mirrored points find cells on
-    // the far side of the hole only, and a search without bound would walk far or for ever.
-    const Linked linked(boxGeo, {{"n", 10}});
-    host::Donors donors = linked.link.Tables();
-    for (int cell = 1; cell <= linked.mesh.CellCount(); ++cell) {
-        if (linked.mesh.cavity[cell] == 2) {
-            donors.active[cell] = 0;
-        }
-    }
-
-    host::FindDonors(linked.mesh, donors, 20);
-
-    for (int face = 1; face <= linked.mesh.InnerFaceCount(); ++face) {
-        EXPECT_EQ(donors.inner[face], 0);
-    }
+    EXPECT_THAT(ErrorOf([&] { OversetLink link(mesh, objects); }),
+                testing::HasSubstr("of component1 belongs to grid 3 by the inlet and the overset "
+                                   "groups"));
 }
 
 }  // namespace

@@ -9,7 +9,7 @@ namespace {
 
 using host::Progress;
 
-TEST(ProgressLines, PlainOutputHasOneLineAStepAndNoControlCharacters) {
+TEST(ProgressLines, PlainOutputHasOneLinePerStepWithoutControlCharacters) {
     std::ostringstream out;
     {
         Progress progress("heat", 2, out, /*terminal=*/false);
@@ -40,7 +40,7 @@ TEST(ProgressLines, LoopWithoutStepsPrintsNothing) {
     EXPECT_EQ(out.str(), "");
 }
 
-TEST(DurationText, ReadsLikeAPersonSaysIt) {
+TEST(DurationText, HasTheTwoLargestUnits) {
     EXPECT_EQ(host::Duration(0.04), "0.0 s");
     EXPECT_EQ(host::Duration(9.94), "9.9 s");
     EXPECT_EQ(host::Duration(9.96), "10 s");
@@ -65,7 +65,7 @@ TEST(IterationLines, PlainOutputHasEveryTenthIterationAndTheLast) {
               "flow 22: change 4.5e-02, mass 22\n");
 }
 
-TEST(IterationLines, LastIterationIsToldOnce) {
+TEST(IterationLines, LastIterationIsPrintedOnce) {
     std::ostringstream out;
     {
         host::IterationProgress progress("flow", 1e-7, out, /*terminal=*/false);
@@ -77,7 +77,7 @@ TEST(IterationLines, LastIterationIsToldOnce) {
     EXPECT_EQ(out.str(), "flow 10: change 5.0e-01, \n");
 }
 
-TEST(IterationLines, BarShowsTheOrdersOfMagnitudeGainedAndNeverFallsBack) {
+TEST(IterationLines, BarFollowsTheLogarithmOfTheReductionAndNeverShrinks) {
     std::ostringstream out;
     {
         host::IterationProgress progress("flow", 1e-4, out, /*terminal=*/true);

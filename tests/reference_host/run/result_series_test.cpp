@@ -21,7 +21,7 @@ std::string MessageOf(const std::function<void()>& call) {
     return "";
 }
 
-TEST(OutputDirectory, IsMadeWithItsParents) {
+TEST(OutputDirectory, IsCreatedWithItsParents) {
     TempDirectory root;
     const auto directory = root.Path() / "a" / "b";
 
@@ -39,7 +39,7 @@ TEST(OutputDirectory, UnderAFileIsRefusedByName) {
     const std::string message = MessageOf([&] { host::PrepareOutputDirectory(directory); });
 
     EXPECT_NE(message.find(directory), std::string::npos) << message;
-    EXPECT_NE(message.find("cannot be made"), std::string::npos) << message;
+    EXPECT_NE(message.find("cannot be created"), std::string::npos) << message;
 }
 
 TEST(OutputDirectory, ThatIsAFileIsRefused) {
@@ -65,7 +65,7 @@ protected:
     OutputCapture quiet;
 };
 
-TEST_F(SingleGridSeries, ShowsWhatTheArraysHoldAtEachStep) {
+TEST_F(SingleGridSeries, HasTheValuesOfTheArraysAtEachStep) {
     ResultSeries series(mesh, objects, link, directory.Text(), "Scalar", "Vector");
     objects.pressure[1] = 1.5;
     series.Write(0.0, 1);
@@ -83,14 +83,14 @@ TEST_F(SingleGridSeries, ShowsWhatTheArraysHoldAtEachStep) {
 }
 
 TEST_F(SingleGridSeries, StepThatCouldNotBeWrittenIsReported) {
-    // A file where the step files' directory should be: the tool takes it for the directory.
+    // A file in place of the directory of the step files, which the tool takes for the directory.
     WriteFile(directory.Path() / "VTK_Flow_Results_0", "x");
     ResultSeries series(mesh, objects, link, directory.Text());
     series.Write(0.0, 1);
 
     const std::string message = MessageOf([&] { series.Finish(); });
 
-    EXPECT_NE(message.find("has 0 of 1 steps"), std::string::npos) << message;
+    EXPECT_NE(message.find("only 0 of 1 steps are complete"), std::string::npos) << message;
 }
 
 TEST_F(SingleGridSeries, StepThatWasCutShortIsReported) {
@@ -103,10 +103,10 @@ TEST_F(SingleGridSeries, StepThatWasCutShortIsReported) {
 
     const std::string message = MessageOf([&] { series.Finish(); });
 
-    EXPECT_NE(message.find("has 1 of 2 steps whole"), std::string::npos) << message;
+    EXPECT_NE(message.find("only 1 of 2 steps are complete"), std::string::npos) << message;
 }
 
-TEST_F(SingleGridSeries, OldSeriesDoesNotPassForTheNewOne) {
+TEST_F(SingleGridSeries, SeriesOfAnEarlierRunIsRemoved) {
     WriteFile(directory.Path() / "VTK_Flow_Results.pvd", "<DataSet a\n<DataSet b\n");
 
     const ResultSeries series(mesh, objects, link, directory.Text());

@@ -1,0 +1,32 @@
+#include "host_checks/detail/messages.h"
+
+#include <array>
+#include <cstdio>
+
+namespace kvx3d::checks {
+
+std::string Digits(double value, int digits) {
+    std::array<char, 40> text{};
+    std::snprintf(text.data(), text.size(), "%.*g", digits, value);
+    return text.data();
+}
+
+std::string At(const Point& point) {
+    return "at (" + Digits(point.x) + ", " + Digits(point.y) + ", " + Digits(point.z) + ")";
+}
+
+std::string CellAt(const MeshView& mesh, int cell) {
+    return "cell " + std::to_string(cell) + " " + At(mesh.NodeMean(cell));
+}
+
+std::string WallFaceAt(const MeshView& mesh, int wallFace) {
+    const int group = mesh.WallGroup(wallFace);
+    const std::string name = group > 0 ? "overset" + std::to_string(group) + " face, " : "";
+    return name + "wall face " + std::to_string(wallFace) + " " + At(mesh.Walls().Center(wallFace));
+}
+
+std::string GridName(int grid) {
+    return grid == 1 ? "background" : "component" + std::to_string(grid - 1);
+}
+
+}  // namespace kvx3d::checks

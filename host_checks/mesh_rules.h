@@ -1,0 +1,51 @@
+#ifndef KVX3D_HOST_CHECKS_MESH_RULES_H
+#define KVX3D_HOST_CHECKS_MESH_RULES_H
+
+#include <vector>
+
+#include "host_checks/export.h"
+#include "host_checks/fault.h"
+#include "host_checks/mesh_view.h"
+
+namespace kvx3d::checks {
+
+/// Limits that an overset mesh must keep. Lengths are multiples of h, the size of the background
+/// cells at the outer boundary of a component: V^(1/3) where the margin of the toolbox is meant
+/// (wallLayer, minGap, minThickness), otherwise MeshView::EdgeLength().
+namespace limit {
+constexpr double wallLayer = 2.0;     ///< the toolbox cuts component cells nearer to a wall
+constexpr double minGap = 3.5;        ///< from the outer boundary to background walls
+constexpr double minThickness = 3.5;  ///< from the outer boundary to the body
+constexpr double minDepth = 0.2;      ///< thickness of a mesh one cell thick
+constexpr double maxDepth = 8.0;
+constexpr double maxQuadEdge = 1.25;  ///< edges of outer faces
+constexpr double maxTriangleEdge = 2.0;
+constexpr double minLayer = 0.7;  ///< component cells at the outer boundary, across it
+constexpr double maxLayer = 1.5;
+constexpr double maxTaperedLayer = 2.0;  ///< the same for cells that end in a point or an edge
+constexpr double maxBend = 45.0;         ///< degrees between neighboring outer faces
+constexpr double maxBulge = 0.5;         ///< of an outer face in front of the plane of another one
+constexpr double minDonorTest = 1e-6;    ///< |S| |P - C| of a face that needs a donor [length^3]
+}  // namespace limit
+
+/// True if |S| |P - C| of a face and its active cell is near the absolute threshold of 1e-8 in the
+/// donor search of the toolbox.
+KVX3D_CHECKS_API bool IsTooSmallForDonors(const Point& area, const Point& faceCenter,
+                                          const Point& cellCenter);
+
+/// Checks the rules that can be decided from the mesh alone, before the toolbox cuts it. For
+/// meshes of two or three grids; a single grid has nothing to check.
+///
+/// Component 1 is checked against the background. The toolbox neither cuts with component 2 nor
+/// finds donors for its faces, so of component 2 only the length scale and the shape of its outer
+/// boundary are checked.
+///
+/// If a grid, a group or the background walls are missing, the other rules are not checked: they
+/// would have nothing to search in.
+///
+/// @return one fault for each broken rule; none if all are kept
+KVX3D_CHECKS_API std::vector<Fault> MeshFaults(const MeshView& mesh);
+
+}  // namespace kvx3d::checks
+
+#endif

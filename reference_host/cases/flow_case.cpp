@@ -1,0 +1,71 @@
+#include "reference_host/cases/flow_case.h"
+
+#include "reference_host/link/body.h"
+#include "reference_host/link/donor_table.h"
+#include "reference_host/mesh/cell_size.h"
+#include "reference_host/run/comparison.h"
+
+namespace host {
+
+namespace {
+
+FlowSettings SolverSettings(const FlowCase& run, const FlowProblem& problem, const Mesh& mesh) {
+    FlowSettings settings = problem.Flow(mesh);
+    settings.scheme = run.scheme;
+    settings.momentumSolver = run.matrixSolver;
+    settings.pressureSolver = run.pressureSolver.value_or(run.matrixSolver);
+    settings.relaxation = run.relaxation.value_or(DefaultRelaxation(CellsPerUnit(mesh)));
+    return settings;
+}
+
+FlowRunSettings RunSettings(const FlowCase& run, const FlowProblem& problem) {
+    FlowRunSettings settings;
+    settings.name = problem.Body();
+    settings.outputDir = run.outputDir;
+    settings.stepsEvery = run.stepsEvery;
+    settings.maxIterations = run.maxIterations;
+    settings.convergedChange = problem.ConvergedChange();
+    return settings;
+}
+
+}  // namespace
+
+std::vector<Option> FlowOptions(FlowCase& run) {
+    const Range count = Range::Between(1, 1000000);
+    return {
+        SchemeOption(run.scheme),
+        NumberOption({"solver.relaxation", "--relaxation",
+                      "relaxation factor of the momentum equations; by default 0.9 up to 10 cells "
+                      "per diameter, "
+                      "0.95 at 20, 0.975 at 40"},
+                     run.relaxation, Range::Between(0.01, 0.999)),
+        SolverOption(run.matrixSolver),
+        PressureSolverOption(run.pressureSolver),
+        IntegerOption({"solver.iterations", "--iterations", "maximum number of iterations"},
+                      run.maxIterations, count),
+        OutputOption(run.outputDir),
+        IntegerOption(
+            {"output.steps_every", "--steps-every", "iterations between two result files"},
+            run.stepsEvery, count),
+        CheckOption(run.check),
+    };
+}
+
+int RunFlow(const FlowCase& run, FlowProblem& problem) {
+    PrepareOutputDirectory(run.outputDir);
+    const Mesh mesh = ReadGrids(run.meshFile, run.parameters);
+    problem.Require(mesh);
+    HostObjects objects(mesh, run.outputDir);
+    OversetLink link(mesh, objects);
+    RequireComponentBody(mesh, link, run.meshFile, problem.Body());
+    WriteDonorTable(mesh, link, run.outputDir);
+    FlowRun flow(mesh, objects, link, SolverSettings(run, problem, mesh), RunSettings(run, problem),
+                 [&problem](const FlowSolver& now) { return problem.Coefficients(now); });
+    const FlowRun::End end = flow.Run();
+    problem.Report(flow, mesh);
+    flow.PrintEffort();
+    const int code = flow.PrintEnd(end);
+    return code != 0 || !run.check ? code : ReportMisses(problem.Misses());
+}
+
+}  // namespace host

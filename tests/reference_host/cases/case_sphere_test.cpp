@@ -1,0 +1,114 @@
+#include "reference_host/cases/case_sphere.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "reference_host/cases/benchmark_sphere.h"
+#include "reference_host/link/body.h"
+#include "tests/reference_host/discretisation/mesh_case.h"
+#include "tests/support/output_capture.h"
+#include "tests/support/temp_directory.h"
+
+namespace {
+
+using host::Boundary;
+using host::Vec3;
+using host::benchmarksphere::AxisPoint;
+using host::benchmarksphere::RecirculationLength;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+const MeshChoice sphere5 = {"Sphere5", "sphere_overset.geo", {{"n", 5}}};
+
+TEST(RecirculationLength, EndsWhereTheVelocityChangesSign) {
+    const std::vector<AxisPoint> axis = {{0.5, -0.1}, {1.0, -0.2}, {1.5, 0.6}, {2.0, 0.7}};
+
+    EXPECT_DOUBLE_EQ(RecirculationLength(axis), 1.125 - 0.5);
+}
+
+TEST(RecirculationLength, IsMeasuredToTheFirstChangeOnly) {
+    const std::vector<AxisPoint> axis = {{0.5, -0.1}, {1.0, 0.1}, {1.5, -0.1}, {2.0, 0.1}};
+
+    EXPECT_DOUBLE_EQ(RecirculationLength(axis), 0.25);
+}
+
+TEST(RecirculationLength, IsZeroWithoutReversedFlowThatEnds) {
+    EXPECT_EQ(RecirculationLength({{0.5, 0.0}, {1.0, 0.5}}), 0.0);
+    EXPECT_EQ(RecirculationLength({{0.5, -0.5}, {1.0, -0.1}}), 0.0);
+}
+
+TEST(SphereLimits, ApplyToEachFigureAlone) {
+    namespace sphere = host::benchmarksphere;
+    const auto limits = sphere::LimitsOf(host::Scheme::LinearUpwind, 7);
+    ASSERT_TRUE(limits);
+    sphere::Result good;
+    good.cd = sphere::dragCoefficient;
+    good.recirculation = sphere::recirculationLength;
+    EXPECT_TRUE(sphere::Misses(good, *limits).empty());
+
+    sphere::Result drag = good;
+    drag.cd *= 1.05;
+    EXPECT_THAT(sphere::Misses(drag, *limits), ElementsAre(HasSubstr("Cd")));
+    sphere::Result vortex = good;
+    vortex.recirculation = std::nan("");
+    EXPECT_THAT(sphere::Misses(vortex, *limits), ElementsAre(HasSubstr("recirculation")));
+    sphere::Result side = good;
+    side.sideForce = 0.1;
+    EXPECT_THAT(sphere::Misses(side, *limits), ElementsAre(HasSubstr("side force")));
+    sphere::Result mass = good;
+    mass.massDefect = -0.1;
+    EXPECT_THAT(sphere::Misses(mass, *limits), ElementsAre(HasSubstr("mass")));
+}
+
+TEST(SphereLimits, ExistForMeasuredMeshesOnly) {
+    EXPECT_FALSE(host::benchmarksphere::LimitsOf(host::Scheme::LinearUpwind, 6));
+    EXPECT_FALSE(host::benchmarksphere::LimitsOf(host::Scheme::Quick, 7));
+}
+
+TEST(SphereFlow, SideWallsMoveWithTheStreamAndTheSphereIsAtRest) {
+    OutputCapture quiet;
+    const MeshCase mesh(sphere5);
+    const Vec3 stream = host::benchmarksphere::Stream();
+    const host::FlowConditions conditions(
+        mesh.mesh, mesh.link, [&](const Vec3&) { return stream; }, stream);
+    int walls = 0;
+    int body = 0;
+
+    for (int face = 1; face <= mesh.mesh.FaceCount(Boundary::Wall); ++face) {
+        const host::WallRole role = RoleOf(mesh.mesh, mesh.link, face);
+        if (role == host::WallRole::Overset) {
+            continue;
+        }
+        const bool rests = role == host::WallRole::Body;
+        (rests ? body : walls) += 1;
+        for (int component = 0; component < 3; ++component) {
+            const auto& at = conditions.velocity[component].At(Boundary::Wall, face);
+            EXPECT_EQ(at.kind, host::GhostCondition::Kind::Value);
+            EXPECT_EQ(at.value, rests ? 0.0 : stream[component]);
+        }
+    }
+    EXPECT_GT(walls, 0);
+    EXPECT_GT(body, 0);
+}
+
+TEST(FullSphereFlow, FiguresOfTheCoarseMeshAreWithinTheirLimits) {
+    TempDirectory results;
+    host::SphereCase run;
+    run.meshFile = std::string(KVX3D_TEST_MESH_DIR) + "/sphere_overset.geo";
+    run.parameters = {{"n", 5}};
+    run.outputDir = results.Text();
+    run.stepsEvery = 1000;
+    run.check = true;
+    OutputCapture quiet;
+
+    EXPECT_EQ(host::RunSphere(run), 0) << quiet.Err();
+
+    std::ifstream axis(results.Path() / "wake_axis.csv");
+    std::string heading;
+    EXPECT_TRUE(std::getline(axis, heading));
+    EXPECT_EQ(heading, "x,u");
+}
+
+}  // namespace
