@@ -35,7 +35,7 @@ std::ptrdiff_t AllocationCount::PeakBytes() const {
     return peak;
 }
 
-// The array forms come here too.
+// The array forms call these functions too.
 
 void* operator new(std::size_t size) {
     void* block = std::malloc(size != 0 ? size : 1);

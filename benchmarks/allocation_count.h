@@ -3,9 +3,10 @@
 
 #include <cstddef>
 
-/// Counts the bytes that are allocated through operator new while the object lives. One at a time.
+/// Counts the bytes allocated by operator new during the lifetime of the object. There may be one
+/// such object at a time.
 ///
-/// A block counts with what the allocator really took for it, its own word included (glibc).
+/// A block counts with the size that the allocator (glibc) uses for it, including its header.
 class AllocationCount {
 public:
     AllocationCount();
@@ -13,8 +14,8 @@ public:
     AllocationCount(const AllocationCount&) = delete;
     AllocationCount& operator=(const AllocationCount&) = delete;
 
-    std::ptrdiff_t Bytes() const;      ///< now, above the start
-    std::ptrdiff_t PeakBytes() const;  ///< largest so far, above the start
+    std::ptrdiff_t Bytes() const;      ///< now, minus the start
+    std::ptrdiff_t PeakBytes() const;  ///< largest so far, minus the start
 };
 
 #endif

@@ -1,10 +1,11 @@
-/// BiCGSTAB with DILU: what one iteration costs, and what a whole solve costs.
-///
-/// A row is one system, its argument m for m^3 cells. "iteration" is the time of one iteration;
-/// its yardsticks are the plain transcription of the method (same bits, one loop a step) and two
-/// plain CSR products, which no iteration can do without. "solve" goes from zero to 1e-8, set-up
-/// of the preconditioner included; its yardsticks are Eigen's BiCGSTAB with ILUT and with the
-/// diagonal as preconditioner. "factorisation" is the DILU diagonal, against the plain one.
+// BiCGSTAB with DILU: the time of one iteration and of a whole solve.
+//
+// A row is one system; its argument m stands for m^3 cells. "Iteration" is the time of one
+// iteration, compared with the transcription in plain/ (same bits, one loop per step) and with two
+// matrix products, which every iteration needs. "Solve" starts from zero and ends at 1e-8,
+// including the set-up of the preconditioner; it is compared with Eigen's BiCGSTAB with ILUT and
+// with the diagonal as preconditioner. "Factorization" computes the DILU diagonal and is compared
+// with the transcription.
 
 #include <benchmark/benchmark.h>
 
@@ -26,11 +27,11 @@ enum class Kind { Box, Irregular, Shuffled };
 
 struct System {
     std::vector<Coefficient> entries;
-    std::unique_ptr<PlainBiCGSTAB> A;
+    std::unique_ptr<plain::BiCGSTAB> A;
     std::vector<double> b;
 };
 
-/// The system of that kind on m^3 cells, built at its first use.
+/// The system of a kind on m^3 cells, built at its first use.
 System& TheSystem(Kind kind, int m) {
     static std::map<std::pair<Kind, int>, System> systems;
     System& system = systems[{kind, m}];
@@ -38,7 +39,7 @@ System& TheSystem(Kind kind, int m) {
         return system;
     }
     system.entries = kind == Kind::Box ? BoxCoefficients(m) : IrregularCoefficients(m);
-    system.A = std::make_unique<PlainBiCGSTAB>(m * m * m);
+    system.A = std::make_unique<plain::BiCGSTAB>(m * m * m);
     Assemble(system.entries, *system.A);
     if (kind == Kind::Shuffled) {
         ShuffleRows(*system.A);
@@ -54,9 +55,9 @@ System& TheSystem(const benchmark::State& state, Kind kind) {
     return TheSystem(kind, static_cast<int>(state.range(0)));
 }
 
-/// The inverted DILU diagonal, once a solve.
-void BM_Factorisation(benchmark::State& state, Kind kind) {
-    PlainBiCGSTAB& A = *TheSystem(state, kind).A;
+/// The inverted DILU diagonal, which is computed once per solve.
+void BM_Factorization(benchmark::State& state, Kind kind) {
+    plain::BiCGSTAB& A = *TheSystem(state, kind).A;
     std::vector<double> D(A.rowsN + 1);
     std::vector<double> expected(A.rowsN + 1);
     A.SetTimes(0);
@@ -67,13 +68,13 @@ void BM_Factorisation(benchmark::State& state, Kind kind) {
     }
     A.PlainDILU(expected.data());
     if (D != expected) {
-        state.SkipWithError("other bits than the plain transcription: the time means nothing");
+        state.SkipWithError("other bits than the transcription: the time is meaningless");
     }
     state.counters["size"] = A.rowsN;
 }
 
-void BM_FactorisationPlain(benchmark::State& state, Kind kind) {
-    PlainBiCGSTAB& A = *TheSystem(state, kind).A;
+void BM_FactorizationPlain(benchmark::State& state, Kind kind) {
+    plain::BiCGSTAB& A = *TheSystem(state, kind).A;
     std::vector<double> D(A.rowsN + 1);
     std::vector<double> x(A.rowsN + 1);
     A.SetTimes(0);
@@ -87,13 +88,13 @@ void BM_FactorisationPlain(benchmark::State& state, Kind kind) {
 
 constexpr int kIterations = 20;
 
-/// One iteration, timed in solves of kIterations: a time holds a twentieth of what a solve does
-/// before its first one. x is what they leave.
+/// One iteration, timed in solves of kIterations iterations, so a twentieth of the work before the
+/// first iteration is included. x is the result of the solve.
 template <typename Solve>
 void RunIterations(benchmark::State& state, Kind kind, Solve solve) {
     System& system = TheSystem(state, kind);
-    PlainBiCGSTAB& A = *system.A;
-    A.SetTolerance(-1.0);  // no norm is below this
+    plain::BiCGSTAB& A = *system.A;
+    A.SetTolerance(-1.0);  // never reached, so that a solve makes all iterations
     A.SetTimes(kIterations);
     std::vector<double> x(A.rowsN + 1);
     while (state.KeepRunningBatch(kIterations)) {
@@ -105,7 +106,7 @@ void RunIterations(benchmark::State& state, Kind kind, Solve solve) {
     std::vector<double> expected(A.rowsN + 1);
     A.PlainMatSolve(system.b.data(), expected.data());
     if (x != expected || iterations != A.GetIterTimes() || norm != A.GetRnorm()) {
-        state.SkipWithError("other bits than the plain transcription: the time means nothing");
+        state.SkipWithError("other bits than the transcription: the time is meaningless");
     }
     state.counters["size"] = A.rowsN;
 }
@@ -156,7 +157,7 @@ double RelativeResidual(CKVX_ART_SparseMatrix& A, const std::vector<double>& b,
 
 void BM_Solve(benchmark::State& state, Kind kind) {
     System& system = TheSystem(state, kind);
-    PlainBiCGSTAB& A = *system.A;
+    plain::BiCGSTAB& A = *system.A;
     A.SetTimes(1000);
     A.SetTolerance(1e-8);
     std::vector<double> x(A.rowsN + 1);
@@ -200,7 +201,7 @@ void SolveByEigen(benchmark::State& state, Kind kind, EigenSolver<Preconditioner
 
 void BM_SolveEigenILUT(benchmark::State& state, Kind kind) {
     EigenSolver<Eigen::IncompleteLUT<double>> solver;
-    solver.preconditioner().setFillfactor(1);  // factors about as large as the matrix
+    solver.preconditioner().setFillfactor(1);  // factors of about the size of the matrix
     SolveByEigen(state, kind, solver);
 }
 
@@ -209,7 +210,8 @@ void BM_SolveEigenDiagonal(benchmark::State& state, Kind kind) {
     SolveByEigen(state, kind, solver);
 }
 
-/// Four sizes of each kind: a step's time against the size tells where the caches end.
+/// Four sizes of each kind: the time of an iteration against the size shows the effect of the
+/// caches.
 const std::vector<std::int64_t> boxes = {32, 50, 64, 100};
 const std::vector<std::int64_t> irregular = {24, 32, 40, 48};
 
@@ -225,10 +227,10 @@ KVX3D_ROW(BM_Iteration, Irregular, irregular);
 KVX3D_ROW(BM_IterationPlain, Irregular, irregular);
 KVX3D_ROW(BM_Iteration, Shuffled, irregular);
 KVX3D_ROW(BM_IterationPlain, Shuffled, irregular);
-KVX3D_ROW(BM_Factorisation, Box, {64});
-KVX3D_ROW(BM_FactorisationPlain, Box, {64});
-KVX3D_ROW(BM_Factorisation, Irregular, {48});
-KVX3D_ROW(BM_FactorisationPlain, Irregular, {48});
+KVX3D_ROW(BM_Factorization, Box, {64});
+KVX3D_ROW(BM_FactorizationPlain, Box, {64});
+KVX3D_ROW(BM_Factorization, Irregular, {48});
+KVX3D_ROW(BM_FactorizationPlain, Irregular, {48});
 KVX3D_ROW(BM_Solve, Box, {32});
 KVX3D_ROW(BM_SolveEigenILUT, Box, {32});
 KVX3D_ROW(BM_SolveEigenDiagonal, Box, {32});

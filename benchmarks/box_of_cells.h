@@ -11,7 +11,7 @@
 #include <vector>
 
 /// A box of cells with the inner faces between them and the stencils of a host that extrapolates
-/// with least-squares gradients: a far-upstream point takes the far cell and the six neighbours.
+/// with least-squares gradients: a far-upstream stencil has the far cell and its six neighbors.
 class BoxOfCells {
 public:
     using Terms = std::vector<std::pair<int, double>>;  ///< column, coefficient
@@ -40,7 +40,7 @@ public:
         }
     }
 
-    /// Declares every entry that an operator may add to, about 25 a row.
+    /// Declares every entry to which an operator may add, about 25 per row.
     void Declare(CKVX_ART_SparseMatrix& A) const {
         for (int i = 1; i <= gv.Ne; ++i) {
             for (const int* id : {gv.faceDataLeft[i].idFarLeft, gv.faceDataLeft[i].idFarRight,
@@ -80,7 +80,8 @@ private:
         }
     }
 
-    /// The point behind `cell`, seen from `ahead`: ahead - 2 d . grad, over the cell's neighbours.
+    /// The point on the other side of `cell` from `ahead`: ahead - 2 d . grad, where the gradient
+    /// uses the neighbors of the cell.
     Terms FarPoint(int cell, int ahead) const {
         const int x = (cell - 1) % n;
         const int y = (cell - 1) / n % n;
@@ -98,7 +99,7 @@ private:
         return terms;
     }
 
-    /// Flux of a solid rotation about the box's z axis, with a constant draught along it.
+    /// Flux of a rigid rotation about the z axis of the box, with a constant velocity along it.
     double Vortex(int face) const {
         const int step = second[face] - first[face];
         const double x = (first[face] - 1) % n - 0.5 * n;

@@ -1,14 +1,15 @@
 #!/usr/bin/env python3
 """Turns the JSON files of the benchmark programs into the tables of benchmarks/README.md.
 
-    goal_table.py <folder of JSON files>                     prints the tables
-    goal_table.py <folder> --readme FILE --machine TEXT      puts them between the marker lines of FILE
-    goal_table.py --check FILE...                            tells which rows of a program failed
+    goal_table.py <folder of JSON files>                 prints the tables
+    goal_table.py <folder> --readme FILE --machine TEXT  writes them between the marker lines of FILE
+    goal_table.py --check FILE...                        reports the rows of a program that failed
 
-A time is the median CPU time of the repetitions of a row; rows are matched by name, ours and its
-yardstick by equal text behind it. The folder holds one <program>.json for each program. Ends with 1
-and a line for each fault if a row failed its own comparison of answers, or if a program ran without
-a row that the tables need.
+A time is the median CPU time of the repetitions of a row. goal_rows.py lists the rows by name; our
+code and its yardstick are paired if the text after the name, the size, is the same. The folder
+holds one <program>.json for each program. The exit status is 1, with a line for each fault, if a
+row failed its own comparison of results, or if a program that ran has not measured a row that the
+tables need.
 """
 
 import argparse
@@ -17,135 +18,14 @@ import math
 import os
 import statistics
 import sys
-from dataclasses import dataclass, field
+from dataclasses import dataclass
+
+from goal_rows import MEMORY, ROWS
 
 BEGIN = "<!-- tables begin: written by benchmarks/run.sh -->"
 END = "<!-- tables end -->"
-STEEP = 1.1  # an exponent of time against size above this needs a reason
-SERIES = 4  # sizes from which a row shows how it grows
-
-
-@dataclass
-class Row:
-    """One kernel against its yardstick at every size that the program measures."""
-
-    what: str
-    program: str
-    ours: str  # name without the size, which follows it behind a slash
-    yardstick: str
-    peer: str  # the yardstick in words
-    unit: str  # of the counter "size"
-    goals: dict = field(default_factory=dict)  # text of the size -> largest ratio; none: no goal
-
-
-@dataclass
-class Memory:
-    """A counter of one row and size of a program."""
-
-    what: str
-    program: str
-    row: str  # name with the size
-    counter: str
-    unit: str
-    limit: float | None = None
-
-
-ROWS = [
-    Row("Overset set-up", "overset_benchmark", "BM_Setup", "BM_SetupPlain", "plain", "cells",
-        {"6": 0.5, "12": 0.17, "20": 0.11}),
-    Row("Donor queries", "overset_benchmark", "BM_Donors", "BM_DonorsPlain", "plain", "faces",
-        {"20": 0.5}),
-    Row("32,768 searches among random points", "kd_tree_benchmark",
-        "BM_Nearest/Uniform", "BM_NearestNanoflann/Uniform", "nanoflann", "points",
-        {"1000000": 1.2}),
-    Row("32,768 searches among lattice points", "kd_tree_benchmark",
-        "BM_Nearest/Lattice", "BM_NearestNanoflann/Lattice", "nanoflann", "points"),
-    Row("BiCGSTAB step, 7-point", "bicgstab_benchmark",
-        "BM_Iteration/Box", "BM_IterationPlain/Box", "plain", "rows", {"64": 0.78, "100": 0.78}),
-    Row("BiCGSTAB step, irregular", "bicgstab_benchmark",
-        "BM_Iteration/Irregular", "BM_IterationPlain/Irregular", "plain", "rows", {"48": 0.85}),
-    Row("BiCGSTAB step, irregular, rows shuffled", "bicgstab_benchmark",
-        "BM_Iteration/Shuffled", "BM_IterationPlain/Shuffled", "plain", "rows", {"48": 0.60}),
-    Row("Product with a vector, 7-point", "sparse_matrix_benchmark",
-        "BM_Product", "BM_ProductEigen", "Eigen", "rows", {"100": 1.05}),
-    Row("Pattern declared by face", "sparse_matrix_benchmark",
-        "BM_Pattern", "BM_PatternPlain", "plain", "rows", {"100": 1.15}),
-    Row("Diffusion operator", "operators_benchmark",
-        "BM_Diffusion", "BM_DiffusionBare", "known positions", "faces", {"70": 1.3}),
-    Row("LUD convection operator", "operators_benchmark",
-        "BM_LUD", "BM_LUDBare", "known positions", "faces", {"70": 1.3}),
-    Row("Step file", "vtk_benchmark",
-        "BM_StepFile", "BM_StepFilePlain", "plain stream", "cells", {"58": 0.75}),
-    Row("Solver library, Poisson", "matrix_solver_benchmark",
-        "BM_Library/Poisson", "BM_LibraryToolbox/Poisson", "BiCGSTAB + DILU", "rows",
-        {"100": 0.6}),
-
-    Row("DILU factorisation, 7-point", "bicgstab_benchmark",
-        "BM_Factorisation/Box", "BM_FactorisationPlain/Box", "plain", "rows"),
-    Row("DILU factorisation, irregular", "bicgstab_benchmark",
-        "BM_Factorisation/Irregular", "BM_FactorisationPlain/Irregular", "plain", "rows"),
-    Row("BiCGSTAB + DILU, 7-point", "bicgstab_benchmark",
-        "BM_Solve/Box", "BM_SolveEigenILUT/Box", "Eigen, ILUT", "rows"),
-    Row("BiCGSTAB + DILU, irregular", "bicgstab_benchmark",
-        "BM_Solve/Irregular", "BM_SolveEigenDiagonal/Irregular", "Eigen, diagonal", "rows"),
-    Row("Tree of random points", "kd_tree_benchmark",
-        "BM_Build/Uniform", "BM_BuildNanoflann/Uniform", "nanoflann", "points"),
-    Row("Tree of lattice points", "kd_tree_benchmark",
-        "BM_Build/Lattice", "BM_BuildNanoflann/Lattice", "nanoflann", "points"),
-    Row("Tree of lattice points", "kd_tree_benchmark",
-        "BM_Build/Lattice", "BM_BuildPlain/Lattice", "plain", "points"),
-    Row("Tree and a search for every eight lattice points", "kd_tree_benchmark",
-        "BM_FirstSearches/Lattice", "BM_FirstSearchesNanoflann/Lattice", "nanoflann", "points"),
-    Row("Pattern declared by face", "sparse_matrix_benchmark",
-        "BM_Pattern", "BM_PatternEigen", "Eigen, triplets", "rows"),
-    Row("Assembly by coordinates", "sparse_matrix_benchmark",
-        "BM_Assembly", "BM_AssemblyEigen", "Eigen, coeffRef", "rows"),
-    Row("Diffusion operator", "operators_benchmark",
-        "BM_Diffusion", "BM_DiffusionPlain", "plain", "faces"),
-    Row("LUD convection operator", "operators_benchmark",
-        "BM_LUD", "BM_LUDPlain", "plain", "faces"),
-    Row("Diffusion operator", "operators_benchmark",
-        "BM_Diffusion", "BM_DiffusionRead", "reading the records alone", "faces"),
-    Row("Diffusion operator", "operators_benchmark",
-        "BM_Diffusion", "BM_DiffusionKnown", "finished values", "faces"),
-    Row("LUD convection operator", "operators_benchmark",
-        "BM_LUD", "BM_LUDRead", "reading the records alone", "faces"),
-    Row("LUD convection operator", "operators_benchmark",
-        "BM_LUD", "BM_LUDKnown", "finished values", "faces"),
-    Row("First-order upwind operator", "operators_benchmark",
-        "BM_FU", "BM_FUBare", "known positions", "faces"),
-    Row("QUICK operator", "operators_benchmark",
-        "BM_QUICK", "BM_QUICKBare", "known positions", "faces"),
-    Row("Step file", "vtk_benchmark",
-        "BM_StepFile", "BM_StepFileLineWrites", "a write a line", "cells"),
-    Row("Solver library through its matrix class, Poisson", "matrix_solver_benchmark",
-        "BM_LibraryFront/Poisson", "BM_LibraryToolbox/Poisson", "BiCGSTAB + DILU", "rows"),
-    Row("Solver library, Poisson", "matrix_solver_benchmark",
-        "BM_Library/Poisson", "BM_LibraryDune/Poisson", "DUNE's multigrid alone", "rows"),
-    Row("Solver library, cell Peclet number 10", "matrix_solver_benchmark",
-        "BM_Library/Convection", "BM_LibraryToolbox/Convection", "BiCGSTAB + DILU", "rows"),
-    Row("Solver library, cell Peclet number 10", "matrix_solver_benchmark",
-        "BM_Library/Convection", "BM_LibraryEigen/Convection", "Eigen, ILUT", "rows"),
-    Row("Solver library, 1:100 anisotropic", "matrix_solver_benchmark",
-        "BM_Library/Anisotropic", "BM_LibraryToolbox/Anisotropic", "BiCGSTAB + DILU", "rows"),
-    Row("Solver library, 1:100 anisotropic", "matrix_solver_benchmark",
-        "BM_Library/Anisotropic", "BM_LibraryEigen/Anisotropic", "Eigen, ILUT", "rows"),
-]
-
-MEMORY = [
-    Memory("Peak of the overset set-up above the mesh arrays, m = 20", "overset_benchmark",
-           "BM_Setup/20", "above_mesh_MB", "MB", 150),
-    Memory("Of these mesh arrays, derived from the host's", "overset_benchmark",
-           "BM_Setup/20", "mesh_MB", "MB"),
-    Memory("The peak of plain above the mesh arrays", "overset_benchmark",
-           "BM_SetupPlain/20", "above_mesh_MB", "MB"),
-    Memory("Pattern of 1 M rows x 7, a matrix entry", "sparse_matrix_benchmark",
-           "BM_Pattern/100", "bytes_per_entry", "bytes"),
-    Memory("Peak while it is declared, a matrix entry", "sparse_matrix_benchmark",
-           "BM_Pattern/100", "peak_bytes_per_entry", "bytes"),
-    Memory("The same of plain ordered sets", "sparse_matrix_benchmark",
-           "BM_PatternPlain/100", "peak_bytes_per_entry", "bytes"),
-]
+STEEP = 1.1  # a larger exponent of time against size is explained in the README
+SERIES = 4  # smallest number of sizes for which a row shows its growth
 
 
 def programs():
@@ -157,14 +37,14 @@ def programs():
 
 
 def plain_name(run_name):
-    """The name without what the library appends: "BM_X/64/iterations:3/real_time" is "BM_X/64"."""
+    """Removes what the library appends: "BM_X/64/iterations:3/real_time" becomes "BM_X/64"."""
     parts = run_name.split("/")
     added = ("real_time", "process_time", "manual_time")
     return "/".join(part for part in parts if ":" not in part and part not in added)
 
 
 def failures(document):
-    """One text for each name that failed, with its message."""
+    """One line for each name that failed, with its message."""
     failed = {}
     for run in document["benchmarks"]:
         if run.get("error_occurred"):
@@ -173,7 +53,7 @@ def failures(document):
 
 
 def measurements(document):
-    """name -> medians over the repetitions: "seconds" and every counter."""
+    """Maps each name to the medians over its repetitions: "seconds" and every counter."""
     seconds_in = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
     samples = {}
     for run in document["benchmarks"]:
@@ -192,9 +72,9 @@ def measurements(document):
 
 @dataclass
 class Point:
-    """Ours and the yardstick at one size."""
+    """The times of our code and of the yardstick at one size."""
 
-    argument: str  # what follows the name
+    argument: str  # the text after the name
     size: float
     ours: float  # seconds
     yardstick: float
@@ -205,7 +85,7 @@ class Point:
 
 
 def points_of(row, measured):
-    """The sizes at which both sides of a row were measured, ascending."""
+    """The points at which both sides of a row were measured, in ascending order of size."""
     points = []
     for name, values in measured.items():
         if not name.startswith(row.ours + "/"):
@@ -218,7 +98,7 @@ def points_of(row, measured):
 
 
 def exponent(sizes, times):
-    """Slope of log time against log size by least squares; None below two different sizes."""
+    """Slope of log time against log size by least squares; None with fewer than two sizes."""
     if len(set(sizes)) < 2:
         return None
     x = [math.log(size) for size in sizes]
@@ -239,7 +119,7 @@ def three_digits(value):
 
 
 def scaled(value, steps):
-    """The value in the first unit of `steps` (name, factor) that it reaches."""
+    """The value in the first unit of `steps` (name, factor) in which it is at least 1."""
     for name, factor in steps:
         if value >= factor:
             return f"{three_digits(value / factor)} {name}".rstrip()
@@ -266,7 +146,7 @@ def verdict(value, limit):
 
 
 def table(head, lines):
-    """A Markdown table; nothing without lines."""
+    """A Markdown table, or nothing if there are no lines."""
     if not lines:
         return []
     rule = ["---"] * len(head)
@@ -294,7 +174,7 @@ def goal_lines(series):
 
 
 def further_lines(series):
-    """Rows without a goal, at their largest size."""
+    """The rows without a goal, each at its largest size."""
     lines = []
     for row, points in series:
         if points and not row.goals:
@@ -339,7 +219,7 @@ def memory_lines(measured):
 
 
 def tables(measured):
-    """All tables as lines; `measured` maps a program to its measurements."""
+    """All tables as lines of text; `measured` maps a program to its measurements."""
     series = [(row, points_of(row, measured.get(row.program, {}))) for row in ROWS]
     return (
         table(["goal", "size", "ours", "yardstick", "ratio", "at most", "met", "exponent"],
@@ -352,7 +232,7 @@ def tables(measured):
 
 
 def missing_rows(measured):
-    """What the tables need and a program that did run has not measured."""
+    """What the tables need but a program that ran has not measured, one text each."""
     missing = []
     for row in ROWS:
         if row.program not in measured:
@@ -370,7 +250,7 @@ def missing_rows(measured):
 
 
 def measured_when(documents):
-    """The day of each program, in one text if they share it."""
+    """The day on which each program ran, given once if it is the same for all."""
     days = {name: document["context"]["date"][:10] for name, document in documents.items()}
     if len(set(days.values())) == 1:
         return days.popitem()[1]
@@ -378,7 +258,7 @@ def measured_when(documents):
 
 
 def replace_between_markers(text, lines):
-    """The text with the lines between the marker lines replaced, which stay."""
+    """Replaces the lines between the marker lines of a text and keeps the markers."""
     before, begin, rest = text.partition(BEGIN + "\n")
     _, end, after = rest.partition(END)
     if not begin or not end:
@@ -403,10 +283,10 @@ def check(paths):
 
 def main(arguments):
     parser = argparse.ArgumentParser(prog="goal_table.py", description=__doc__.partition("\n")[0])
-    parser.add_argument("folder", nargs="?", help="with one <program>.json for each program")
-    parser.add_argument("--readme", metavar="FILE", help="put the tables into this file")
-    parser.add_argument("--machine", default="", help="machine and compiler, for the line above")
-    parser.add_argument("--check", nargs="+", metavar="FILE", help="only look for failed rows")
+    parser.add_argument("folder", nargs="?", help="folder with one <program>.json for each program")
+    parser.add_argument("--readme", metavar="FILE", help="write the tables into this file")
+    parser.add_argument("--machine", default="", help="machine and compiler, for the line above the tables")
+    parser.add_argument("--check", nargs="+", metavar="FILE", help="only report failed rows")
     chosen = parser.parse_args(arguments)
     if chosen.check:
         return check(chosen.check)

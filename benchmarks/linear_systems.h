@@ -18,7 +18,7 @@ struct Coefficient {
     double value;
 };
 
-/// Upwinded convection-diffusion, 7 points, on a box of m^3 cells, x fastest.
+/// Convection and diffusion with upwind differences, 7 points, on a box of m^3 cells, x fastest.
 inline std::vector<Coefficient> BoxCoefficients(int m) {
     std::vector<Coefficient> entries;
     const auto id = [m](int i, int j, int k) { return 1 + i + m * (j + m * k); };
@@ -44,8 +44,8 @@ inline std::vector<Coefficient> BoxCoefficients(int m) {
     return entries;
 }
 
-/// An irregular mesh of m^3 cells: about 16 entries a row, cells numbered at random within slabs
-/// of 256, rows dominant by one per cent.
+/// An irregular mesh of m^3 cells: about 16 entries per row, cells numbered at random within slabs
+/// of 256 cells, rows diagonally dominant by one per cent.
 inline std::vector<Coefficient> IrregularCoefficients(int m) {
     std::mt19937 random(3);
     std::vector<int> number(m * m * m);
@@ -70,7 +70,7 @@ inline std::vector<Coefficient> IrregularCoefficients(int m) {
         const int i = place % m;
         const int j = place / m % m;
         const int k = place / (m * m);
-        for (int step = 14; step < 27; ++step) {  // the half of the 26 neighbours ahead
+        for (int step = 14; step < 27; ++step) {  // those 13 of the 26 neighbors that come later
             const int di = step % 3 - 1;
             const int dj = step / 3 % 3 - 1;
             const int dk = step / 9 - 1;
@@ -93,7 +93,7 @@ inline void Assemble(const std::vector<Coefficient>& entries, CKVX_ART_SparseMat
     }
 }
 
-/// Puts the entries of each row in random order, as insertions would leave them.
+/// Puts the entries of each row in random order, as after insertions.
 inline void ShuffleRows(CKVX_ART_SparseMatrix& A) {
     std::mt19937 random(4);
     for (int i = 1; i <= A.GetRowsN(); ++i) {

@@ -1,14 +1,16 @@
-/// Matrix assembly on a box of n x n x n cells: one call of an operator on a declared pattern of
-/// about 25 entries a row, both sides of each inner face. Items are inner faces.
-///
-/// Four yardsticks, all from the plain transcription of the operators and all checked to leave the
-/// same matrix bit for bit:
-/// - Plain: each add through AddElementValue().
-/// - Bare: the same walk, but each product is added at a position from a list made beforehand, so
-///   that nothing is searched. What ours costs beyond it is the search and the checks.
-/// - Read: the same walk without a matrix: what it costs to read records and stencils.
-/// - Known: the finished values and positions in one packed list, so that nothing is read but the
-///   list and the matrix. No operator gets there, since Read alone takes longer.
+// Matrix assembly on a box of n x n x n cells: one call of an operator on a declared pattern of
+// about 25 entries per row, both sides of each inner face. Items are inner faces.
+//
+// There are four yardsticks, all based on the transcription of the operators in plain/. Those with
+// a matrix must give the same matrix bit for bit:
+// - Plain: each addition by AddElementValue().
+// - Bare: the same loops, but each product is added at a position from a list prepared beforehand,
+// so
+//   that nothing is searched. The difference to ours is the search and the checks.
+// - Read: the same loops without a matrix, that is the time to read records and stencils.
+// - Known: finished values and positions in one packed list, so that only the list and the matrix
+// are
+//   read. No operator can be that fast, since Read alone takes longer.
 
 #include "benchmarks/box_of_cells.h"
 #include "fvm_operators/mat_operator.h"
@@ -30,7 +32,7 @@ using KVX_ART_FVM::CKVX_ART_MatOperator;
 
 constexpr double weight = 0.7;
 
-// The operators of the comparison, ours and plain.
+// The operators that are compared, ours and the transcription.
 
 struct Diffusion {
     static void Ours(CKVX_ART_MatOperator op, CMAFVMFaceVariableAll& /*flux*/) {
@@ -82,7 +84,7 @@ struct Problem {
     CKVX_ART_SparseMatrix A;
 };
 
-/// Large, so built once a size and kept.
+/// Large, so it is built once for each size and kept.
 Problem& TheProblem(const benchmark::State& state) {
     static std::map<std::int64_t, std::unique_ptr<Problem>> problems;
     std::unique_ptr<Problem>& problem = problems[state.range(0)];
@@ -92,13 +94,13 @@ Problem& TheProblem(const benchmark::State& state) {
     return *problem;
 }
 
-/// Runs the plain transcription of an operator with `add` at the end of each product.
+/// Runs the transcription of an operator and calls `add` with each product.
 template <typename Operator, typename Add>
 void Walk(BoxOfCells& box, Add& add) {
-    Operator::Walk(PlainOperators<Add>(box.gv, add), box.flux);
+    Operator::Walk(plain::Operators<Add>(box.gv, add), box.flux);
 }
 
-/// A position in the value array and what is added there.
+/// A position in the value array and the value to add there.
 struct KnownAdd {
     int position;
     double value;
@@ -118,8 +120,8 @@ std::vector<KnownAdd> KnownAdds(Problem& problem) {
     return adds;
 }
 
-/// The matrices that ours and a yardstick leave must agree bit for bit, else the times mean
-/// nothing; and neither may have inserted an entry.
+/// Our matrix and that of the yardstick must agree bit for bit, and neither may have an inserted
+/// entry. Otherwise the times are meaningless.
 template <typename Operator, typename Yardstick>
 void CheckSameMatrix(benchmark::State& state, Problem& problem, Yardstick yardstick) {
     const int nEntries = problem.Entries();
@@ -226,7 +228,7 @@ void BM_Known(benchmark::State& state) {
     state.counters["adds/face"] = static_cast<double>(adds.size()) / problem.box.gv.Ne;
 }
 
-/// Box edges: the least stays in the caches, the largest has 1,014,300 faces.
+/// Box edges: the smallest box fits the caches, the largest has 1,014,300 faces.
 void Edges(benchmark::internal::Benchmark* row) {
     row->Arg(16)->Arg(32)->Arg(48)->Arg(70)->Unit(benchmark::kMillisecond);
 }

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Measures every goal on one thread, ours and the yardstick interleaved in one run, and writes the
-# tables of benchmarks/README.md. Installs missing Debian packages first.
+# Measures every goal on one thread, with our code and its yardstick interleaved in one run, and writes
+# the tables of benchmarks/README.md. Installs missing Debian packages first.
 #
 #   benchmarks/run.sh                       all programs, about a quarter of an hour
-#   benchmarks/run.sh --only vtk_benchmark  this program; the other rows from their last run
-#   benchmarks/run.sh --quick               one short repetition; prints the tables, writes none
+#   benchmarks/run.sh --only vtk_benchmark  one program; the other rows come from their last run
+#   benchmarks/run.sh --quick               one short repetition; prints the tables only
 #
-# KVX3D_BENCHMARK_PREFIX is the command that each program runs under, "taskset -c 0" by default.
+# KVX3D_BENCHMARK_PREFIX is the command under which each program runs, "taskset -c 0" by default.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -57,11 +57,11 @@ elif taskset -c 0 true 2>/dev/null; then
     under=(taskset -c 0)
 fi
 
-# Freed memory stays with the process. Else pages fresh from the system, which cost as much as the
-# work on them, fall to whoever comes first after somebody else's large matrix.
+# Freed memory stays with the process. Otherwise the first row after one with a large matrix pays for
+# new pages of the system, which take as long as the work on them.
 export MALLOC_TRIM_THRESHOLD_=17179869184 MALLOC_MMAP_THRESHOLD_=33554432
 
-# A file takes its place only when its program came to the end with every answer right.
+# A result file replaces the old one only if its program ran to the end with correct results.
 for program in "${programs[@]}"; do
     echo "== $program"
     fresh=$results/$program.json.new
@@ -71,7 +71,7 @@ for program in "${programs[@]}"; do
         --benchmark_out="$fresh" --benchmark_out_format=json >"$results/$program.log" 2>&1 ||
         { cat "$results/$program.log" >&2; echo "run.sh: $program failed" >&2; exit 1; }
     python3 benchmarks/goal_table.py --check "$fresh" ||
-        { echo "run.sh: $program: wrong answers, its figures mean nothing" >&2; exit 1; }
+        { echo "run.sh: $program: wrong results, its figures are meaningless" >&2; exit 1; }
     mv "$fresh" "$results/$program.json"
 done
 

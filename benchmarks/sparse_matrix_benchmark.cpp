@@ -1,9 +1,9 @@
-/// The sparse matrix: declaring a pattern, assembling into it, and the row-wise product.
-///
-/// Sizes are the edge of a box of cells with 7-point rows. Plain is a vector of ordered sets
-/// without any checks. The other yardsticks do the same work with Eigen: triplets to a compressed
-/// matrix, coeffRef on the finished pattern, its product. Bytes of the pattern are those of all
-/// blocks, peak included, the allocator's own word for each of them counted.
+// The sparse matrix: declaring a pattern, assembling into it, and the product with a vector.
+//
+// The size is the edge of a box of cells with 7-point rows. "Plain" is a vector of ordered sets
+// without checks. The other yardsticks do the same work with Eigen: triplets to a compressed
+// matrix, coeffRef on the finished pattern, and the product. The bytes of the pattern are those of
+// all allocated blocks including the headers of the allocator; the peak is reported too.
 
 #include <benchmark/benchmark.h>
 
@@ -35,8 +35,8 @@ EigenMatrix ToEigen(const std::vector<Coefficient>& entries, int n) {
     return A;
 }
 
-/// Declares the 7-point pattern of a box of m^3 cells as a host does: each diagonal, then both
-/// sides of each face.
+/// Declares the 7-point pattern of a box of m^3 cells in the manner of a host: all diagonals, then
+/// both sides of each face.
 template <typename Matrix>
 void DeclareByFace(Matrix& A, int m) {
     const int n = m * m * m;
@@ -78,7 +78,7 @@ void BM_PatternOf(benchmark::State& state) {
     state.counters["size"] = n;
 }
 BENCHMARK(BM_PatternOf<CKVX_ART_SparseMatrix>)->Name("BM_Pattern")->Apply(Edges);
-BENCHMARK(BM_PatternOf<PlainPattern>)->Name("BM_PatternPlain")->Apply(Edges);
+BENCHMARK(BM_PatternOf<plain::Pattern>)->Name("BM_PatternPlain")->Apply(Edges);
 
 void BM_PatternEigen(benchmark::State& state) {
     const int m = static_cast<int>(state.range(0));

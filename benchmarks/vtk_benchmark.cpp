@@ -1,9 +1,9 @@
-/// Writing one step file: a block of n x n x n hexahedra with a scalar and a vector over the
-/// cells, into the system's temporary directory. Rates are MB of file per second.
-///
-/// BM_StepFile is ours. The yardsticks write the same bytes: BM_StepFilePlain by formatted
-/// stream insertion with std::endl, BM_StepFileLineWrites from memory with one write for each line
-/// (what remains when formatting costs nothing), BM_StepFileOneWrite from memory in one go.
+// Writing one step file: a block of n x n x n hexahedra with a scalar and a vector over the cells,
+// into the temporary directory of the system. Rates are MB of the file per second.
+//
+// BM_StepFile is ours. The yardsticks write the same bytes: BM_StepFilePlain by formatted stream
+// insertion with std::endl, BM_StepFileLineWrites from memory with one write per line (the time
+// without formatting), BM_StepFileOneWrite from memory with a single write.
 
 #include <benchmark/benchmark.h>
 
@@ -20,7 +20,8 @@
 
 namespace {
 
-/// The block and what it points to. Coordinates and values are irregular numbers of everyday size.
+/// The block with the arrays it points to. Coordinates and values are irregular numbers of ordinary
+/// size.
 class Box {
 public:
     explicit Box(int n) : block(&points, &cells) {
@@ -89,7 +90,7 @@ private:
     std::vector<double> fields[4];
 };
 
-/// A file of the benchmark, removed at the end.
+/// A file of the benchmark, deleted at the end.
 class ScratchFile {
 public:
     ScratchFile()
@@ -110,14 +111,14 @@ public:
     const std::string path;
 };
 
-/// The bytes that every writer must leave.
+/// The bytes that every writer must write.
 std::string Expected(const Box& box) {
     const ScratchFile file;
-    PlainVtuWriter(file.path).Write(box.block);
+    plain::VtuWriter(file.path).Write(box.block);
     return file.Bytes();
 }
 
-/// Times `write` on fresh files and compares what it left.
+/// Measures `write` on new files and compares their contents.
 template <class Write>
 void Run(benchmark::State& state, const std::string& expected, Write write) {
     const ScratchFile file;
@@ -125,7 +126,7 @@ void Run(benchmark::State& state, const std::string& expected, Write write) {
         write(file.path);
     }
     if (expected.empty() || file.Bytes() != expected) {
-        state.SkipWithError("other bytes: the time means nothing");
+        state.SkipWithError("other bytes: the time is meaningless");
     }
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(expected.size()));
     const auto n = static_cast<double>(state.range(0));
@@ -140,7 +141,7 @@ void BM_StepFile(benchmark::State& state) {
 void BM_StepFilePlain(benchmark::State& state) {
     Box box(static_cast<int>(state.range(0)));
     Run(state, Expected(box),
-        [&](const std::string& path) { PlainVtuWriter(path).Write(box.block); });
+        [&](const std::string& path) { plain::VtuWriter(path).Write(box.block); });
 }
 
 void BM_StepFileLineWrites(benchmark::State& state) {

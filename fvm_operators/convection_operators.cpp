@@ -2,23 +2,36 @@
 #include "fvm_operators/detail/prefetch.h"
 #include "fvm_operators/mat_operator.h"
 
+// The data layout and the prefetching are drawn in detail/prefetch.h; the transcription of all
+// schemes, addition by addition, is plain/plain_operators.h.
+
 namespace KVX_ART_FVM {
 
 namespace {
 
-/// Flux magnitude up to which an inner face counts as near zero; absolute, in the host's units.
+using kvx3d::detail::BoundaryFaces;
+using kvx3d::detail::BoundaryKinds;
+using kvx3d::detail::FaceRow;
+using kvx3d::detail::normalUse;
+using kvx3d::detail::Prefetch;
+using kvx3d::detail::PrefetchAhead;
+using kvx3d::detail::PrefetchLongStencil;
+using kvx3d::detail::PrefetchShortStencil;
+using kvx3d::detail::RecordUse;
+
+/// Magnitude up to which a flux counts as near zero; absolute, in the host's units.
 constexpr double fluxTolerance = 1e-8;
 
-/// One side of an inner face as a convection scheme sees it.
+/// What a convection scheme needs to know of one side of an inner face.
 struct InnerSide {
     FaceRow row;
     int first;   ///< the face's first cell, upstream of a positive flux
     int second;  ///< the face's second cell
     const CMAFVMFaceData* records;
     int face;
-    double flux;  ///< positive from the first cell to the second, on either side
+    double flux;  ///< positive from the first cell to the second, on both sides
 
-    // Not-a-number is neither positive nor negative and goes the way of a near-zero flux.
+    // NaN is neither positive nor negative and is treated like a near-zero flux.
     bool Positive() const { return flux > fluxTolerance; }
     bool Negative() const { return flux < -fluxTolerance; }
 
@@ -53,7 +66,7 @@ InnerSide SecondSide(CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& gv,
     return {{matrix, second, true}, first, second, gv.faceDataRight, face, flux.right[face]};
 }
 
-/// One boundary face as a convection scheme sees it.
+/// What a convection scheme needs to know of one boundary face.
 struct BoundarySide {
     FaceRow row;
     int cell;
@@ -64,7 +77,8 @@ struct BoundarySide {
 
     bool Outgoing() const { return flux > fluxTolerance; }
 
-    /// The ghost cell's unknown as face value. A value of 0 is added too: it creates the entry.
+    /// The unknown of the ghost cell as face value. A value of 0 is added too, which creates the
+    /// matrix entry.
     void AddIncoming(double weight) const { row.AddCell(ghost, flux * weight); }
 
     void AddLeft(double factor) const {
@@ -80,11 +94,11 @@ BoundarySide SideOf(CKVX_ART_SparseMatrix& matrix, const BoundaryFaces& kind, in
     return {{matrix, cell, false}, cell, kind.ghost[face], kind.record, face, kind.flux[face]};
 }
 
-// In every scheme below the factors are formed as written, (weight * constant) * flux: another
-// association rounds differently, and matrices are compared bit for bit.
+// In every scheme below the factors are formed as written, (weight * constant) * flux. Another
+// grouping of the factors rounds differently, and matrices are compared bit for bit.
 
-/// The Face stencil whatever the flux, and the ghost cell on boundary faces, outflow too: the
-/// central face value of a boundary face is its ghost unknown.
+/// Central differences: the Face stencil for every flux. On boundary faces the face value is the
+/// unknown of the ghost cell, also for outflow.
 void AddCentral(const InnerSide& side, double weight) {
     side.AddFace(weight * side.flux);
 }
@@ -93,7 +107,7 @@ void AddCentral(const BoundarySide& side, double weight) {
     side.row.AddCell(side.ghost, weight * side.flux);
 }
 
-/// Upstream cell's own unknown.
+/// First-order upwind: the unknown of the upstream cell.
 void AddCellUpwind(const InnerSide& side, double weight) {
     if (side.Positive()) {
         side.row.AddCell(side.first, side.flux * weight);
@@ -112,7 +126,7 @@ void AddCellUpwind(const BoundarySide& side, double weight) {
     }
 }
 
-/// Upstream stencil of the record.
+/// First-order upwind: the upstream stencil of the record.
 void AddStencilUpwind(const InnerSide& side, double weight) {
     if (side.Positive()) {
         side.AddLeft(weight * side.flux);
@@ -131,8 +145,8 @@ void AddStencilUpwind(const BoundarySide& side, double weight) {
     }
 }
 
-/// near * upstream + far * far upstream. A far of zero is multiplied and added like any other: its
-/// entries appear in the matrix, and an infinite flux turns them into not-a-number.
+/// near * upstream + far * far upstream. If `far` is zero, its stencil is multiplied and added all
+/// the same: its entries appear in the matrix, and an infinite flux turns them into NaN.
 void AddTwoPointUpwind(const InnerSide& side, double weight, double near, double far) {
     if (side.Positive()) {
         side.AddLeft(weight * near * side.flux);
@@ -149,8 +163,8 @@ void AddLinearUpwind(const InnerSide& side, double weight) {
     AddTwoPointUpwind(side, weight, 1.5, -0.5);
 }
 
-/// Linear upwind on a boundary face. Outflow has the sense of a positive flux, so Left is the
-/// interior cell, FarLeft the point behind it, and no boundary record needs a Right stencil.
+/// Linear upwind on a boundary face. Outflow has the direction of a positive flux, so Left is the
+/// interior cell and FarLeft the point upstream of it; no boundary record needs a Right stencil.
 void AddLinearUpwind(const BoundarySide& side, double weight) {
     if (side.Outgoing()) {
         side.AddLeft(weight * 1.5 * side.flux);
@@ -160,13 +174,14 @@ void AddLinearUpwind(const BoundarySide& side, double weight) {
     }
 }
 
-/// First-order values in the pattern of the linear upwind: callers may switch between the two on
-/// one matrix without an insertion.
+/// First-order values in the pattern of the linear upwind, so that callers can switch between the
+/// two schemes on one matrix without insertions.
 void AddHybrid(const InnerSide& side, double weight) {
     AddTwoPointUpwind(side, weight, 1.0, 0.0);
 }
 
-/// Quadratic upstream interpolation on a uniform grid: upstream, far upstream, downstream.
+/// Quadratic upstream interpolation on a uniform grid, in the order upstream, far upstream,
+/// downstream.
 void AddQuick(const InnerSide& side, double weight) {
     if (side.Positive()) {
         side.AddLeft(weight * 0.75 * side.flux);
@@ -181,60 +196,62 @@ void AddQuick(const InnerSide& side, double weight) {
     }
 }
 
-/// The pointers to the upwind stencils lie in two runs of a record, of ids and of coefficients.
-void FetchUpwindPointers(const CMAFVMFaceData& record) {
-    Fetch(&record.idLeft);
-    Fetch(&record.coefAux1);  // between the runs: three lines hold both, wherever they begin
-    Fetch(&record.coefFarRight);
+/// Prefetches the pointers to the upwind stencils, which lie in two parts of a record: ids and
+/// coefficients.
+void PrefetchUpwindPointers(const CMAFVMFaceData& record) {
+    Prefetch(&record.idLeft);
+    Prefetch(&record.coefAux1);  // lies between the two: three lines hold both at any alignment
+    Prefetch(&record.coefFarRight);
 }
 
-/// The lists of the first nStencils of upstream, far upstream and downstream.
-inline void FetchUpwindLists(const CMAFVMFaceData& r, double flux, int nStencils) {
+/// Prefetches the first `nStencils` of these: upstream, far upstream, downstream stencil.
+inline void PrefetchUpwindLists(const CMAFVMFaceData& r, double flux, int nStencils) {
     const bool positive = flux > fluxTolerance;
     if (!positive && !(flux < -fluxTolerance)) {
-        FetchShort(r.idFace, r.coefFace);
+        PrefetchShortStencil(r.idFace, r.coefFace);
         return;
     }
-    FetchShort(positive ? r.idLeft : r.idRight, positive ? r.coefLeft : r.coefRight);
+    PrefetchShortStencil(positive ? r.idLeft : r.idRight, positive ? r.coefLeft : r.coefRight);
     if (nStencils > 1) {
-        FetchLong(positive ? r.idFarLeft : r.idFarRight, positive ? r.coefFarLeft : r.coefFarRight);
+        PrefetchLongStencil(positive ? r.idFarLeft : r.idFarRight,
+                            positive ? r.coefFarLeft : r.coefFarRight);
     }
     if (nStencils > 2) {
-        FetchShort(positive ? r.idRight : r.idLeft, positive ? r.coefRight : r.coefLeft);
+        PrefetchShortStencil(positive ? r.idRight : r.idLeft, positive ? r.coefRight : r.coefLeft);
     }
 }
 
 constexpr RecordUse faceUse = {[](const CMAFVMFaceData& record) {
-                                   Fetch(&record.idFace);
-                                   Fetch(&record.coefFace);
+                                   Prefetch(&record.idFace);
+                                   Prefetch(&record.coefFace);
                                },
                                [](const CMAFVMFaceData& record, double /*flux*/) {
-                                   FetchShort(record.idFace, record.coefFace);
+                                   PrefetchShortStencil(record.idFace, record.coefFace);
                                }};
 constexpr RecordUse upstreamUse = {
-    FetchUpwindPointers,
-    [](const CMAFVMFaceData& record, double flux) { FetchUpwindLists(record, flux, 1); }};
+    PrefetchUpwindPointers,
+    [](const CMAFVMFaceData& record, double flux) { PrefetchUpwindLists(record, flux, 1); }};
 constexpr RecordUse twoPointUse = {
-    FetchUpwindPointers,
-    [](const CMAFVMFaceData& record, double flux) { FetchUpwindLists(record, flux, 2); }};
+    PrefetchUpwindPointers,
+    [](const CMAFVMFaceData& record, double flux) { PrefetchUpwindLists(record, flux, 2); }};
 constexpr RecordUse threePointUse = {
-    FetchUpwindPointers,
-    [](const CMAFVMFaceData& record, double flux) { FetchUpwindLists(record, flux, 3); }};
+    PrefetchUpwindPointers,
+    [](const CMAFVMFaceData& record, double flux) { PrefetchUpwindLists(record, flux, 3); }};
 
-/// Nearly all faces use no record at all.
+/// For the upwind by cell unknowns, which uses a record only where the flux is near zero.
 constexpr RecordUse noUse = {[](const CMAFVMFaceData& /*record*/) {},
                              [](const CMAFVMFaceData& /*record*/, double /*flux*/) {}};
 
 using InnerScheme = void (*)(const InnerSide&, double);
 using BoundaryScheme = void (*)(const BoundarySide&, double);
 
-/// The walk of every scheme: each inner face seen from both its cells, then the boundary faces.
-/// Inline, so that every operator has a walk of its own with the schemes built in.
+/// The loops of every scheme: each inner face seen from both its cells, then the boundary faces.
+/// Inline, so that the compiler makes a copy per operator with the scheme expanded in it.
 inline void AddFluxes(CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& gv, double weight,
                       const CMAFVMFaceVariableAll* flux, InnerScheme addInner,
                       BoundaryScheme addBoundary, const RecordUse& use) {
     for (int i = 1; i <= gv.Ne; ++i) {
-        FetchAhead(matrix, gv, i, flux, use);
+        PrefetchAhead(matrix, gv, i, flux, use);
         addInner(FirstSide(matrix, gv, *flux, i), weight);
         addInner(SecondSide(matrix, gv, *flux, i), weight);
     }
@@ -276,25 +293,27 @@ bool CKVX_ART_MatOperator::ConvectionOperatorFU(double weight, CMAFVMFaceVariabl
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorQUICK(double weight, CMAFVMFaceVariableAll* flux) {
-    // No point lies downstream of a boundary face, so the scheme steps down there.
+    // There is no point downstream of a boundary face, so the scheme falls back to linear upwind.
     AddFluxes(*sparseMatrix, *artGv, weight, flux, AddQuick, AddLinearUpwind, threePointUse);
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionOperatorHybrid(double weight, CMAFVMFaceVariableAll* flux) {
-    // The cell itself and not the record's Left stencil: no boundary record is read here.
+    // The interior cell itself and not the Left stencil: a host of this scheme need not fill the
+    // boundary records.
     AddFluxes(*sparseMatrix, *artGv, weight, flux, AddHybrid, AddCellUpwind, twoPointUse);
     return true;
 }
 
 bool CKVX_ART_MatOperator::ConvectionFU_Diffusion_Operator(CMAFVMFaceVariableAll* flux) {
     for (int i = 1; i <= artGv->Ne; ++i) {
-        FetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
+        PrefetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
         const int L = artGv->Ce23[0][i];
         const int R = artGv->Ce23[1][i];
 
-        // Positive includes the tolerance itself here, and a flux within it adds nothing: the
-        // diffusion of the face carries the row. The other schemes fall back to the Face stencil.
+        // Here a flux equal to the tolerance counts as positive, and a near-zero flux adds no
+        // convection: the diffusion term already fills the row. The other schemes use the Face
+        // stencil for a near-zero flux.
         const FaceRow first{*sparseMatrix, L, false};
         double F = flux->left[i];
         if (F >= fluxTolerance) {

@@ -2,9 +2,18 @@
 #include "fvm_operators/detail/prefetch.h"
 #include "fvm_operators/mat_operator.h"
 
+// The data layout and the prefetching are drawn in detail/prefetch.h; the transcription of the
+// three operators, addition by addition, is plain/plain_operators.h.
+
 namespace KVX_ART_FVM {
 
 namespace {
+
+using kvx3d::detail::BoundaryFaces;
+using kvx3d::detail::BoundaryKinds;
+using kvx3d::detail::FaceRow;
+using kvx3d::detail::normalUse;
+using kvx3d::detail::PrefetchAhead;
 
 /// Adds the Normal stencil of a record, the only one that diffusion reads.
 void AddNormal(const FaceRow& row, const CMAFVMFaceData& record, double factor) {
@@ -15,10 +24,11 @@ void AddNormal(const FaceRow& row, const CMAFVMFaceData& record, double factor) 
 
 bool CKVX_ART_MatOperator::PureLaplaceOperator(double weight) {
     for (int i = 1; i <= artGv->Ne; ++i) {
-        FetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
+        PrefetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
         AddNormal({*sparseMatrix, artGv->Ce23[0][i], false}, artGv->faceDataLeft[i], weight);
         // On a non-matching face the row of the second cell gets nothing. The other two diffusion
-        // operators fill it: with unit coefficients this row is all that tells them apart.
+        // operators do fill it; with unit coefficients this is the only difference between them and
+        // the Laplacian.
         if (artGv->nonmatchingFace[i] == 0) {
             AddNormal({*sparseMatrix, artGv->Ce23[1][i], true}, artGv->faceDataRight[i], weight);
         }
@@ -36,7 +46,7 @@ bool CKVX_ART_MatOperator::PureLaplaceOperator(double weight) {
 
 bool CKVX_ART_MatOperator::DiffusionOperator(double weight) {
     for (int i = 1; i <= artGv->Ne; ++i) {
-        FetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
+        PrefetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
         AddNormal({*sparseMatrix, artGv->Ce23[0][i], false}, artGv->faceDataLeft[i],
                   weight * artGv->faceMu->left[i]);
         AddNormal({*sparseMatrix, artGv->Ce23[1][i], true}, artGv->faceDataRight[i],
@@ -56,7 +66,7 @@ bool CKVX_ART_MatOperator::DiffusionOperator(double weight) {
 
 bool CKVX_ART_MatOperator::ThermalDiffusionOperator(double weight) {
     for (int i = 1; i <= artGv->Ne; ++i) {
-        FetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
+        PrefetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
         const double tLeft =
             artGv->faceK->left[i] / (artGv->faceCp->left[i] * artGv->faceRho->left[i]);
         AddNormal({*sparseMatrix, artGv->Ce23[0][i], false}, artGv->faceDataLeft[i],
@@ -73,9 +83,9 @@ bool CKVX_ART_MatOperator::ThermalDiffusionOperator(double weight) {
         for (int i = 1; i <= kind.n; ++i) {
             const int ghost = kind.ghost[i];
             const double k = artGv->kvxGv->cellK[ghost];
-            // Wall and symmetry rows carry the bare conductivity, k dT/dn, and only faces that
-            // fluid crosses carry the diffusivity. Callers scale their wall rows by cellK alone;
-            // a division here would weaken those rows by cp * rho.
+            // Rows at walls and symmetry planes get the conductivity alone, k dT/dn; only faces
+            // with flow through them get the diffusivity. Callers scale their wall rows by cellK
+            // alone, so a division here would make those rows too small by cp * rho.
             const double factor =
                 kind.throughflow ? k / (artGv->cp[ghost] * artGv->kvxGv->cellRho[ghost]) * weight
                                  : weight * k;

@@ -15,7 +15,7 @@ CKVX_ART_MatOperator& CKVX_ART_MatOperator::operator=(const CKVX_ART_MatOperator
 CKVX_ART_MatOperator::~CKVX_ART_MatOperator() {
     artGv = nullptr;
     sparseMatrix = nullptr;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 void CKVX_ART_MatOperator::DefaultConstructorProcedure(CKVX_ART_SparseMatrix* matrix,
@@ -23,7 +23,7 @@ void CKVX_ART_MatOperator::DefaultConstructorProcedure(CKVX_ART_SparseMatrix* ma
     artGv = gv;
     sparseMatrix = matrix;
     if (!isARTGv()) {
-        // [sic] "valied" in both texts: hosts compare them.
+        // [sic] "valied" in both texts, because hosts compare them.
         throw MatrixOperatorException(
             ">> <ART> MatrixOperatorError: You must put valied Kelvex3D Flow global variable.");
     }

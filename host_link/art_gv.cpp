@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Prints one line and flushes, so that it stands before whatever a host does about the failure.
+/// Prints one line and flushes it, so that it appears before whatever the host prints next.
 void Report(const char* text) {
     std::cout << text << std::endl;
 }
@@ -21,8 +21,8 @@ double Length(double a, double b, double c) {
 
 /// Replaces `area` by the lengths of n area vectors.
 void FillArea(double*& area, const int& n, const double* nx, const double* ny, const double* nz) {
-    // Not newDouble1D(): the areas are the largest of our arrays, and clearing one that is written
-    // at once costs as much as writing it.
+    // Not newDouble1D(): the areas are the largest arrays allocated here, and zero-filling one that
+    // is overwritten at once costs as much as writing it.
     delete[] area;
     area = nullptr;
     area = new double[static_cast<std::size_t>(n) + 1];
@@ -32,7 +32,8 @@ void FillArea(double*& area, const int& n, const double* nx, const double* ny, c
     }
 }
 
-/// Marks the ghost cells of one kind of boundary face. A later kind overwrites an earlier one.
+/// Marks the ghost cells of one kind of boundary face. If two kinds share a ghost cell, the later
+/// one overwrites the earlier one.
 void MarkGhosts(int* type, int* index, int code, const int* ghost, int n) {
     for (int i = 1; i <= n; ++i) {
         type[ghost[i]] = code;
@@ -50,8 +51,8 @@ CKVX_ACMT_GV& CKVX_ACMT_GV::operator=(const CKVX_ACMT_GV& other) = default;
 
 CKVX_ACMT_GV::~CKVX_ACMT_GV() {
     if (kvxGv == nullptr || kvxFvm == nullptr) {
-        // No host stands behind the arrays, so they were made for this object. FaceType_Partition
-        // is not among them: whoever filled it keeps it.
+        // Without a host the arrays were allocated for this object. FaceType_Partition is the
+        // exception: it stays with the code that set it.
         for (int* array : {hostCountTableGv, hostCountTableFvm, Ce23[0], Ce23[1], CInlet23,
                            COutlet23, CWall23, CSymm23, CPart23, idInlet, idOutlet, idWall, idSymm,
                            idPart, cavityId, pProcessId, nonmatchingFace}) {
@@ -93,7 +94,7 @@ CKVX_ACMT_GV::~CKVX_ACMT_GV() {
     kvxPartFace = nullptr;
     kvxGradient = nullptr;
     kvxCommunication = nullptr;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 bool CKVX_ACMT_GV::isKvxGv() {
@@ -133,8 +134,8 @@ int CKVX_ACMT_GV::getKvx3dPartFace(CPartitionFace_DLL* partFace) {
 
 int CKVX_ACMT_GV::getKvx3dGradientTool(COperatorGradient* gradient) {
     if (gradient == nullptr) {
-        // [sic] the words of the partition link: they are part of the interface and compared as
-        // text. Which link is meant, the caller knows from its own call.
+        // [sic] the same text as for the partition faces: the wording is part of the interface and
+        // compared as text. The caller knows from its own call which link is meant.
         Report("Can not get the object of Part Faces");
         return -1;
     }
@@ -276,8 +277,9 @@ bool CKVX_ACMT_GV::getFaceArea() {
         FillArea(areaWall, kvxFvm->NWall, nxWall, nyWall, nzWall);
         FillArea(areaSymm, kvxFvm->NSymm, nxSymm, nySymm, nzSymm);
         if (NPart > 0) {
-            // Asked once for the size and once more after each face, no oftener: an accessor may
-            // cost its host a look-up, and one that answers with less ends the loop early.
+            // NParInterFace() is called once for the size and once more after each face, and no
+            // more often, since the host may have to search for the value. A smaller value ends the
+            // loop early.
             int n = kvxPartFace->NParInterFace();
             newDouble1D(areaPart, n);
             for (int i = 1; i <= n; ++i, n = kvxPartFace->NParInterFace()) {
@@ -325,10 +327,10 @@ bool CKVX_ACMT_GV::getMeshRelation() {
         newInt1D(ghostBCType, NcAll);
         newInt1D(ghostBCIndex, NcAll);
         for (int cell = 1; cell <= Nc; ++cell) {
-            ghostBCIndex[cell] = cell;  // its type 0 stands there already
+            ghostBCIndex[cell] = cell;  // the type is 0 from the allocation
         }
-        // Ghost cells of partition faces stay unmarked: what lies behind them is another process's
-        // real cell, not a boundary.
+        // Ghost cells of partition faces are not marked: they represent real cells of another
+        // process, not for a boundary.
         MarkGhosts(ghostBCType, ghostBCIndex, 1, idInlet, NInlet);
         MarkGhosts(ghostBCType, ghostBCIndex, 2, idOutlet, NOutlet);
         MarkGhosts(ghostBCType, ghostBCIndex, 3, idWall, NWall);

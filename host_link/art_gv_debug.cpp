@@ -2,9 +2,11 @@
 #include <ostream>
 
 #include "host_link/art_gv.h"
+#include "host_link/detail/classic_format.h"
 
 namespace {
 
+/// Prints the heading, then entries 1..n, one a line.
 void PrintInts(std::ostream& out, const char* heading, const int* values, int n) {
     out << heading << '\n';
     for (int i = 1; i <= n; ++i) {
@@ -12,6 +14,7 @@ void PrintInts(std::ostream& out, const char* heading, const int* values, int n)
     }
 }
 
+/// Prints the heading, then the vectors 1..n, one a line with one blank between components.
 void PrintVectors(std::ostream& out, const char* heading, const double* x, const double* y,
                   const double* z, int n) {
     out << heading << '\n';
@@ -28,10 +31,10 @@ int CKVX_ACMT_GV::debugMode() {
 }
 
 void CKVX_ACMT_GV::debugDataCheck() {
-    // A stream of its own over the same buffer: a host that set the precision of std::cout still
-    // gets a dump with six significant digits, and its settings stay as they were.
+    // A stream of our own on the same buffer: a host may have enabled exceptions on std::cout, and
+    // no exception may leave this class.
     std::ostream out(std::cout.rdbuf());
-    out.imbue(std::cout.getloc());
+    const kvx3d::detail::ClassicFormat format(out);
 
     out << "Nc = " << Nc << '\n'
         << "Ne = " << Ne << '\n'

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <ostream>
 
-// The makers null the pointer between release and allocation: if the allocation throws, the owner
+// The pointer is set to null between release and allocation: if the allocation throws, the owner
 // must not release the old block a second time.
 
 void newDouble1D(double*& a, int n) {
@@ -34,9 +34,8 @@ void freeDouble2D(double**& a) {
     if (a == nullptr) {
         return;
     }
-    // Stops one row short: the last row stays allocated and may still be in use by whoever took
-    // it, so a table of one row keeps all its data. The int tables release with the same bound;
-    // change neither alone.
+    // The loop stops one row short: the last row stays allocated and may still be in use by code
+    // that kept a pointer to it. The int tables below use the same bound; change both or neither.
     for (int i = 1; a[0] != nullptr && i < static_cast<int>(a[0][0]); ++i) {
         delete[] a[i];
         a[i] = nullptr;
@@ -57,7 +56,7 @@ void freeIntRows(int**& a) {
     if (a == nullptr) {
         return;
     }
-    for (int i = 1; a[0] != nullptr && i < a[0][0]; ++i) {  // one row short, as above
+    for (int i = 1; a[0] != nullptr && i < a[0][0]; ++i) {  // stops one row short, as above
         delete[] a[i];
         a[i] = nullptr;
     }
@@ -109,8 +108,8 @@ std::size_t Vector<T>::size() const {
 
 template <typename T>
 void Vector<T>::print(std::ostream& out) const {
-    // The index stands still: a listing tells the length and the first value, and that is what
-    // listings are compared by. The elements themselves are public.
+    // The index does not advance, so a listing shows the length and the first value. Listings are
+    // compared as text; code that needs all elements reads the public data.
     for (std::size_t i = 1; i <= size(); ++i) {
         out << data[1] << '\n';
     }

@@ -6,18 +6,18 @@
 
 #include "host_link/export.h"
 
-/// 1-based arrays: the shape of nearly every array of the toolbox.
+/// 1-based arrays: the form of nearly every array of the toolbox.
 ///
 /// A one-dimensional array of n entries is one block of n + 1 elements from the array form of new,
-/// zero-filled, data in slots 1..n and n itself in slot 0 (as a double in double arrays).
+/// zero-filled, with data in slots 1..n and n itself in slot 0 (as a double in double arrays).
 ///
 /// A two-dimensional array is a table of rows + 1 row pointers. Slot 0 points to a block of one
-/// element that holds rows; slots 1..rows point to one-dimensional arrays of cols entries, so
-/// a[i][j] is element (i, j), both indices 1-based, and a[i][0] is cols. Ragged int tables have
-/// the same head and rows that their owner fills.
+/// element that holds the number of rows; slots 1..rows point to one-dimensional arrays of cols
+/// entries, so a[i][j] is element (i, j), both indices 1-based, and a[i][0] is cols. Ragged int
+/// tables have the same slot 0, and their owner fills the rows.
 ///
-/// The makers replace what the pointer held. None checks its sizes; a failed allocation throws
-/// std::bad_alloc and leaves a pointer that may be passed in again.
+/// The functions that allocate release what the pointer held before. They do not check the sizes. A
+/// failed allocation throws std::bad_alloc and leaves a pointer that may be passed in again.
 
 /// Replaces `a` by a one-dimensional array of n doubles.
 KVX3D_API void newDouble1D(double*& a, int n);
@@ -28,23 +28,23 @@ KVX3D_API void newInt1D(int*& a, int n);
 /// Replaces `a` by a two-dimensional array of rows by cols doubles.
 KVX3D_API void newDouble2D(double**& a, int rows, int cols);
 
-/// Releases rows 1..rows - 1, the head and the table, each if not null; `a` becomes null.
-/// Row number rows is left to whoever holds it.
+/// Releases rows 1..rows - 1, slot 0 and the table, each if not null, and sets `a` to null. The
+/// last row is not released: its memory stays allocated.
 KVX3D_API void freeDouble2D(double**& a);
 
 /// Replaces `a` by a table of ragged int rows, all of them null.
 KVX3D_API void newIntRows(int**& a, int rows);
 
-/// Releases rows 1..rows - 1, the head and the table, each if not null; `a` becomes null.
-/// Row number rows is left to whoever holds it.
+/// Releases rows 1..rows - 1, slot 0 and the table, each if not null, and sets `a` to null. The
+/// last row is not released: its memory stays allocated.
 KVX3D_API void freeIntRows(int**& a);
 
 namespace KVX3DART {
 
-/// What the containers a host may use have in common: a shape.
+/// Base class of the containers for hosts: it holds the shape.
 ///
 /// Copies share the pointers of their source: of a source and its copies only one may be
-/// destroyed. Assignment gives up what the target held without releasing it.
+/// destroyed. Assignment overwrites the pointers of the target without releasing them.
 class KVX3D_API Container {
 public:
     /// Rank 0, no elements.
@@ -54,10 +54,10 @@ public:
     virtual ~Container();
 
     std::size_t* shape;  ///< [0] the rank, 1 for every Vector; [1] the element count; owned
-    bool flag;           ///< false at construction; copied and otherwise unused
+    bool flag;           ///< false after construction; copied, otherwise unused
 };
 
-/// A one-dimensional 1-based array that knows its size; T is int or double.
+/// A one-dimensional 1-based array with its size; T is int or double.
 template <typename T>
 class KVX3D_API Vector : public virtual Container {
 public:
@@ -72,7 +72,7 @@ public:
     /// Number of elements.
     std::size_t size() const;
 
-    /// Writes size() lines, each of them element 1.
+    /// Writes size() lines to `out`, each with element 1, in the number format of `out`.
     void print(std::ostream& out) const;
 
     T* data;  ///< elements 1..size(), slot 0 the size; owned, null in an empty vector

@@ -24,7 +24,7 @@ CMAFVMFaceData::~CMAFVMFaceData() {
         }
     }
     linked = false;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 int CMAFVMFaceData::LinkedDataForAll(const CMAFVMFaceData& other) {
@@ -49,7 +49,7 @@ CMAFVMFaceVariable::~CMAFVMFaceVariable() {
         delete[] right;
     }
     sharedInner = false;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 bool CMAFVMFaceVariable::NewMemory(CKVX_ACMT_GV* gv) {
@@ -66,8 +66,8 @@ bool CMAFVMFaceVariable::NewMemory(CKVX_ACMT_GV* gv) {
 }
 
 bool CMAFVMFaceVariable::LinkInner() {
-    // Looks at `right`, not at the old `sharedInner`: on an object that shares already it would
-    // release the one array that `left` still shows.
+    // Tests `right` and not the old `sharedInner`, so on an object that already shares its array
+    // this releases the array to which `left` still points: at most one call per object is valid.
     sharedInner = true;
     if (right == nullptr) {
         return true;
@@ -98,8 +98,8 @@ CMAFVMFaceVariableAll::~CMAFVMFaceVariableAll() {
 
 bool CMAFVMFaceVariableAll::NewMemory(CKVX_ACMT_GV* gv) {
     CMAFVMFaceVariable::NewMemory(gv);
-    // No null test from here on: a flux without boundary faces would be read out of bounds much
-    // later, so a missing record has to show here.
+    // No test for null from here on: without the boundary arrays a flux would be read out of bounds
+    // much later, so a missing mesh has to fail here.
     newDouble1D(inlet, gv->NInlet);
     newDouble1D(outlet, gv->NOutlet);
     newDouble1D(wall, gv->NWall);
@@ -126,7 +126,7 @@ CMAFVMFaceVariableOverset::~CMAFVMFaceVariableOverset() {
 
 bool CMAFVMFaceVariableOverset::NewMemory(CKVX_ACMT_GV* gv) {
     CMAFVMFaceVariable::NewMemory(gv);
-    newDouble1D(wall, gv->NWall);  // no null test, as for the faces of all kinds
+    newDouble1D(wall, gv->NWall);  // no test for null, as above
     return true;
 }
 

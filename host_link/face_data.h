@@ -8,16 +8,16 @@ class CKVX_ACMT_GV;
 /// The nine stencils of one face, seen from one side.
 ///
 /// A stencil is an int array paired with the double array of the same name. Slot 0 of the ids is
-/// the number n of terms; ids 1..n are cell numbers, ghost cells included, that serve directly as
+/// the number n of terms; ids 1..n are cell numbers, ghost cells included, and are used directly as
 /// matrix columns; coefficients 1..n are the weights. Slot 0 of the coefficients is not read. A
 /// quantity at the face is the weighted sum over the cells.
 ///
-/// With positive flux (from the face's first cell to its second) Left is the value on the
-/// upstream side and Right that on the downstream side, with negative flux the other way round;
-/// FarLeft and FarRight are one step further upstream in either case.
+/// With a positive flux (from the first cell of the face to the second) Left is the value on the
+/// upstream side and Right that on the downstream side, with a negative flux the reverse. FarLeft
+/// and FarRight are one step further upstream in either case.
 ///
-/// Whoever makes the records fills them: each array by the array form of new, owned by the record
-/// unless `linked` is set.
+/// The creator of a record fills it. Each array comes from the array form of new and is owned by
+/// the record unless `linked` is set.
 class KVX3D_API CMAFVMFaceData {
 public:
     /// All pointers null, not linked.
@@ -28,14 +28,14 @@ public:
     /// Releases the 18 stencil arrays unless linked. The `vec` pointers are never released.
     ~CMAFVMFaceData();
 
-    /// Borrows all arrays of `other`, which must outlive this record. What the record held before
-    /// is overwritten without being released.
+    /// Borrows all arrays of `other`, which must outlive this record. The previous pointers of this
+    /// record are overwritten without being released.
     /// @return 0
     int LinkedDataForAll(const CMAFVMFaceData& other);
 
     int* idFace = nullptr;    ///< face value
     int* idNormal = nullptr;  ///< normal derivative
-    int* idAux1 = nullptr;    ///< this and the next two: carried, not read
+    int* idAux1 = nullptr;    ///< this and the next two: for the host, not read
     int* idAux2 = nullptr;
     int* idAux3 = nullptr;
     int* idLeft = nullptr;      ///< upstream with positive flux
@@ -55,15 +55,15 @@ public:
 
     bool linked = false;  ///< the 18 arrays belong to another record
 
-    /// Carried and copied for the host, neither read nor released.
+    /// For the host: copied, but neither read nor released.
     double* vecA[3] = {nullptr, nullptr, nullptr};
     double* vecB[3] = {nullptr, nullptr, nullptr};
     double* vecC[3] = {nullptr, nullptr, nullptr};
     double* vecD[3] = {nullptr, nullptr, nullptr};
 };
 
-/// One double per inner face and side: a flux, a viscosity. All arrays 1-based with the count in
-/// slot 0.
+/// One double per inner face and side, for example a flux or a viscosity. All arrays are 1-based
+/// with the count in slot 0.
 ///
 /// Copies and assignment share the arrays: a copy is a view, and only one of the two may be
 /// destroyed.
@@ -71,22 +71,22 @@ class KVX3D_API CMAFVMFaceVariable {
 public:
     /// No arrays, not shared.
     CMAFVMFaceVariable();
-    /// Arrays of gv->Ne entries; with a null `gv` none.
-    /// @param shared  one array for both sides
+    /// Arrays of gv->Ne entries; no arrays if `gv` is null.
+    /// @param shared  true for one array that serves both sides
     CMAFVMFaceVariable(CKVX_ACMT_GV* gv, bool shared);
     CMAFVMFaceVariable(const CMAFVMFaceVariable& other);
     CMAFVMFaceVariable& operator=(const CMAFVMFaceVariable& other);
     virtual ~CMAFVMFaceVariable();
 
-    /// Replaces the arrays by zero-filled ones for the faces of `gv`, one or two of them as
-    /// `sharedInner` says.
+    /// Replaces the arrays by zero-filled ones for the faces of `gv`: one if `sharedInner` is true,
+    /// otherwise two.
     /// @return false, with nothing changed, if `gv` is null
     virtual bool NewMemory(CKVX_ACMT_GV* gv);
 
-    /// Makes an object with two arrays share the left one and releases the right one.
+    /// Makes an object with two arrays use the left one for both sides and releases the right one.
     ///
-    /// At most once, and only on an object that does not share: a second call releases the array
-    /// that `left` still points at.
+    /// Call it at most once, and only on an object with two arrays: a second call releases the
+    /// array to which `left` still points.
     /// @return true
     bool LinkInner();
 
@@ -95,7 +95,8 @@ public:
     bool sharedInner = false;  ///< `right` is `left`, owned once
 };
 
-/// A face variable with values at all four boundary kinds: the type of every flux argument.
+/// A face variable with values at all four kinds of boundary faces: the type of every flux
+/// argument.
 class KVX3D_API CMAFVMFaceVariableAll : public CMAFVMFaceVariable {
 public:
     /// No arrays, not shared.
@@ -116,8 +117,8 @@ public:
     double* symm = nullptr;    ///< 1..NSymm, owned
 };
 
-/// A face variable with values at wall faces only, where overset boundaries lie. For the host: no
-/// operator takes it.
+/// A face variable with values also at wall faces, which include the overset boundaries. It is
+/// provided for the host; no operator uses it.
 class KVX3D_API CMAFVMFaceVariableOverset : public CMAFVMFaceVariable {
 public:
     /// No arrays, not shared.
@@ -135,22 +136,22 @@ public:
     double* wall = nullptr;  ///< 1..NWall, owned
 };
 
-/// Per boundary face a row of doubles and a kind. For the host: no operator reads it, and what
-/// the entries mean is the host's affair.
+/// A row of doubles and a type number for each boundary face. It is provided for the host, which
+/// defines the meaning of the entries; no operator reads it.
 ///
-/// The last row of each value array outlives the object (see freeDouble2D()).
+/// The last row of each value array is not released (see freeDouble2D()).
 class KVX3D_API CMAFVMBoundaryCondition {
 public:
     /// No arrays.
     CMAFVMBoundaryCondition();
-    /// Arrays for the boundary faces of `gv`; with a null `gv` none.
+    /// Arrays for the boundary faces of `gv`; no arrays if `gv` is null.
     CMAFVMBoundaryCondition(CKVX_ACMT_GV* gv, int components);
     /// Member by member: copies share the arrays, and only one of them may be destroyed.
     CMAFVMBoundaryCondition(const CMAFVMBoundaryCondition& other);
     CMAFVMBoundaryCondition& operator=(const CMAFVMBoundaryCondition& other);
     ~CMAFVMBoundaryCondition();
 
-    /// Replaces all arrays by zero-filled ones, `components` doubles a face.
+    /// Replaces all arrays by zero-filled ones with `components` doubles per face.
     /// @return false, with nothing changed, if `gv` is null
     bool NewMemory(CKVX_ACMT_GV* gv, int components);
 

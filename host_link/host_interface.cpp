@@ -1,4 +1,4 @@
 #include "host_link/host_interface.h"
 
-// Out of line, so that the table of virtual functions has one home: the library.
+// Not inline, so that the table of virtual functions is emitted once, in the library.
 CPartitionFace_DLL::~CPartitionFace_DLL() = default;

@@ -5,23 +5,37 @@
 
 #include "linear_algebra/detail/dilu_sweeps.h"
 
+// Data layout: the matrix is compressed rows with the diagonal first (detail/dilu_sweeps.h), the
+// ten vectors are 1-based arrays of rowsN entries. One iteration passes over them like this:
+//
+//     p, y <- r, v       new direction and forward sweep, in blocks of rows that fit the cache
+//     pHat, v            backward sweep, and v = A pHat in the same pass over the matrix
+//     s, y <- r, v       half residual and forward sweep, in blocks
+//     sHat, t            backward sweep, and t = A sHat in the same pass
+//     r                  new residual, with both of its dot products
+//
+// The update x += omega sHat waits for the next x += alpha pHat, so that x is read and written once
+// per iteration. The transcription step by step, with the same bits, is plain/plain_bicgstab.h.
+
 namespace {
 
-using KVX3DART::BackwardSweep;
-using KVX3DART::BackwardSweepWithProduct;
-using KVX3DART::CsrRows;
-using KVX3DART::DiluSweeps;
-using KVX3DART::ForwardSweep;
-using KVX3DART::InspectRows;
-using KVX3DART::PositionOf;
-using KVX3DART::RowProduct;
+using kvx3d::detail::BackwardSweep;
+using kvx3d::detail::BackwardSweepWithProduct;
+using kvx3d::detail::CsrRows;
+using kvx3d::detail::DiluSweeps;
+using kvx3d::detail::ForwardSweep;
+using kvx3d::detail::InspectRows;
+using kvx3d::detail::PositionOf;
+using kvx3d::detail::RowProduct;
 
 constexpr double eps = 1e-30;   // zero test of the recurrence and guard of its denominators
-constexpr int blockRows = 512;  // rows updated before they are swept: they stay in the cache
+constexpr int blockRows = 512;  // rows that are updated, then swept while they are in the cache
 
-// Sums over rows have one accumulator each and run upwards: results are compared bit for bit.
+// Every sum over the rows has one accumulator and adds in ascending order, because results are
+// compared bit for bit.
 
-/// True below the zero test, false for not-a-number: that iterates on until `times` ends it.
+/// True if the magnitude is below the zero test. False for NaN, which therefore iterates until
+/// `times` ends the solve.
 bool Vanishes(double value) {
     return eps > std::abs(value);
 }
@@ -46,7 +60,7 @@ double Dot(int n, const double* a, const double* b) {
     return sum;
 }
 
-/// Two products of one vector: the passes over the vectors are what they cost.
+/// Two dot products formed in one pass: the time goes into reading the vectors.
 struct DotPair {
     double withOther;
     double withItself;
@@ -62,7 +76,7 @@ DotPair DotBoth(int n, const double* a, const double* b) {
     return dots;
 }
 
-/// p = (p - omega v) beta + r, swept forward.
+/// p = (p - omega v) beta + r, then the forward sweep of p.
 void SweepNextDirection(const DiluSweeps& sweeps, double omega, double beta, const double* v,
                         const double* r, double* p) {
     const int n = sweeps.A.n;
@@ -82,7 +96,7 @@ void AddTo(int n, double factor, const double* direction, double* x) {
     }
 }
 
-/// s = r - alpha v, swept forward.
+/// s = r - alpha v, then the forward sweep of s.
 void SweepHalfResidual(const DiluSweeps& sweeps, double alpha, const double* v, const double* r,
                        double* s) {
     const int n = sweeps.A.n;
@@ -95,7 +109,7 @@ void SweepHalfResidual(const DiluSweeps& sweeps, double alpha, const double* v, 
     }
 }
 
-/// x = x + omega sHat, then x = x + alpha pHat: both in one pass over x.
+/// x = x + omega sHat, then x = x + alpha pHat, in one pass over x.
 void AddBoth(int n, double omega, const double* sHat, double alpha, const double* pHat, double* x) {
     for (int i = 1; i <= n; ++i) {
         x[i] = x[i] + omega * sHat[i] + alpha * pHat[i];
@@ -138,8 +152,8 @@ void CKVX_ART_MatSolver_BiCGSTAB::DefaultConstructorProcedure() {
     for (double** vector : {&r, &rHat, &D, &p, &pHat, &v, &y, &s, &sHat, &t}) {
         *vector = new double[rowsN + 1]();
     }
-    // p stands twice and pHat not at all: slot 0 of pHat stays 0.0. No vector operation reads a
-    // slot 0, so only code that takes lengths from the heads sees it.
+    // p is listed twice and pHat not at all, so slot 0 of pHat stays 0.0. No vector operation reads
+    // slot 0; only code that takes the length of a vector from there sees the difference.
     for (double* vector : {r, rHat, D, p, p, v, y, s, sHat, t}) {
         vector[0] = rowsN;
     }
@@ -167,8 +181,8 @@ bool CKVX_ART_MatSolver_BiCGSTAB::MatSolve(const double* b, double* x) {
     double rho = 1.0;
     double omega = 1.0;
     double alpha = 0.0;
-    DotPair residual{rr, rr};    // with rHat and with itself: the two are still equal
-    bool owesOmegaStep = false;  // x gets omega sHat with the next alpha step: one pass less
+    DotPair residual{rr, rr};       // with rHat and with itself, which are equal at the start
+    bool omegaStepPending = false;  // x += omega sHat is done with the next alpha step
     for (int iter = 1;; ++iter) {
         const double rhoOld = rho + eps;
         rho = residual.withOther;
@@ -195,12 +209,12 @@ bool CKVX_ART_MatSolver_BiCGSTAB::MatSolve(const double* b, double* x) {
             break;
         }
         SweepHalfResidual(sweeps, alpha, v, r, s);
-        if (owesOmegaStep) {
+        if (omegaStepPending) {
             AddBoth(rowsN, omega, sHat, alpha, pHat, x);
         } else {
             AddTo(rowsN, alpha, pHat, x);
         }
-        owesOmegaStep = false;
+        omegaStepPending = false;
         BackwardSweepWithProduct(sweeps, sHat, t);
         const auto [ts, tt] = DotBoth(rowsN, t, s);
         if (Vanishes(tt)) {
@@ -210,7 +224,7 @@ bool CKVX_ART_MatSolver_BiCGSTAB::MatSolve(const double* b, double* x) {
         if (Vanishes(omega)) {
             break;
         }
-        owesOmegaStep = true;
+        omegaStepPending = true;
         residual = NextResidual(rowsN, omega, s, t, rHat, r);
         const double rnorm = std::sqrt(residual.withItself);
         if (iter == 1) {
@@ -221,7 +235,7 @@ bool CKVX_ART_MatSolver_BiCGSTAB::MatSolve(const double* b, double* x) {
             break;
         }
     }
-    if (owesOmegaStep) {
+    if (omegaStepPending) {
         AddTo(rowsN, omega, sHat, x);
     }
     return true;

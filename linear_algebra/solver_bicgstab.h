@@ -4,9 +4,9 @@
 #include "host_link/export.h"
 #include "linear_algebra/sparse_matrix.h"
 
-/// A sparse matrix that solves itself: BiCGSTAB, preconditioned with DILU.
+/// A sparse matrix that solves its own system: BiCGSTAB, preconditioned with DILU.
 ///
-/// The operators assemble into the object, then MatSolve() works on what they left:
+/// The operators assemble into the object, then MatSolve() solves the assembled system:
 ///
 ///     CKVX_ART_MatSolver_BiCGSTAB A(n);
 ///     ...                                   // AddIndex, then the operators
@@ -14,9 +14,9 @@
 ///     A.MatSolve(b, x);
 ///     if (A.GetIterTimes() >= A.GetTimes()) ...
 ///
-/// All vectors are 1-based with rowsN entries. Nothing is allocated after construction. One solve
-/// at a time per object: the work vectors are members. The matrix must store the diagonal of every
-/// row and no column above rowsN; the second is not checked.
+/// All vectors are 1-based with rowsN entries. A solve allocates nothing. Only one solve at a time
+/// may run on an object, because the work vectors are members. The matrix must store the diagonal
+/// of every row and no column above rowsN; the second condition is not checked.
 ///
 /// A copy shares all blocks with its source: only one of the two may be destroyed.
 ///
@@ -27,44 +27,44 @@ public:
     /// A square system of n rows.
     explicit CKVX_ART_MatSolver_BiCGSTAB(int n);
 
-    /// A matrix of any shape. DILU() and SolveDILU() leave columns above rowsN out; MatSolve()
-    /// needs a matrix without such entries.
+    /// A matrix of any shape. DILU() and SolveDILU() ignore columns above rowsN; MatSolve() needs a
+    /// matrix without such entries.
     CKVX_ART_MatSolver_BiCGSTAB(int rows, int cols);
 
     CKVX_ART_MatSolver_BiCGSTAB(const CKVX_ART_MatSolver_BiCGSTAB&) = default;
     CKVX_ART_MatSolver_BiCGSTAB& operator=(const CKVX_ART_MatSolver_BiCGSTAB&) = default;
     ~CKVX_ART_MatSolver_BiCGSTAB() override;
 
-    /// Sets the defaults and allocates the ten vectors. The constructors have done this: a second
-    /// run drops the old vectors without releasing them.
+    /// Sets the defaults and allocates the ten vectors. The constructors call this; a second call
+    /// loses the old vectors without releasing them.
     void DefaultConstructorProcedure();
 
     /// Solves A x = b.
     ///
     /// The iteration ends when the residual norm has fallen to `tolerance` times the norm after
     /// the first iteration, when `times` iterations are done, or at a breakdown (a scalar of the
-    /// recurrence below 1e-30 in magnitude). A breakdown leaves in x what was reached by then.
-    /// A matrix that was declared but not filled is compressed first, which leaves it all zero.
+    /// recurrence is below 1e-30 in magnitude). After a breakdown x holds the last iterate.
+    /// A matrix that was declared but not filled is compressed first, with all values zero.
     ///
     /// @param[in]     b  right-hand side, entries 1..rowsN
     /// @param[in,out] x  first guess on entry, solution on return, entries 1..rowsN
-    /// @return true on every path, breakdown and exhausted `times` included; the caller judges
-    ///         by GetIterTimes() and GetRnorm()
-    /// @throws LinearSolverException  a row stores no diagonal; x is untouched
+    /// @return true always, also after a breakdown or `times` iterations; the caller judges
+    ///         convergence by GetIterTimes() and GetRnorm()
+    /// @throws LinearSolverException  a row stores no diagonal; x is unchanged
     bool MatSolve(const double* b, double* x);
 
-    /// Computes the inverted DILU diagonal of the compressed matrix; each row's diagonal must
-    /// stand first.
+    /// Computes the inverted DILU diagonal of the compressed matrix, in which the diagonal must
+    /// stand first in each row.
     ///
     /// @param[out] D  entries 1..rowsN
     void DILU(double* D);
 
-    /// Applies the preconditioner: result = ((D^-1 + L) D (D^-1 + U))^-1 rhs, with L and U the
-    /// strict triangles of the matrix and `y` as intermediate.
+    /// Applies the preconditioner: result = ((D^-1 + L) D (D^-1 + U))^-1 rhs, where L and U are the
+    /// strict triangles of the matrix. Overwrites `y`.
     ///
-    /// @param[in]  D       what DILU() computed, entries 1..rowsN
+    /// @param[in]  D       the result of DILU(), entries 1..rowsN
     /// @param[in]  rhs     entries 1..rowsN
-    /// @param[out] result  entries 1..rowsN; may be rhs
+    /// @param[out] result  entries 1..rowsN; may be the same array as rhs
     void SolveDILU(double* D, double* rhs, double* result);
 
     double GetTolerance() const { return tolerance; }
@@ -72,32 +72,32 @@ public:
     int GetTimes() const { return times; }
     void SetTimes(int value) { times = value; }
 
-    /// The residual norm after the first iteration of the last solve, which is what its stop
-    /// criterion is relative to; not the final norm. The initial norm if the first guess was the
-    /// solution, and the figure of the solve before if the first iteration broke down.
+    /// The residual norm after the first iteration of the last solve, to which the stopping
+    /// criterion is relative; not the final norm. It is the initial norm if the first guess was the
+    /// solution, and the value of an earlier solve if the first iteration broke down.
     double GetRnorm() const { return Rnorm; }
 
-    /// Iterations completed by the last solve; the figure of the solve before if it completed
+    /// Iterations completed by the last solve, or the value of an earlier solve if it completed
     /// none.
     double GetIterTimes() const { return iterTimes; }
 
-    double tolerance;  ///< stop at this reduction of the first iteration's norm, 1.1e-08
-    int times;         ///< most iterations, 100000
+    double tolerance;  ///< stop at this reduction of the norm after iteration 1; default 1.1e-08
+    int times;         ///< maximum number of iterations; default 100000
 
-    // Ten vectors of rowsN + 1 entries, owned. Slot 0 holds rowsN, but 0.0 in pHat.
+    // Ten vectors of rowsN + 1 entries, owned. Slot 0 holds rowsN, except in pHat, where it is 0.0.
     double* r;     ///< residual
     double* rHat;  ///< shadow residual: the first residual, fixed during a solve
     double* D;     ///< inverted DILU diagonal
     double* p;     ///< search direction
     double* pHat;  ///< preconditioned p
     double* v;     ///< A pHat
-    double* y;     ///< intermediate between the two sweeps of the preconditioner
-    double* s;     ///< residual after the alpha step
+    double* y;     ///< intermediate vector between the two sweeps of the preconditioner
+    double* s;     ///< residual after the step by alpha
     double* sHat;  ///< preconditioned s
     double* t;     ///< A sHat
 
     double Rnorm;   ///< reference residual norm
-    int iterTimes;  ///< iterations done
+    int iterTimes;  ///< iterations completed
 };
 
 #endif

@@ -7,19 +7,20 @@
 #include <memory>
 
 #include "host_link/containers.h"
+#include "host_link/detail/classic_format.h"
 #include "matrix_solver/matrix_solver.h"
 
 namespace {
 
-/// A row-major n by n block, indexed from 0, as the inversion works on it.
+/// A row-major n by n block, indexed from 0: the work area of the inversion.
 struct SquareBlock {
     double* first;
     int n;
     double* operator[](int row) const { return first + static_cast<std::ptrdiff_t>(row) * n; }
 };
 
-/// m = L U in place: L with its diagonal, U with a unit diagonal that is not stored.
-void FactoriseLU(const SquareBlock& m) {
+/// Replaces m by its factors L and U. L has the diagonal; the unit diagonal of U is not stored.
+void FactorizeLU(const SquareBlock& m) {
     const int n = m.n;
     for (int i = 1; i < n; ++i) {
         m[0][i] = m[0][i] / m[0][0];
@@ -42,7 +43,7 @@ void FactoriseLU(const SquareBlock& m) {
     }
 }
 
-/// Replaces the lower triangle, diagonal included, by its inverse.
+/// Replaces the lower triangle including the diagonal by its inverse.
 void InvertLower(const SquareBlock& m) {
     for (int i = 0; i < m.n; ++i) {
         for (int j = i; j < m.n; ++j) {
@@ -72,7 +73,7 @@ void InvertUnitUpper(const SquareBlock& m) {
     }
 }
 
-/// Replaces the two triangles by their product, upper times lower.
+/// Replaces the two triangular matrices by their product, upper times lower.
 void MultiplyUpperByLower(const SquareBlock& m) {
     for (int i = 0; i < m.n; ++i) {
         for (int j = 0; j < m.n; ++j) {
@@ -85,11 +86,13 @@ void MultiplyUpperByLower(const SquareBlock& m) {
     }
 }
 
+/// Prints a heading between two rules.
 void PrintHeading(const char* heading) {
     const char* rule = "----------------------------------------";
     std::cout << rule << '\n' << heading << '\n' << rule << '\n';
 }
 
+/// Prints entries 1..cols on one line, each in a field of width 10.
 void PrintRow(const double* row, int cols) {
     for (int j = 1; j <= cols; ++j) {
         std::cout << std::setw(10) << row[j];
@@ -97,12 +100,14 @@ void PrintRow(const double* row, int cols) {
     std::cout << '\n';
 }
 
+/// Prints entries 1..n, one a line, each in a field of width 10.
 void PrintColumn(const double* values, int n) {
     for (int i = 1; i <= n; ++i) {
         std::cout << std::setw(10) << values[i] << '\n';
     }
 }
 
+/// The same for ints.
 void PrintColumn(const int* values, int n) {
     for (int i = 1; i <= n; ++i) {
         std::cout << std::setw(10) << values[i] << '\n';
@@ -135,8 +140,8 @@ int CKVX_ACMT_MatSolver_Dense::SolveDenseMatrix(double** A, double* rhs, int n, 
         return 0;
     }
     if (n == 2) {
-        // Goes on below: the closed form is where the external solver starts from, and its status
-        // is what the caller is told.
+        // No return here: the closed form is the first guess of the external solver, whose status
+        // the caller gets.
         const double det = A[2][2] * A[1][1] - A[1][2] * A[2][1];
         x[1] = (A[2][2] * rhs[1] - A[1][2] * rhs[2]) / det;
         x[2] = (A[1][1] * rhs[2] - A[2][1] * rhs[1]) / det;
@@ -156,8 +161,8 @@ int CKVX_ACMT_MatSolver_Dense::SolveDenseMatrix(double** A, double* rhs, int n, 
 }
 
 void CKVX_ACMT_MatSolver_Dense::Inverse(double** A, double** inverse, int n) {
-    // Outlives the call, on every path: the memory of an inversion grows by n * n doubles a call,
-    // and the header tells callers so.
+    // The block is never released, on any path: each call leaves n * n doubles allocated. The
+    // header warns callers of that.
     const SquareBlock m{new double[static_cast<std::size_t>(n) * n], n};
     for (int i = 0; i < n; ++i) {
         std::copy(A[i + 1] + 1, A[i + 1] + n + 1, m[i]);
@@ -165,7 +170,7 @@ void CKVX_ACMT_MatSolver_Dense::Inverse(double** A, double** inverse, int n) {
     if (n < 2) {
         return;
     }
-    FactoriseLU(m);
+    FactorizeLU(m);
     InvertLower(m);
     InvertUnitUpper(m);
     MultiplyUpperByLower(m);
@@ -193,6 +198,7 @@ void CKVX_ACMT_MatSolver_Dense::Multiply(double** A, double** B, double** C, int
 }
 
 void CKVX_ACMT_MatSolver_Dense::CheckMatrix(double** A, double* rhs, int n) {
+    const kvx3d::detail::ClassicFormat format(std::cout);
     PrintHeading("LHS");
     for (int i = 1; i <= n; ++i) {
         PrintRow(A[i], n);
@@ -202,6 +208,7 @@ void CKVX_ACMT_MatSolver_Dense::CheckMatrix(double** A, double* rhs, int n) {
 }
 
 void CKVX_ACMT_MatSolver_Dense::CheckMatrix(double** A, int rows, int cols) {
+    const kvx3d::detail::ClassicFormat format(std::cout);
     std::cout << "<Matrix>\n";
     for (int i = 1; i <= rows; ++i) {
         PrintRow(A[i], cols);
@@ -211,6 +218,7 @@ void CKVX_ACMT_MatSolver_Dense::CheckMatrix(double** A, int rows, int cols) {
 
 void CKVX_ACMT_MatSolver_Dense::CheckCSR(double** A, int n) {
     MatrixToCSR(A, n);
+    const kvx3d::detail::ClassicFormat format(std::cout);
     PrintHeading("NonZeroData");
     PrintColumn(Aa, nonZeroN);
     PrintHeading("NonZeroID");
@@ -230,8 +238,8 @@ void CKVX_ACMT_MatSolver_Dense::GaussElimination(int n, double** A, double* rhs,
     for (int k = 1; k <= n; ++k) {
         for (int i = k + 1; i <= n; ++i) {
             const double f = a[i][k] / a[k][k];
-            // From column 1, not from k: the columns left of the pivot keep what rounding left
-            // there, for whoever looks at the work area; no later step reads them.
+            // From column 1 and not from k: the public work area then also holds the rounding
+            // residue left of the pivot. No later step reads it.
             for (int j = 1; j <= n + 1; ++j) {
                 a[i][j] = a[i][j] - f * a[k][j];
             }
@@ -274,9 +282,9 @@ bool CKVX_ACMT_MatSolver_Dense::MatrixToCSR_DiagPositive(double** A, double* rhs
     for (int i = 1; i <= n; ++i) {
         double& diagonal = Aa[Ia[i]];
         if (diagonal < 0.0) {
-            // The off-diagonals keep their signs: this is not the row times -1, and the system
-            // handed over differs from the caller's. Callers whose diagonals may be negative
-            // negate such rows themselves.
+            // The off-diagonal entries keep their signs. So this is not the row times -1, and the
+            // system passed on differs from the caller's. Callers with negative diagonals negate
+            // such rows themselves.
             diagonal = -diagonal;
             rhs[i] = -rhs[i];
         }
@@ -292,8 +300,8 @@ bool CKVX_ACMT_MatSolver_Dense::SetDimension(int n) {
     Ja = new int[nonZeroN + 1]();
     Ia = new int[rowsN + 2]();
     Aa = new double[nonZeroN + 1]();
-    // The solver before is not destroyed: a copy of this object may still point to it, and nothing
-    // counts who does. The last one goes with this object.
+    // The previous solver is not destroyed: a copy of this object may still point to it, and there
+    // is no reference count. The last solver is destroyed with this object.
     solver = new CKVXMatrixSolver("");
     return true;
 }

@@ -8,14 +8,17 @@ class CKVXMatrixSolver;
 /// Solves small dense systems, inverts, multiplies and prints dense matrices.
 ///
 /// Matrices are tables of row pointers, A[i][j] with i and j from 1; vectors are 1-based. Slot 0
-/// of the arguments is not read. Sizes are not negative, and n * n fits an int.
+/// of the arguments is not read. Sizes must not be negative, and n * n must fit an int.
 ///
-/// No operation pivots and none looks for a singular matrix: a zero pivot gives infinities or
-/// not-a-number, without a message. One operation at a time per object: the work areas are
-/// members.
+/// No operation uses pivoting or detects a singular matrix: a zero pivot gives infinities or NaN
+/// without a message. Only one operation at a time may run on an object, because the work areas
+/// are members.
 ///
 /// A copy shares the blocks and the external solver with its source: only one of the two may be
 /// destroyed.
+///
+/// Everything is printed on standard output with a field width of 10, otherwise in the default
+/// number format whatever the format settings of std::cout.
 class KVX3D_API CKVX_ACMT_MatSolver_Dense {
 public:
     CKVX_ACMT_MatSolver_Dense();
@@ -25,28 +28,28 @@ public:
 
     /// Solves A x = rhs: n = 3..18 by elimination, any other n by the external solver.
     ///
-    /// The external solver starts from x; for n = 2 from the closed-form solution, which is put
-    /// into x first. Each call that reaches it creates a new solver object and leaves the one
-    /// before behind, unreleased.
+    /// The first guess of the external solver is x; for n = 2 the closed-form solution is stored in
+    /// x first. Each call that uses the external solver creates a new solver object and does not
+    /// release the previous one.
     ///
-    /// @param[in]     A    n by n; the external path reads negative diagonals as positive ones and
-    ///                     negates their right-hand sides, off-diagonals keep their signs
+    /// @param[in]     A    n by n; for the external solver, negative diagonals are negated together
+    ///                     with their right-hand sides, but off-diagonals keep their signs
     /// @param[in]     rhs  entries 1..n
     /// @param[in,out] x    entries 1..n
     /// @return 0 after an elimination, else the status of the external solver
     int SolveDenseMatrix(double** A, double* rhs, int n, double* x);
 
-    /// Inverts A by an LU factorisation (Crout's form: U has the unit diagonal).
+    /// Inverts A by an LU factorization (Crout's form: U has the unit diagonal).
     ///
-    /// Each call leaves its work block of n * n doubles unreleased.
+    /// Each call leaves its work block of n * n doubles allocated.
     ///
     /// @param[in]  A        n by n
-    /// @param[out] inverse  n by n, may be A; untouched if n is less than 2
+    /// @param[out] inverse  n by n, may be A; unchanged if n is less than 2
     void Inverse(double** A, double** inverse, int n);
 
-    /// C = A B, A being rows by inner and B inner by cols.
+    /// C = A B, where A has `rows` by `inner` and B `inner` by `cols` entries.
     ///
-    /// Each call leaves the last row of its work table, cols + 1 doubles, unreleased.
+    /// Each call leaves the last row of its work table, cols + 1 doubles, allocated.
     ///
     /// @param[out] C  rows by cols; may be A or B
     /// @param rows    at most `inner`: the product is formed in a table of inner rows
@@ -58,7 +61,7 @@ public:
     /// Prints a matrix.
     void CheckMatrix(double** A, int rows, int cols);
 
-    /// Prints the compressed rows that stand for A.
+    /// Prints A as compressed rows.
     void CheckCSR(double** A, int n);
 
     // Compressed rows of the full matrix, zeros included, diagonal first in each row; 1-based,
@@ -75,7 +78,7 @@ public:
     double gaussMatrix[21][21];  ///< elimination, 1-based, right-hand side in column n + 1
     double gaussSolution[21];    ///< elimination, 1-based
 
-    CKVXMatrixSolver* solver;  ///< external solver of the last use, owned; null before
+    CKVXMatrixSolver* solver;  ///< external solver of the last use, owned; null before the first
 
 private:
     /// Elimination without pivoting in the work areas; n is at most 19.
@@ -84,7 +87,7 @@ private:
     /// Fills Ia, Ja, Aa. @return true
     bool MatrixToCSR(double** A, int n);
 
-    /// MatrixToCSR() with negative diagonals turned positive, rhs[i] negated with them.
+    /// The same, with negative diagonals negated together with their rhs[i].
     /// @return true
     bool MatrixToCSR_DiagPositive(double** A, double* rhs, int n);
 

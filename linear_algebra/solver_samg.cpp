@@ -57,7 +57,7 @@ void CKVX_ART_MatSolver_SAMG::TempNonZeroValueCopy() {
 
 void CKVX_ART_MatSolver_SAMG::MakeDiagPositive() {
     for (int i = 1; i <= rowsN; ++i) {
-        // Not "not positive": a diagonal of either zero leaves its row as it is.
+        // Rows with a diagonal of 0.0, -0.0 or NaN stay as they are.
         if (!(tempValue[Ia[i]] < 0.0)) {
             continue;
         }

@@ -6,13 +6,13 @@
 
 class CKVXMatrixSolver;
 
-/// A sparse matrix that has itself solved by the external library KVX3DMatrixSolver.
+/// A sparse matrix whose system is solved by the external library KVX3DMatrixSolver.
 ///
-/// Assembled like any other sparse matrix. A solve hands over a copy of the values in which the
-/// diagonal of every row stands first and is not negative; the values in Aa keep their signs.
+/// It is assembled like any other sparse matrix. A solve passes on a copy of the values in which
+/// the diagonal of every row stands first and is not negative; the values in Aa keep their signs.
 ///
-/// The external solver's status is dropped: convergence cannot be told from this class. A caller
-/// that needs to know computes the residual. One solve at a time per object.
+/// The status of the external solver is ignored, so this class does not report convergence. A
+/// caller that needs to know computes the residual. Only one solve at a time may run on an object.
 ///
 /// A copy shares all blocks with its source: only one of the two may be destroyed.
 class KVX3D_API CKVX_ART_MatSolver_SAMG : public CKVX_ART_SparseMatrix {
@@ -20,7 +20,7 @@ public:
     /// A square system of n rows.
     explicit CKVX_ART_MatSolver_SAMG(int n);
 
-    /// A matrix of any shape; what is solved are its rowsN rows.
+    /// A matrix of any shape; a solve passes on its rowsN rows.
     CKVX_ART_MatSolver_SAMG(int rows, int cols);
 
     CKVX_ART_MatSolver_SAMG(const CKVX_ART_MatSolver_SAMG&) = default;
@@ -30,10 +30,10 @@ public:
     /// Solves A x = b. A matrix that was declared but not filled is compressed first.
     ///
     /// @param[in]     b  right-hand side, entries 1..rowsN
-    /// @param[in,out] x  first guess on entry, what the external solver made of it on return,
+    /// @param[in,out] x  first guess on entry, the result of the external solver on return,
     ///                   entries 1..rowsN
     /// @return true, whatever the external solver reports
-    /// @throws LinearSolverException  a row stores no diagonal; x is untouched
+    /// @throws LinearSolverException  a row stores no diagonal; x is unchanged
     bool MatSolve(const double* b, double* x);
 
     double GetTolerance() const { return tolerance; }
@@ -41,8 +41,8 @@ public:
     int GetTimes() const { return times; }
     void SetTimes(int value) { times = value; }
 
-    double tolerance;          ///< handed to the external solver, 1.1e-08
-    int times;                 ///< most iterations, handed to the external solver, 100000
+    double tolerance;          ///< passed to the external solver; default 1.1e-08
+    int times;                 ///< maximum number of iterations, passed on; default 100000
     CKVXMatrixSolver* solver;  ///< owned
     double* rhs;               ///< working copy of b, 1..rowsN, slot 0 rowsN, owned
     /// Working copy of Aa, slot 0 the number of stored entries, owned; null before the first

@@ -6,7 +6,19 @@
 #include <memory>
 #include <utility>
 
+#include "host_link/detail/classic_format.h"
 #include "linear_algebra/detail/csr_rows.h"
+
+// Data layout, all of it 1-based:
+//
+//     indexSets[row]    ordered set of the columns of a row: the master copy of the pattern
+//            |
+//            | CompressIndex()
+//            v
+//     Ia  row starts; Ja  column numbers and Aa  values, row after row (detail/csr_rows.h)
+//
+// A new column is added to the set and, in a compressed matrix, also at the end of its row in Ja
+// and Aa. plain/plain_sparse_matrix.h is the transcription of the pattern phase.
 
 CKVX_ART_SparseMatrix::CKVX_ART_SparseMatrix(int n) {
     DefaultConstructorProcedure(n, n);
@@ -23,7 +35,7 @@ void CKVX_ART_SparseMatrix::DefaultConstructorProcedure(int rows, int cols) {
     compressed = false;
     Ja = nullptr;
     Aa = nullptr;
-    // Ones throughout make every row empty, so that row-wise reads are harmless before the first
+    // With ones everywhere each row is empty, so row-wise reads are harmless before the first
     // compression although Ja and Aa are null.
     Ia = new int[rows + 2];
     Ia[0] = 0;
@@ -40,13 +52,14 @@ CKVX_ART_SparseMatrix::~CKVX_ART_SparseMatrix() {
 
 void CKVX_ART_SparseMatrix::AddIndex(int row, int col) {
     CheckDimensions(row, col);
-    // Faces come in mesh order: a new column is mostly the first or the last of its row, and the
-    // hint spares the search for its place. Worth 5 per cent of a declaration.
+    // Faces come in mesh order, so a new column is usually the first or the last of its row. The
+    // hint avoids the search for its place, which saves 5 per cent of the time to declare a
+    // pattern.
     std::set<int>& columns = (*indexSets)[row];
     const bool isFirst = !columns.empty() && col < *columns.begin();
     columns.insert(isFirst ? columns.begin() : columns.end(), col);
-    // Also when the position was there: a declaration announces a new assembly, which starts from
-    // zeros.
+    // Also if the position was there already: a declaration announces a new assembly, which starts
+    // from zeros.
     compressed = false;
 }
 
@@ -86,9 +99,9 @@ bool CKVX_ART_SparseMatrix::MakeDiagFrontCSR() {
     const int endOfEntries = Ia[rowsN + 1];
     for (int i = 1; i <= rowsN; ++i) {
         const int front = Ia[i];
-        // Asked of empty rows too: they are compared with the first entry of the next stored row,
-        // and pass if that entry has column i. Behind the last entry nothing is stored, so a
-        // trailing empty row has no diagonal; it is not compared with what the heap holds there.
+        // This test includes empty rows: they are compared with the first entry of the next stored
+        // row and pass if that entry has column i. Nothing is stored after the last entry, so an
+        // empty row at the end has no diagonal and must not be compared with memory past the array.
         if (front < endOfEntries && Ja[front] == i) {
             continue;
         }
@@ -111,8 +124,9 @@ void CKVX_ART_SparseMatrix::InsertIndexAndValue2CSR(const int& row, const int& c
     (*indexSets)[row].insert(col);
     const int m = Ia[rowsN + 1];
     const int end = Ia[row + 1];
-    // Exactly one entry more: Ia[rowsN + 1] is the length of both arrays, and the SAMG front
-    // sizes its copy by it. A host that cares for speed declares its pattern.
+    // Exactly one entry more and no spare capacity: Ia[rowsN + 1] is the length of both arrays, and
+    // the SAMG front allocates its copy with that length. A host that needs speed declares its
+    // pattern beforehand.
     std::unique_ptr<int[]> newJa(new int[m + 1]);
     std::unique_ptr<double[]> newAa(new double[m + 1]);
     newJa[0] = 0;
@@ -178,7 +192,7 @@ double CKVX_ART_SparseMatrix::GetDiagonalValue(int row) {
 void CKVX_ART_SparseMatrix::SetDiagonalValue(int row, double value) {
     for (int k = Ia[row]; k < Ia[row + 1]; ++k) {
         if (Ja[k] == row) {
-            // No compression on a stale matrix: it would zero the row this value belongs to.
+            // A stale matrix is not compressed here: that would zero the other values of the row.
             Aa[k] = value;
             return;
         }
@@ -197,15 +211,17 @@ double CKVX_ART_SparseMatrix::GetOffDiagonalValueTimesVectorSum(int row, double 
 }
 
 double CKVX_ART_SparseMatrix::DotProduct(int row, double* x) {
-    // Hosts go through the rows in order, and between two calls the hardware loses sight of where
-    // that leads: half a thousand entries ahead, large matrices take a third less time.
+    // Hosts process the rows in order, but the prefetcher of the processor loses track of that
+    // between two calls. Prefetching about 500 entries ahead reduces the time for large matrices by
+    // a third.
     const std::uintptr_t entry = static_cast<std::uintptr_t>(Ia[row]) + 512;
-    KVX3DART::Fetch(Ja, entry * sizeof(int));
-    KVX3DART::Fetch(Aa, entry * sizeof(double));
-    return KVX3DART::RowProduct({rowsN, Ia, Ja, Aa}, row, x);
+    kvx3d::detail::Prefetch(Ja, entry * sizeof(int));
+    kvx3d::detail::Prefetch(Aa, entry * sizeof(double));
+    return kvx3d::detail::RowProduct({rowsN, Ia, Ja, Aa}, row, x);
 }
 
 void CKVX_ART_SparseMatrix::DebugRun() {
+    const kvx3d::detail::ClassicFormat format(std::cout);
     std::cout << "Ia:\n";
     for (int i = 1; i <= rowsN + 1; ++i) {
         std::cout << Ia[i] << '\n';

@@ -13,31 +13,33 @@ public:
     using std::out_of_range::out_of_range;
 };
 
-/// A matrix that the solvers cannot work on.
+/// A matrix that the solvers cannot solve.
 class KVX3D_API LinearSolverException : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The sparse matrix that the operators assemble into and the iterative solvers derive from.
+/// The sparse matrix into which the operators assemble and from which the iterative solvers derive.
 ///
-/// It lives in two phases. In the index phase AddIndex() collects the non-zero positions in one
-/// ordered set a row. CompressIndex() turns the sets into compressed sparse rows with a value
-/// array; the sets stay as the master copy of the pattern. AddElementValue() compresses by itself
-/// when it has to, and stores positions nobody declared, at the price of copying both arrays:
+/// It has two phases. In the index phase AddIndex() collects the non-zero positions in one ordered
+/// set per row. CompressIndex() turns the sets into compressed sparse rows (CSR) with an array of
+/// values; the sets remain as the master copy of the pattern. AddElementValue() compresses the
+/// matrix if necessary, and also stores positions that were not declared, at the price of copying
+/// both arrays:
 ///
 ///     CKVX_ART_SparseMatrix A(n);
-///     A.AddIndex(row, col);                // the pattern, in any order, duplicates welcome
-///     A.AddElementValue(row, col, value);  // the values, any number of times a position
+///     A.AddIndex(row, col);                // the pattern, in any order, duplicates allowed
+///     A.AddElementValue(row, col, value);  // the values, any number of times per position
 ///
 /// Everything is 1-based: rows 1..rowsN, columns 1..colsN, and entry 0 of every array is a dummy.
 /// Row i occupies positions Ia[i] .. Ia[i + 1] - 1 of Ja and Aa. Columns ascend after a
 /// compression, but an inserted entry stands at the end of its row and MakeDiagFrontCSR() moves
-/// diagonals, so look-ups are linear scans: a row holds one finite-volume stencil.
+/// diagonals, so entries are found by linear scans. A row holds one finite-volume stencil, so the
+/// scans are short.
 ///
-/// Of all operations only AddIndex(), AddElementValue() and the adding path of SetDiagonalValue()
-/// check their arguments; a row outside 1..rowsN given to any other is the caller's mistake.
-/// A failed allocation passes out as std::bad_alloc. One thread at a time per object. Row starts
+/// Only AddIndex(), AddElementValue() and the adding path of SetDiagonalValue() check their
+/// arguments. Any other operation called with a row outside 1..rowsN reads or writes out of
+/// bounds. A failed allocation throws std::bad_alloc. One thread at a time per object. Row starts
 /// are ints, so a matrix stores fewer than 2^31 entries.
 ///
 /// A copy shares all four blocks with its source, and there is no reference count: only one of
@@ -47,8 +49,8 @@ public:
     /// A square matrix of n rows and columns without entries.
     explicit CKVX_ART_SparseMatrix(int n);
 
-    /// A rectangular matrix without entries. More columns than rows serve the operators that
-    /// write ghost-cell columns.
+    /// A rectangular matrix without entries. Operators that write ghost-cell columns need more
+    /// columns than rows.
     CKVX_ART_SparseMatrix(int rows, int cols);
 
     CKVX_ART_SparseMatrix(const CKVX_ART_SparseMatrix&) = default;
@@ -58,8 +60,9 @@ public:
     int GetRowsN() const { return rowsN; }
     int GetColsN() const { return colsN; }
 
-    /// Declares position (row, col); a repeated declaration keeps the count of entries. Either
-    /// way the next AddElementValue() or solve compresses, which zeroes every stored value.
+    /// Declares position (row, col). A repeated declaration does not change the number of entries.
+    /// In either case the next AddElementValue() or solve compresses the matrix, which sets every
+    /// stored value to zero.
     ///
     /// @throws InvalidDimensionsException  the position lies outside the matrix
     void AddIndex(int row, int col);
@@ -69,11 +72,11 @@ public:
     /// @return true
     bool CompressIndex();
 
-    /// Adds `value` at (row, col). Compresses first if the matrix is not compressed, which zeroes
-    /// what was stored. A position missing from the pattern is inserted at the end of its row;
-    /// that costs a copy of the whole of Ja and Aa.
+    /// Adds `value` at (row, col). A matrix that is not compressed is compressed first, which sets
+    /// every stored value to zero. A position missing from the pattern is inserted at the end of
+    /// its row, which costs a copy of all of Ja and Aa.
     ///
-    /// Inline, because assembly is little else than this call.
+    /// Inline, because assembly consists mostly of this call.
     ///
     /// @return true
     /// @throws InvalidDimensionsException  the position lies outside the matrix; nothing changed
@@ -82,7 +85,7 @@ public:
     /// Sets every stored value to 0.0 and keeps the pattern.
     void Clear();
 
-    /// Drops pattern and values: the matrix is as freshly constructed, with its dimensions.
+    /// Removes pattern and values: the matrix is as after construction, with the same dimensions.
     void Reset();
 
     /// Sets the stored values of one row to 0.0; the entries stay.
@@ -91,11 +94,11 @@ public:
     /// Sets the stored values of one column to 0.0 by a scan of the whole matrix.
     void SetColZero(int col);
 
-    /// The diagonal value of `row`, 0.0 if it is not stored. Never compresses.
+    /// The diagonal value of `row`, or 0.0 if it is not stored. Never compresses.
     double GetDiagonalValue(int row);
 
     /// Overwrites the stored diagonal of `row` without checks and without compression. A diagonal
-    /// that is not stored goes through AddElementValue(row, row, value).
+    /// that is not stored is added by AddElementValue(row, row, value).
     ///
     /// @throws InvalidDimensionsException  on the second path, as AddElementValue()
     void SetDiagonalValue(int row, double value);
@@ -110,7 +113,8 @@ public:
     /// @param x  an entry for every stored column number, 1-based
     double DotProduct(int row, double* x);
 
-    /// Prints Ia, Ja and Aa on standard output, one item a line.
+    /// Prints Ia, Ja and Aa on standard output, one item a line, in the default number format
+    /// whatever the format settings of std::cout.
     void DebugRun();
 
     int rowsN;        ///< number of rows, fixed at construction
@@ -135,14 +139,15 @@ private:
     /// @throws InvalidDimensionsException  the position lies outside the matrix
     void CheckDimensions(const int& row, const int& col);
 
-    /// Kept out of line, so that the check costs an assembly loop four comparisons and no more.
+    /// Not inline, so that the check costs an assembly loop four comparisons and no more.
     [[noreturn]] void ThrowBadPosition(int row, int col);
 
-    /// Adds `value` to the first stored entry of (row, col); false if there is none.
+    /// Adds `value` to the first stored entry of (row, col).
+    /// @return false if there is none
     bool FindIndexAddValueCSR(const int& row, const int& col, const double& value);
 
-    /// Stores a new entry at the end of `row`, in the set and in the arrays, which are reallocated
-    /// with one entry more.
+    /// Stores a new entry, in the set of `row` and at the end of the row in the arrays, which are
+    /// reallocated with one entry more.
     void InsertIndexAndValue2CSR(const int& row, const int& col, const double& value);
 };
 
@@ -166,7 +171,7 @@ inline bool CKVX_ART_SparseMatrix::FindIndexAddValueCSR(const int& row, const in
 
 inline bool CKVX_ART_SparseMatrix::AddElementValue(const int& row, const int& col,
                                                    const double& value) {
-    // Copies: the arguments may refer into Ja or Aa, which a compression frees.
+    // Copies, because the arguments may refer to entries of Ja or Aa, which a compression releases.
     const int i = row;
     const int j = col;
     const double a = value;

@@ -4,22 +4,24 @@
 #include <set>
 #include <vector>
 
+#include "host_link/detail/classic_format.h"
 #include "host_link/detail/last_stores.h"
 #include "vtk_output/vtk_tool.h"
 
 namespace {
 
-/// Factor on the area vector of an ineffective face. Not zero: the vector still has a direction
-/// for whoever divides by its length.
+/// Factor on the area vector of an ineffective face. It is not zero, so that
+/// code which divides by the length of the vector still gets a direction.
 constexpr double ineffectiveScale = 1e-10;
 
 /// The cells on both sides of one group of flagged faces.
 struct FaceSides {
-    VTK_Cells owners;       ///< one entry per face: a cell stands once for each face it owns
+    VTK_Cells owners;       ///< one entry per face, so a cell appears once for each face it owns
     VTK_Cells neighbors;    ///< each cell once
     std::set<int> entered;  ///< ids of the cells in `neighbors`
 };
 
+/// The nodes of a cell as the VTK output takes them, borrowed from the mesh.
 MeshCell CellOf(const CKVX3DFiniteVolumeMesh& mesh, int cell) {
     int* row = mesh.cellNodes[cell];
     return MeshCell(&row[1], row[0]);
@@ -32,7 +34,7 @@ art_nonmatching_tools::art_nonmatching_tools() : kvxGv(nullptr), kvxFvm(nullptr)
 art_nonmatching_tools::~art_nonmatching_tools() {
     kvxGv = nullptr;
     kvxFvm = nullptr;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 void art_nonmatching_tools::SetFVM(CKvx3dGV* gv, CKVX3DFiniteVolumeMesh* fvm) {
@@ -41,6 +43,7 @@ void art_nonmatching_tools::SetFVM(CKvx3dGV* gv, CKVX3DFiniteVolumeMesh* fvm) {
 }
 
 void art_nonmatching_tools::NonmatchingPreprocess() {
+    const kvx3d::detail::ClassicFormat format(std::cout);
     std::cout << "Start Non-matching Preprocess:" << std::endl;
     std::vector<int> outsideFaces;
     std::vector<int> cavityFaces;
@@ -48,15 +51,15 @@ void art_nonmatching_tools::NonmatchingPreprocess() {
         if (!IsNonmatchingFace(face)) {
             continue;
         }
-        // The owner alone decides: both sides of an interface list their own faces, and the
-        // neighbor's side comes up with its own.
+        // The owner alone decides the group: each side of an interface has faces of its own, so
+        // the faces of the neighbor's side are visited in their turn.
         if (CheckCavityId(GetInnerFaceOwnerId(face)) < 1) {
             outsideFaces.push_back(face);
         } else {
             cavityFaces.push_back(face);
         }
     }
-    // [sic] the wording is part of the interface and compared as text.
+    // [sic] "Nun-matching": the wording is part of the interface and compared as text.
     std::cout << "Total Nun-matching Face Number = " << outsideFaces.size() + cavityFaces.size()
               << std::endl;
 
@@ -105,7 +108,7 @@ bool art_nonmatching_tools::CheckNonmatchingFaceVTKData(bool beforePreprocess) {
         }
     }
 
-    // The order is that of the block numbers in the file names.
+    // In the order of the block numbers in the file names.
     VTK_Block blocks[] = {{&points, &allCells},
                           {&points, &cavity.owners},
                           {&points, &cavity.neighbors},
@@ -114,8 +117,9 @@ bool art_nonmatching_tools::CheckNonmatchingFaceVTKData(bool beforePreprocess) {
     char nameBefore[] = "Check_NonmatchingFaceData_BeforePreprocess";
     char nameAfter[] = "Check_NonmatchingFaceData_AfterPreprocess";
     CKVX_ART_VTK_Tool tool;
-    // Process 1 whatever the host's own number: the picture is one process's view. No post-run
-    // follows, so the record file stays until a merge in the same root takes it in.
+    // Process 1, whatever the number of the host's process, because the picture is the view of one
+    // process. No post-run follows, so the record file stays in the root directory until a merge
+    // there includes it.
     tool.Initialize(kvxGv->rootDir, beforePreprocess ? nameBefore : nameAfter, 1);
     for (VTK_Block& block : blocks) {
         tool.newBlockData(&block);

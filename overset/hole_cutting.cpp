@@ -6,6 +6,7 @@
 #include <new>
 
 #include "host_link/art_gv.h"
+#include "host_link/detail/classic_format.h"
 #include "overset/detail/nearest_face.h"
 #include "overset/kd_tree.h"
 #include "overset/overset_grid_data.h"
@@ -295,6 +296,7 @@ void CKVX_ART_HoleCutting::OutsideDomainCutting(int layer) {
     }
     outsideCellsCut = gridData->NNonActiveCell != 0;
     if (outsideCellsCut) {
+        const kvx3d::detail::ClassicFormat format(std::cout);
         std::cout << "\t  Non Active Cell Number = " << gridData->NNonActiveCell << std::endl;
     } else {
         // [sic] the wording is part of the interface and compared as text.
@@ -326,6 +328,7 @@ void CKVX_ART_HoleCutting::OverlapRegionCutting(int layer) {
         }
     }
     // Includes the cells of the outside cut: the count is that of the mesh, not of the step.
+    const kvx3d::detail::ClassicFormat format(std::cout);
     std::cout << "\t  Non Active Cell Number = " << gridData->NNonActiveCell << std::endl;
 }
 
@@ -351,6 +354,7 @@ void CKVX_ART_HoleCutting::CutOutsideDomainComponentCell() {
     }
     outsideCellsCut = data.NNonActiveCell != 0;
     if (outsideCellsCut) {
+        const kvx3d::detail::ClassicFormat format(std::cout);
         std::cout << "\t<Succeed> Non Active Cell Number = " << data.NNonActiveCell << std::endl;
     } else {
         // [sic] the wording is part of the interface and compared as text.
@@ -376,5 +380,6 @@ void CKVX_ART_HoleCutting::CutBackgroundCells() {
             Cut(*gridData, cells.cell);
         }
     }
+    const kvx3d::detail::ClassicFormat format(std::cout);
     std::cout << "\t<Succeed> Non Active Cell Number = " << data.NNonActiveCell << std::endl;
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host_link/containers.h"
+#include "host_link/detail/classic_format.h"
 #include "host_link/detail/last_stores.h"
 
 namespace {
@@ -22,6 +23,7 @@ void PrintNoGridState() {
 }
 
 void PrintNoWallType(int wallFace) {
+    const kvx3d::detail::ClassicFormat format(std::cerr);
     std::cerr << "Fail to define Wall Face Type , Wall Face ID = " << wallFace << std::endl;
 }
 
@@ -36,6 +38,7 @@ OversetInnerFaceType ClassifyInnerFace(int owner, int neighbor, int face) {
     if ((owner == active && neighbor == nonActive) || (owner == nonActive && neighbor == active)) {
         return OversetInnerFace_Overset;
     }
+    const kvx3d::detail::ClassicFormat format(std::cerr);
     std::cerr << "Fail to define Inner Face Type , Inner Face ID = " << face << std::endl;
     return OversetInnerFace_Undefined;
 }
@@ -97,7 +100,7 @@ KVX_ART_OVERSET_GRID_DATA::~KVX_ART_OVERSET_GRID_DATA() {
                           zOverlapPoint, pActive, uActive, vActive, wActive}) {
         delete[] array;
     }
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 void KVX_ART_OVERSET_GRID_DATA::OversetGridsInfoSetting() {
@@ -283,6 +286,7 @@ bool KVX_ART_OVERSET_GRID_DATA::LinkARTGv(CKVX_ACMT_GV* gv) {
 }
 
 void KVX_ART_OVERSET_GRID_DATA::PrintOversetGridsInfo() {
+    const kvx3d::detail::ClassicFormat format(std::cout);
     std::cout << '\n'
               << "<General_Grids_Information> \n"
               << " Total Cells Number=" << Nc << '\n'

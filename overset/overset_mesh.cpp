@@ -9,7 +9,7 @@ CKVXOversetMesh::CKVXOversetMesh() : impl(new CKVXOversetMesh_Impl()) {}
 CKVXOversetMesh::~CKVXOversetMesh() {
     delete impl;
     impl = nullptr;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 int CKVXOversetMesh::SetFVM(CKvx3dGV* gv, CKVX3DFiniteVolumeMesh* fvm) {

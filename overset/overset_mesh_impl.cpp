@@ -4,6 +4,7 @@
 #include <new>
 
 #include "host_link/containers.h"
+#include "host_link/detail/classic_format.h"
 #include "host_link/detail/last_stores.h"
 #include "overset/detail/kd_tree_store.h"
 #include "vtk_output/vtk_data.h"
@@ -104,6 +105,7 @@ private:
             std::cout << "Warning: Can not get the overset grid state." << std::endl;
             std::cout << "Warning: Can not get the overset grid state." << std::endl;
         }
+        const kvx3d::detail::ClassicFormat format(std::cerr);
         std::cerr << "Fail to search donor cell. Inner Face ID=" << face << std::endl;
     }
 
@@ -159,7 +161,7 @@ CKVXOversetMesh_Impl::~CKVXOversetMesh_Impl() {
     velocityData = nullptr;
     delete pressureData;
     pressureData = nullptr;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 int CKVXOversetMesh_Impl::InitializeSetting(CKvx3dGV* gv, CKVX3DFiniteVolumeMesh* fvm) {
@@ -249,6 +251,7 @@ void CKVXOversetMesh_Impl::ReplaceCe23_DonorCelltoGhostCell(int face) {
     } else if (data.cellState[data.Ce23[1][face]] == nonActive) {
         data.Ce23[1][face] = GetOversetInnerDonorCell(face);
     } else {
+        const kvx3d::detail::ClassicFormat format(std::cout);
         std::cout << "This inner face is not Overset Inner , Inner ID=" << face << std::endl;
     }
 }

@@ -5,15 +5,17 @@
 
 #include <cmath>
 
-/// BiCGSTAB with DILU written down step by step, one loop a step, on the members of the solver.
+namespace plain {
+
+/// BiCGSTAB with DILU in its simplest form: one loop per step, on the members of the solver.
 ///
-/// The yardstick of the solver: its tests ask for the same bits, its benchmark for the ratio of
-/// the times. Keep it plain.
-class PlainBiCGSTAB : public CKVX_ART_MatSolver_BiCGSTAB {
+/// The tests require the solver to give the same bits, the benchmark measures the ratio of the
+/// times. So keep this simple and do not optimize it.
+class BiCGSTAB : public CKVX_ART_MatSolver_BiCGSTAB {
 public:
     using CKVX_ART_MatSolver_BiCGSTAB::CKVX_ART_MatSolver_BiCGSTAB;
 
-    /// The places where a solve ends.
+    /// The exits of a solve.
     enum Exit {
         kSolvedAtStart,
         kNoIterations,
@@ -29,6 +31,7 @@ public:
     };
     Exit lastExit = kExits;
 
+    /// Solves A x = b like MatSolve().
     bool PlainMatSolve(const double* b, double* x) {
         if (!compressed) {
             CompressIndex();
@@ -129,6 +132,7 @@ public:
         }
     }
 
+    /// Computes the inverted DILU diagonal like DILU().
     void PlainDILU(double* invD) {
         for (int i = 1; i <= rowsN; ++i) {
             invD[i] = Aa[Ia[i]];
@@ -150,6 +154,7 @@ public:
         }
     }
 
+    /// Applies the preconditioner like SolveDILU(): a forward and a backward sweep.
     void PlainSolveDILU(double* invD, double* rhs, double* result) {
         for (int i = 1; i <= rowsN; ++i) {
             double sum = 0.0;
@@ -171,7 +176,7 @@ public:
         }
     }
 
-    /// Row times vector, one product after the other.
+    /// Row times vector, one product after another.
     double RowTimes(int row, const double* vector) const {
         double sum = 0.0;
         for (int k = Ia[row]; k < Ia[row + 1]; ++k) {
@@ -180,6 +185,7 @@ public:
         return sum;
     }
 
+    /// Records the exit and returns true.
     bool Leave(Exit exit) {
         lastExit = exit;
         return true;
@@ -187,5 +193,7 @@ public:
 
     static constexpr double eps = 1e-30;
 };
+
+}  // namespace plain
 
 #endif

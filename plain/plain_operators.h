@@ -4,17 +4,20 @@
 #include "host_link/art_gv.h"
 #include "host_link/face_data.h"
 
-/// The ten operators written down add by add, in the order of their loops.
+namespace plain {
+
+/// The ten operators in their simplest form: every addition in the order of the loops.
 ///
-/// The yardstick of the operators: their tests ask for the same matrix bit for bit, their benchmark
-/// for the ratio of the times. What happens to an add is the caller's: `add(row, col, value)` may
-/// be AddElementValue(), a list, or an addition at a position known beforehand. Keep it plain.
+/// The tests require the operators to give the same matrix bit for bit, the benchmark measures the
+/// ratio of the times. The caller decides what an addition does: `add(row, col, value)` may call
+/// AddElementValue(), append to a list, or add at a position known beforehand. Keep this simple and
+/// do not optimize it.
 template <typename Add>
-class PlainOperators {
+class Operators {
 public:
     using Flux = CMAFVMFaceVariableAll;
 
-    PlainOperators(const CKVX_ACMT_GV& mesh, Add& sink) : gv(mesh), add(sink) {}
+    Operators(const CKVX_ACMT_GV& mesh, Add& sink) : gv(mesh), add(sink) {}
 
     void Laplace(double weight) {
         for (int i = 1; i <= gv.Ne; ++i) {
@@ -156,23 +159,27 @@ private:
         int sign;
     };
 
+    /// One boundary face: row r of the interior cell, ghost cell g, flux F out of the domain.
     struct Boundary {
-        bool throughflow;  ///< inlet or outlet
+        bool throughflow;  ///< true for inlet and outlet
         int r, g;
         const CMAFVMFaceData& record;
         double F;
     };
 
+    /// Adds sign * (factor * coef[j]) in column id[j], for j = 1..id[0].
     void Stencil(int row, const int* id, const double* coef, double factor, int sign) {
         for (int j = 1; j <= id[0]; ++j) {
             add(row, id[j], sign < 0 ? -(factor * coef[j]) : factor * coef[j]);
         }
     }
 
+    /// Adds the Normal stencil of a record.
     void Normal(int row, const CMAFVMFaceData& record, double factor, int sign) {
         Stencil(row, record.idNormal, record.coefNormal, factor, sign);
     }
 
+    /// near * upstream + far * far upstream; the Face stencil for a near-zero flux.
     void TwoPoint(const Side& s, double weight, double near, double far) {
         const CMAFVMFaceData& d = s.record;
         if (s.F > 1e-8) {
@@ -196,6 +203,7 @@ private:
         }
     }
 
+    /// Calls scheme(Side) for both sides of every inner face.
     template <typename Scheme>
     void ForInner(const Flux& flux, Scheme scheme) {
         for (int i = 1; i <= gv.Ne; ++i) {
@@ -214,6 +222,7 @@ private:
         }
     }
 
+    /// Calls scheme(Boundary) for all boundary faces, unless the mesh excludes them.
     template <typename Scheme>
     void ForBoundary(const Flux* flux, Scheme scheme) {
         if (!gv.useBoundaryFaces) {
@@ -232,5 +241,7 @@ private:
     const CKVX_ACMT_GV& gv;
     Add& add;
 };
+
+}  // namespace plain
 
 #endif

@@ -5,13 +5,16 @@
 #include <set>
 #include <vector>
 
-/// A pattern collected in one ordered set a row and copied out, 1-based, without any checks.
+namespace plain {
+
+/// The pattern phase of the sparse matrix in its simplest form: one ordered set per row, copied
+/// into compressed rows, 1-based and without checks.
 ///
-/// The yardstick of the sparse matrix: its benchmark asks for the ratio of the times. Keep it
-/// plain.
-class PlainPattern {
+/// The benchmark of the sparse matrix measures the ratio of the times. So keep this simple and do
+/// not optimize it.
+class Pattern {
 public:
-    explicit PlainPattern(int n) : rows(n + 1), Ia(n + 2) {}
+    explicit Pattern(int n) : rows(n + 1), Ia(n + 2) {}
 
     void AddIndex(int row, int col) { rows[row].insert(col); }
 
@@ -35,5 +38,7 @@ public:
     std::vector<int> Ja;
     std::vector<double> Aa;
 };
+
+}  // namespace plain
 
 #endif

@@ -3,12 +3,14 @@
 #include <cerrno>
 #include <cstring>
 
+#include "vtk_output/detail/platform.h"
+
 namespace {
 
 constexpr std::size_t pathSize = sizeof VTK_DirEntry::path;
 constexpr std::size_t nameSize = sizeof VTK_DirEntry::name;
 
-// Plain numbers, not the names of <cerrno>: the system's own value of a name may be another one.
+// Plain numbers and not the names of <cerrno>, whose values differ between systems.
 constexpr int errorNotFound = 2;
 constexpr int errorRead = 5;
 constexpr int errorArgument = 22;
@@ -17,19 +19,20 @@ constexpr int errorTooLong = 38;
 constexpr int lastErrorNone = 0;
 constexpr int lastErrorNoMoreFiles = 18;
 
-// Attribute bits of a found entry.
+// Attribute bits of an entry.
 constexpr unsigned bitDirectory = 16;
 constexpr unsigned bitNormal = 128;
 /// Device, directory, encrypted, integrity stream, no scrub, offline, temporary: an entry with
-/// none of these is a plain file even without the "normal" bit.
+/// none of these bits is a regular file even without the "normal" bit.
 constexpr unsigned bitsNotPlain = 64 | 16 | 16384 | 32768 | 131072 | 4096 | 256;
 
+/// Stores the error number and returns false.
 bool Fail(int error) {
     errno = error;
     return false;
 }
 
-/// The text behind the last dot of `name`, or its end.
+/// The text after the last dot of `name`, or the end of `name` if it has no dot.
 char* Extension(char* name) {
     char* dot = std::strrchr(name, '.');
     return dot != nullptr ? dot + 1 : name + std::strlen(name);
@@ -54,7 +57,7 @@ bool VTK_DirIterator::Open(const char* directory) {
     char pattern[pathSize];
     std::strcpy(pattern, path);
     std::strcat(pattern, "\\*");
-    handle = vtk_platform::FindFirst(pattern, &findData);
+    handle = kvx3d::detail::FindFirst(pattern, &findData);
     if (handle == vtk_platform::InvalidHandle()) {
         *this = VTK_DirIterator();
         return Fail(errorNotFound);
@@ -91,11 +94,11 @@ bool VTK_DirIterator::Next() {
     if (hasNext == 0) {
         return Fail(errorNotFound);
     }
-    if (vtk_platform::FindNext(handle, &findData) != 0) {
+    if (kvx3d::detail::FindNext(handle, &findData) != 0) {
         return true;
     }
     hasNext = 0;
-    const int reason = vtk_platform::LastError();
+    const int reason = kvx3d::detail::LastError();
     if (reason == lastErrorNone || reason == lastErrorNoMoreFiles) {
         return true;
     }
@@ -108,7 +111,7 @@ void VTK_DirIterator::Close() {
     std::memset(path, 0, sizeof path);
     hasNext = 0;
     if (handle != vtk_platform::InvalidHandle()) {
-        vtk_platform::FindEnd(handle);
+        kvx3d::detail::FindEnd(handle);
     }
     handle = vtk_platform::InvalidHandle();
 }

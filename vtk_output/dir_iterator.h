@@ -1,19 +1,19 @@
 #ifndef KVX3D_VTK_OUTPUT_DIR_ITERATOR_H
 #define KVX3D_VTK_OUTPUT_DIR_ITERATOR_H
 
-#include "vtk_output/detail/platform.h"
+#include "vtk_output/find_data.h"
 
 /// One directory entry.
 class VTK_DirEntry {
 public:
     char path[260];   ///< directory, "/", name
     char name[256];   ///< the name alone
-    char* extension;  ///< into `name`: behind its last dot, or its end if it has none
+    char* extension;  ///< points into `name`: after its last dot, or its end without a dot
     int isDir;        ///< 1 for a directory, else 0
-    int isReg;        ///< 1 for a plain file, else 0
+    int isReg;        ///< 1 for a regular file, else 0
 };
 
-/// Walks the names of one directory, "." and ".." included, in the system's order:
+/// Lists the names in one directory, "." and ".." included, in the order of the system:
 ///
 ///     VTK_DirIterator dir;
 ///     dir.Open(path);
@@ -24,28 +24,29 @@ public:
 ///     }
 ///     dir.Close();
 ///
-/// A directory that cannot be opened reads as an empty one. Failing operations answer false and
-/// leave a number in errno, the same on every system: 2 nothing there, 5 read error, 22 bad
+/// A directory that cannot be opened looks like an empty one. Operations that fail return false and
+/// store a number in errno that is the same on every system: 2 not found, 5 read error, 22 bad
 /// argument, 38 name too long. There is no destructor: an iterator that is not closed keeps its
-/// handle.
+/// handle open.
 class VTK_DirIterator {
 public:
-    /// Opens a directory and steps to its first entry. One separator at the end of `path` is cut.
+    /// Opens a directory and steps to its first entry. One separator at the end of `path` is
+    /// removed.
     bool Open(const char* path);
 
-    /// Fills `entry` with the entry at hand; on false `entry` is as it was.
+    /// Fills `entry` with the current entry; if it returns false, `entry` is unchanged.
     bool Read(VTK_DirEntry* entry) const;
 
-    /// Steps to the next entry; hasNext is 0 behind the last one.
+    /// Steps to the next entry; hasNext is 0 after the last one.
     bool Next();
 
-    /// Ends the walk. Harmless on a closed iterator.
+    /// Ends the listing. Has no effect on a closed iterator.
     void Close();
 
-    char path[260] = {};  ///< the directory, less one separator at its end
-    int hasNext = 0;      ///< nonzero while an entry is at hand
+    char path[260] = {};  ///< the directory, without one separator at its end
+    int hasNext = 0;      ///< nonzero while there is a current entry
     vtk_platform::FindHandle handle = vtk_platform::InvalidHandle();
-    vtk_platform::FindData findData = {};  ///< the entry at hand
+    vtk_platform::FindData findData = {};  ///< the current entry
 };
 
 #endif

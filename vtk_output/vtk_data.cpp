@@ -16,8 +16,8 @@ int MeshCell::getVTK_3dMeshType() {
         case 1:
             return 1;  // VTK_VERTEX
         case 3:
-            // Three nodes make a triangle only by the flag: a volume cell of three nodes has no
-            // VTK shape, and readers leave an empty cell out.
+            // Three nodes are a triangle only if the flag is set: a volume cell of three nodes has
+            // no VTK shape, and readers ignore an empty cell.
             return isSurface ? 5 : 0;  // VTK_TRIANGLE
         case 4:
             return isSurface ? 9 : 10;  // VTK_QUAD, VTK_TETRA
@@ -40,7 +40,7 @@ VTK_Block::VTK_Block(VTK_Points* blockPoints, VTK_Cells* blockCells)
 VTK_Block::~VTK_Block() {
     points = nullptr;
     cells = nullptr;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 void VTK_Block::addPointsData(VTK_Data* data) {

@@ -8,40 +8,40 @@
 
 /// What one output step publishes: nodes, cells and named arrays, grouped into blocks.
 ///
-/// Nothing here copies solver data. The records point into arrays that their creator owns and
-/// refreshes, so a block is built once and written again at every step with what the arrays then
-/// hold. All views are 0-based: a creator with 1-based arrays hands over the address of entry 1.
-/// Whoever creates a record destroys it, after the tool that writes it.
+/// No solver data are copied. The records point into arrays that their creator owns and updates, so
+/// a block is built once and written at every step with the current values. All views are 0-based:
+/// a creator with 1-based arrays passes the address of entry 1. The creator of a record destroys
+/// it, after the tool that writes it.
 
-/// One cell, a trivially copyable value.
+/// One cell: a trivially copyable value.
 class KVX3D_API MeshCell {
 public:
-    /// A volume cell, whatever its node count: 4 nodes read as a tetrahedron.
+    /// A volume cell, whatever its node count: 4 nodes are taken as a tetrahedron.
     /// @param nodes  `count` 1-based node ids in VTK's order for the shape; borrowed
     MeshCell(int* nodes, int count);
 
-    /// @param isSurface  true for a flat cell: tells a quad from a tetrahedron
+    /// @param isSurface  true for a flat cell: distinguishes a quadrilateral from a tetrahedron
     MeshCell(int* nodes, int count, bool isSurface);
 
     MeshCell(const MeshCell&) = default;
     MeshCell& operator=(const MeshCell&) = default;
 
     /// VTK's cell type number: 5 triangle, 9 quad, 10 tetra, 12 hexahedron, 13 wedge, 14 pyramid,
-    /// 1 vertex, and 0 (empty cell) for everything else, a three-node cell that is not a surface
-    /// included.
+    /// 1 vertex, and 0 (empty cell) for everything else, including a cell of three nodes that is
+    /// not a surface.
     ///
     /// Source: vtkCellType.h of VTK.
     int getVTK_3dMeshType();
 
     int* nodes;      ///< 1-based node ids, `count` of them from nodes[0], borrowed
     int count;       ///< number of node ids
-    bool isSurface;  ///< two-dimensional cell
+    bool isSurface;  ///< true for a two-dimensional cell
 };
 
 /// The node table.
 class VTK_Points {
 public:
-    double* x = nullptr;  ///< 0-based view x[0..count-1], borrowed; host length unit
+    double* x = nullptr;  ///< 0-based view x[0..count-1], borrowed; in the host's unit of length
     double* y = nullptr;
     double* z = nullptr;
     int count = 0;  ///< number of points
@@ -54,7 +54,7 @@ class VTK_Cells : public std::vector<MeshCell> {};
 class KVX3D_API VTK_Data {
 public:
     /// An array without components; append one 0-based pointer for each.
-    /// @param name  as it goes into the file; nothing is escaped
+    /// @param name  as written to the file; special characters are not escaped
     explicit VTK_Data(const std::string& name);
 
     /// One pointer per component (1 for a scalar, 3 for a vector), each to one entry per point or
@@ -63,7 +63,7 @@ public:
     std::string name;
 };
 
-/// One piece of output: points, cells and the arrays over them. Every pointer is borrowed.
+/// One piece of output: points, cells and the arrays over them. All pointers are borrowed.
 class KVX3D_API VTK_Block {
 public:
     VTK_Block(VTK_Points* points, VTK_Cells* cells);
@@ -75,13 +75,13 @@ public:
     /// Deletes none of the records.
     ~VTK_Block();
 
-    /// Appends a point array; its length and name are not looked at.
+    /// Appends a point array; its length and name are not checked.
     void addPointsData(VTK_Data* data);
 
-    /// Appends a cell array; its length and name are not looked at.
+    /// Appends a cell array; its length and name are not checked.
     void addCellsData(VTK_Data* data);
 
-    int blockType;  ///< 0, an unstructured grid: the only kind that is written
+    int blockType;  ///< 0 for an unstructured grid, the only kind that is written
     VTK_Points* points;
     VTK_Cells* cells;
     std::vector<VTK_Data*> pointsData;  ///< point arrays in the order added

@@ -12,30 +12,33 @@
 
 namespace {
 
-constexpr int mergeWaitMilliseconds = 100;  // for other processes to close their record files
+using kvx3d::detail::numberText;
 
-/// project_P: the data directory of this process, from the root.
+constexpr int mergeWaitMilliseconds = 100;  // lets other processes close their record files
+
+/// project_P: the data directory of this process, relative to the root.
 std::string DataDirName(const VTK_Settings& settings) {
     return settings.project + '_' + numberText(settings.processId);
 }
 
-/// project.vtkcollection_P: the record file of this process, from the root.
+/// project.vtkcollection_P: the record file of this process, relative to the root.
 std::string RecordFileName(const VTK_Settings& settings) {
     return settings.project + ".vtkcollection_" + numberText(settings.processId);
 }
 
+/// True if `text` occurs anywhere in `name`.
 bool Contains(const std::string& name, const std::string& text) {
     return name.find(text) != std::string::npos;
 }
 
-/// The entry at hand; one without a name if it cannot be read.
+/// The current entry; its name is empty if the entry cannot be read.
 VTK_DirEntry ReadEntry(const VTK_DirIterator& dir) {
     VTK_DirEntry entry = {};
     dir.Read(&entry);
     return entry;
 }
 
-/// Both output streams of C and C++: a host may print through either.
+/// Prints the line and flushes the standard output of C++ and of C, since a host may use either.
 void PrintError() {
     std::cout << "Error" << std::endl;
     std::fflush(stdout);
@@ -65,8 +68,8 @@ bool VTK_CollectionWriter::writeStep() {
                                      fileExtension(block->blockType);
         const std::string fullPath = settings->stepDir + settings->separator + fileName;
         const std::string relativePath = DataDirName(*settings) + settings->separator + fileName;
-        // A block of another type has no writer but keeps its place in the series: its record goes
-        // out, with a name without extension.
+        // No file is written for a block of another type, but it keeps its place in the series: it
+        // gets a record, whose file name has no extension.
         if (block->blockType == 0 && !writeVTUFile(fullPath, block)) {
             std::cout << "File: " << fullPath << " Open Error" << std::endl;
             return false;
@@ -136,7 +139,7 @@ bool VTK_PvdWriter::mergeCollectionFile(const std::string& name) {
 
     std::ifstream records(path);
     records.imbue(std::locale::classic());
-    int iteration;  // read and dropped: a series is ordered by time
+    int iteration;  // read and ignored: a series is ordered by time
     double time;
     int process;
     int block;
@@ -147,7 +150,7 @@ bool VTK_PvdWriter::mergeCollectionFile(const std::string& name) {
                 << std::endl;
     }
     records.close();
-    return vtk_platform::Remove(path.c_str()) == 0;
+    return kvx3d::detail::Remove(path.c_str()) == 0;
 }
 
 bool VTK_PvdWriter::closePvd() {
@@ -164,7 +167,7 @@ bool VTK_PvdWriter::closePvd() {
 
 CKVX_ART_VTK_Tool::CKVX_ART_VTK_Tool() {
     settings = new VTK_Settings;
-    settings->separator = vtk_platform::separator;
+    settings->separator = kvx3d::detail::pathSeparator;
     collectionWriter = new VTK_CollectionWriter(settings);
     pvdWriter = new VTK_PvdWriter(settings);
 }
@@ -176,15 +179,16 @@ CKVX_ART_VTK_Tool::~CKVX_ART_VTK_Tool() {
     collectionWriter = nullptr;
     delete settings;
     settings = nullptr;
-    KeepLastStores();
+    kvx3d::detail::KeepLastStores();
 }
 
 bool CKVX_ART_VTK_Tool::Initialize(char* rootDir, char* project, int processId) {
     settings->rootDir = rootDir;
     settings->project = project;
     settings->processId = processId;
-    // Appended to and never reset: the blocks and records of a tool belong to one directory, and
-    // a second call ends in a doubled path that cannot be made rather than in a mixed series.
+    // Appended to and never reset: the blocks and records of a tool belong to one directory. A
+    // second call therefore builds a doubled path, which cannot be created, and fails instead of
+    // mixing two series.
     settings->stepDir += settings->rootDir + settings->separator + DataDirName(*settings);
     if (!OpenDir(settings->stepDir)) {
         return false;
@@ -208,7 +212,7 @@ bool CKVX_ART_VTK_Tool::PostRun_Single_SMP(int processRank) {
     if (processRank != 0) {
         return true;
     }
-    vtk_platform::SleepMilliseconds(mergeWaitMilliseconds);
+    kvx3d::detail::SleepMilliseconds(mergeWaitMilliseconds);
     pvdWriter->openPvd();
     pvdWriter->mergeCollections();
     pvdWriter->closePvd();
@@ -222,13 +226,14 @@ bool CKVX_ART_VTK_Tool::PostRun_DMP(int processRank, char* targetDir) {
         PrintError();
     }
     if (processRank == 0) {
-        vtk_platform::SleepMilliseconds(mergeWaitMilliseconds);
+        kvx3d::detail::SleepMilliseconds(mergeWaitMilliseconds);
         settings->rootDir = target;
         pvdWriter->openPvd();
         pvdWriter->mergeCollections();
         pvdWriter->closePvd();
     }
-    // After the merge: the series stands even if the step files take long or do not get through.
+    // After the merge, so that the series is complete even if moving the step files takes long or
+    // fails.
     if (!MPI_MoveDataFolder(target)) {
         PrintError();
     }
@@ -252,41 +257,42 @@ bool CKVX_ART_VTK_Tool::test() {
     return true;
 }
 
-/// True if the path is there afterwards, as whatever it is. Makes its last level only.
+/// True if the path exists afterwards, as a directory or anything else. Creates the last level
+/// only.
 bool CKVX_ART_VTK_Tool::OpenDir(std::string path) {
-    if (vtk_platform::Access(path.c_str()) == 0) {
+    if (kvx3d::detail::Access(path.c_str()) == 0) {
         return true;
     }
-    return vtk_platform::MakeDir(path.c_str()) == 0;
+    return kvx3d::detail::MakeDir(path.c_str()) == 0;
 }
 
 /// True if the path exists, as a directory or as a file.
 bool CKVX_ART_VTK_Tool::CheckDir(std::string path) {
-    return vtk_platform::Access(path.c_str()) == 0;
+    return kvx3d::detail::Access(path.c_str()) == 0;
 }
 
-/// True if the path is gone afterwards or never was there. The directory must be empty.
+/// True if the path does not exist afterwards. The directory must be empty.
 bool CKVX_ART_VTK_Tool::DeleteDir(std::string path) {
-    if (vtk_platform::Access(path.c_str()) != 0) {
+    if (kvx3d::detail::Access(path.c_str()) != 0) {
         return true;
     }
-    return vtk_platform::RemoveDir(path.c_str()) == 0;
+    return kvx3d::detail::RemoveDir(path.c_str()) == 0;
 }
 
-/// Moves a file by copy and delete, across file systems too. False if either does not open; a
-/// source that cannot be deleted is told, and counts as moved.
+/// Moves a file by copying and deleting it, so also between file systems. False if either file
+/// cannot be opened. A source that cannot be deleted is reported and counts as moved.
 bool CKVX_ART_VTK_Tool::FileCopyAndRemoveSource(std::string source, std::string target) {
-    // Both are opened before either is tested: the target is truncated in any case.
+    // Both are opened before either is tested, so the target is truncated in any case.
     std::ifstream in(source, std::ios::binary);
     std::ofstream out(target, std::ios::binary);
-    if (!in.is_open() || !out.is_open() || vtk_platform::IsDirectory(source.c_str())) {
+    if (!in.is_open() || !out.is_open() || kvx3d::detail::IsDirectory(source.c_str())) {
         std::cout << ">> Error: Open File Error!" << std::endl;
         return false;
     }
 
-    // The last byte goes out twice, so a moved file is one byte longer than its source and an empty
-    // one becomes one byte. Step and record files end in a line end, and their readers skip a
-    // second one; a caller that compares sizes across a move counts one more.
+    // The last byte is written twice, so a moved file is one byte longer than its source, and an
+    // empty file gets one byte. Step and record files end with a newline, and their readers skip
+    // the second one. Code that compares sizes before and after a move must allow for the byte.
     std::vector<char> buffer(1 << 16);
     char last = '\n';
     do {
@@ -299,22 +305,22 @@ bool CKVX_ART_VTK_Tool::FileCopyAndRemoveSource(std::string source, std::string 
     out.put(last);
     in.close();
     out.close();
-    if (vtk_platform::Remove(source.c_str()) != 0) {
+    if (kvx3d::detail::Remove(source.c_str()) != 0) {
         std::cout << ">> Error: Delete File Error!" << std::endl;
     }
     return true;
 }
 
-/// Moves this process's record file. True always: a record file that stays behind shows in what
-/// the move itself prints.
+/// Moves the record file of this process. Always true: the move itself prints a line if the file
+/// could not be moved.
 bool CKVX_ART_VTK_Tool::MPI_MoveCollectionFile(std::string targetDir) {
     const std::string name = settings->separator + RecordFileName(*settings);
     FileCopyAndRemoveSource(settings->rootDir + name, targetDir + name);
     return true;
 }
 
-/// Moves the files of this process's data directory, then removes it. False at the first that does
-/// not move; files moved until then stay moved.
+/// Moves the files in the data directory of this process, then removes the directory. False at the
+/// first file that cannot be moved; files moved before remain moved.
 bool CKVX_ART_VTK_Tool::MPI_MoveDataFolder(std::string targetDir) {
     const std::string targetStepDir = targetDir + settings->separator + DataDirName(*settings);
     if (!OpenDir(targetStepDir)) {
@@ -325,11 +331,11 @@ bool CKVX_ART_VTK_Tool::MPI_MoveDataFolder(std::string targetDir) {
     while (dir.hasNext) {
         const std::string name = ReadEntry(dir).name;
         if (name != "." && name != "..") {
-            // A directory in here fails as a file that cannot be opened, which ends the move.
+            // A subdirectory counts as a file that cannot be opened, which ends the move.
             if (!FileCopyAndRemoveSource(settings->stepDir + settings->separator + name,
                                          targetStepDir + settings->separator + name)) {
-                // The enumeration is left open as well: a post-run ends the tool's useful life,
-                // and the process, which is about to end, takes the handle with it.
+                // The listing stays open: a post-run is the last operation of a tool, and the end
+                // of the process releases the handle.
                 return false;
             }
         }

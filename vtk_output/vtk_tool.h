@@ -8,39 +8,39 @@
 #include <string>
 #include <vector>
 
-/// Paths and current step, shared by both writers of a tool.
+/// Paths and the current step, shared by both writers of a tool.
 class VTK_Settings {
 public:
     std::string rootDir;  ///< directory of the run; PostRun_DMP replaces it on rank 0
-    std::string stepDir;  ///< this process's data directory, set by Initialize
+    std::string stepDir;  ///< data directory of this process, set by Initialize
     std::string project;  ///< base name of all files
     double time = 0.0;    ///< physical time of the step being written
     int iteration = 0;    ///< iteration number of the step being written
-    int processId = 0;    ///< this process's number, part of every path it writes
-    /// Joins all paths; the tool sets the system's own: a backslash on Windows, else a slash.
+    int processId = 0;    ///< number of this process, part of every path that it writes
+    /// Joins the levels of all paths; the tool sets a backslash on Windows, otherwise a slash.
     std::string separator;
 };
 
-/// Writes the step files, and for each a line into the record file of this process.
+/// Writes the step files, and one line for each of them into the record file of this process.
 class VTK_CollectionWriter {
 public:
     explicit VTK_CollectionWriter(VTK_Settings* settings);
 
-    /// Opens the record file, truncating what a former run left. True if it is open.
+    /// Opens the record file and truncates what an earlier run left there. True if it is open.
     bool openRecordFile();
 
-    /// Writes every block in registration order. False as soon as one cannot be written: later
-    /// blocks are then left out, and this one gets no record.
+    /// Writes every block in registration order. Returns false at the first block that cannot be
+    /// written; this block gets no record, and the blocks after it are not written.
     bool writeStep();
 
     /// Appends the record of one step file and flushes it.
     /// @param block         1-based number of the block
-    /// @param relativePath  of the step file, from the root directory
-    /// @return true always: the stream's state is not looked at
+    /// @param relativePath  path of the step file, relative to the root directory
+    /// @return true always; the state of the stream is not checked
     bool writeRecord(int block, const std::string& relativePath);
 
     VTK_Settings* settings;          ///< borrowed
-    std::ofstream recordFile;        ///< open from Initialize to the post-run
+    std::ofstream recordFile;        ///< open from Initialize until the post-run
     std::vector<VTK_Block*> blocks;  ///< in registration order, borrowed
 };
 
@@ -49,21 +49,21 @@ class VTK_PvdWriter {
 public:
     explicit VTK_PvdWriter(VTK_Settings* settings);
 
-    /// Opens the `.pvd` file and writes its head, or prints a line. True if it is open.
+    /// Opens the `.pvd` file and writes its header, or prints a line. True if it is open.
     bool openPvd();
 
-    /// Merges every record file in the root directory; stops at the first that cannot be deleted.
+    /// Merges all record files in the root directory; stops at the first that cannot be deleted.
     bool mergeCollections();
 
-    /// Names (without directory) in the root that hold ".vtkcollection", in the order the system
-    /// lists them. Neither project nor kind is looked at.
+    /// Names (without directory) in the root directory that contain ".vtkcollection", in the order
+    /// in which the system lists them, whatever their project and whether file or directory.
     std::vector<std::string> findCollectionFiles();
 
-    /// Copies the records of one file into the `.pvd` file, up to the first that does not parse,
-    /// and deletes the file. True if the delete worked.
+    /// Copies the records of one file into the `.pvd` file, up to the first that cannot be parsed,
+    /// and deletes the file. True if the file was deleted.
     bool mergeCollectionFile(const std::string& name);
 
-    /// Writes the end of the `.pvd` file and closes it. False if it was not open.
+    /// Writes the last lines of the `.pvd` file and closes it. False if it was not open.
     bool closePvd();
 
     VTK_Settings* settings;  ///< borrowed
@@ -80,10 +80,11 @@ public:
 ///     R/J.vtkcollection_P          one record line per step file, until the post-run
 ///     R/J.pvd                      the series, written by the post-run of rank 0
 ///
-/// Failures print a line on standard output and answer false; nothing throws or stops the run. A
-/// tool destroyed without a post-run leaves step files and records on disk. Names must be free of
-/// blanks: the merge reads the record file word by word. A directory and a name in it may have 256
-/// characters together: a longer record file is not merged, a longer step file ends the move.
+/// Operations that fail print a line on standard output and return false; none throws or stops the
+/// run. A tool that is destroyed without a post-run leaves step files and records on disk. Names
+/// must not contain blanks, because the merge reads the record file word by word. A directory and a
+/// name in it may have 256 characters together: a record file with a longer path is not merged, a
+/// step file with a longer path ends the move.
 ///
 /// A copy shares all parts with its source, and only one of the two may be destroyed.
 class KVX3D_API CKVX_ART_VTK_Tool {
@@ -93,33 +94,33 @@ public:
     CKVX_ART_VTK_Tool& operator=(const CKVX_ART_VTK_Tool&) = default;
     virtual ~CKVX_ART_VTK_Tool();
 
-    /// Names the run, makes its data directory and opens the record file. Once per tool.
+    /// Names the run, creates its data directory and opens the record file. Call it once per tool.
     ///
     /// @param rootDir    existing directory, without a separator at its end
-    /// @param project    base name of all files, free of blanks
-    /// @param processId  number of this process, its own among all that share the root
-    /// @return true if the data directory is there and the record file is open
+    /// @param project    base name of all files, without blanks
+    /// @param processId  number of this process, unique among all that share the root directory
+    /// @return true if the data directory exists and the record file is open
     bool Initialize(char* rootDir, char* project, int processId);
 
-    /// Registers a block, which must outlive the stepping.
+    /// Registers a block, which must exist until the last OutputRun().
     /// @return its 1-based number in file names
     int newBlockData(VTK_Block* block);
 
-    /// Writes all blocks with what their arrays hold now. True if every block was written.
+    /// Writes all blocks with the current values of their arrays. True if every block was written.
     ///
-    /// Two steps whose iterations agree and whose times agree to six digits share their files.
+    /// Two steps with equal iterations and times equal to six digits write the same files.
     bool OutputRun(double time, int iteration);
 
-    /// Ends a run of processes that share one root: rank 0 waits 100 ms, then merges all records
-    /// found in the root. True always.
+    /// Ends a run of processes that share one root directory: rank 0 waits 100 ms, then merges all
+    /// records found there. Always true.
     bool PostRun_Single_SMP(int processRank);
 
     /// Ends a distributed run: every process moves its record file and its data directory to
     /// `targetDir` (which must exist, and be another directory than the root); rank 0 merges there
-    /// 100 ms after its own record has moved. True always.
+    /// 100 ms after its own record file was moved. Always true.
     bool PostRun_DMP(int processRank, char* targetDir);
 
-    /// Lists the entries of the current directory whose names hold "ACMT". True always.
+    /// Prints the entries of the current directory whose names contain "ACMT". Always true.
     bool test();
 
     VTK_Settings* settings;                  ///< owned

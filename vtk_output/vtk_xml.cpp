@@ -5,11 +5,21 @@
 
 #include "vtk_output/detail/number_text.h"
 
+// The formatting of numbers is in detail/number_text.cpp; the transcription with formatted streams
+// is plain/plain_vtu_writer.h.
+
 namespace {
 
-/// A text file written line by line: a line is put together in a small buffer and handed to the
-/// system as it ends, so a killed run leaves whole lines. The buffer is passed on when it is full
-/// too, since the lines of offsets and types grow with the mesh.
+using kvx3d::detail::maxNumberText;
+using kvx3d::detail::numberText;
+using kvx3d::detail::writeNumberText;
+
+/// A text file that is written line by line. A line is collected in a small buffer and passed to
+/// the system at its end, so that a killed run leaves whole lines:
+///
+///     Put, PutTabs, PutNumber  -->  buffer[0 .. used - 1]  --EndLine-->  file, flushed
+///
+/// A full buffer is passed on too, since the lines of offsets and types grow with the mesh.
 class LineFile {
 public:
     explicit LineFile(const std::string& path) : file(path) {}
@@ -48,13 +58,14 @@ public:
         EndLine();
     }
 
-    /// Hands over what has no line end yet.
+    /// Passes on the buffer without ending the line.
     void PassOn() {
         file.write(buffer, used);
         used = 0;
     }
 
 private:
+    /// Makes room for n characters in the buffer.
     void Reserve(int n) {
         if (used + n > bufferSize) {
             PassOn();
@@ -67,8 +78,8 @@ private:
     std::ofstream file;
 };
 
-/// The four attributes every array has, in the order of output. One node serves all arrays of a
-/// file: setAttribute keeps the order.
+/// The element of an array with its four attributes in the order of output. One node is used for
+/// all arrays of a file, because setAttribute() keeps the order.
 VTK_XmlNode ArrayNode() {
     VTK_XmlNode node("DataArray", 4);
     node.addAttribute("type", "Float32");
@@ -102,14 +113,14 @@ void WriteConnectivity(LineFile& file, int level, const VTK_Cells& cells) {
             if (i > 0) {
                 file.Put(' ');
             }
-            file.PutNumber(cell.nodes[i] - 1);  // ids are 1-based here, 0-based in the file
+            file.PutNumber(cell.nodes[i] - 1);  // ids are 1-based here and 0-based in the file
         }
         file.EndLine();
     }
 }
 
-/// Ends the one line of offsets or types. Without cells the tabs stand there but no line end, and
-/// the closing tag follows behind them: readers skip the blanks of an empty body.
+/// Ends the single line of offsets or types. Without cells the tabs are written but no newline, and
+/// the closing tag follows on the same line; readers skip the blanks of an empty element.
 void EndCellLine(LineFile& file, const VTK_Cells& cells) {
     if (cells.empty()) {
         file.PassOn();
@@ -167,8 +178,8 @@ void WriteCells(LineFile& file, VTK_XmlNode& array, VTK_Cells& cells) {
     file.PutLine(section.closeTag());
 }
 
-/// The arrays over points or cells, `n` lines each. Float32 is what the files declare: six digits
-/// carry no more.
+/// Writes the arrays over points or cells, `n` lines each. The files declare Float32, since six
+/// digits carry no more precision.
 void WriteData(LineFile& file, VTK_XmlNode& array, const char* sectionName,
                const std::vector<VTK_Data*>& arrays, int n) {
     if (arrays.empty()) {
@@ -249,7 +260,7 @@ void VTK_XmlNode::writeIndent(std::ostream& out) {
 bool writeVTUFile(std::string path, VTK_Block* block) {
     LineFile file(path);
     if (!file.IsOpen()) {
-        // [sic] the wording is part of the interface and compared as text.
+        // [sic] "Opne": the wording is part of the interface and compared as text.
         std::cout << "Opne File: " << path << " With Error" << std::endl;
         return false;
     }
@@ -277,7 +288,7 @@ bool writeVTUFile(std::string path, VTK_Block* block) {
     file.PutLine(piece.closeTag());
     file.PutLine(grid.closeTag());
     file.PutLine(root.closeTag());
-    return true;  // full disks are not noticed: a lost picture must not stop the solver
+    return true;  // also on a full disk: a lost result file must not stop the solver
 }
 
 std::string fileExtension(int blockType) {

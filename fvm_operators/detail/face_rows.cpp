@@ -1,5 +1,5 @@
 #include "fvm_operators/detail/face_rows.h"
 
-void KVX_ART_FVM::AddUnstored(CKVX_ART_SparseMatrix& matrix, int row, int col, double value) {
+void kvx3d::detail::AddUnstored(CKVX_ART_SparseMatrix& matrix, int row, int col, double value) {
     matrix.AddElementValue(row, col, value);
 }

@@ -8,19 +8,22 @@
 
 #include <array>
 
-namespace KVX_ART_FVM {
+namespace kvx3d::detail {
 
-/// AddElementValue(), for adds that need a check, a compression or an insertion. Out of line, which
-/// leaves the walks their registers.
+/// Calls AddElementValue(), for additions that need a check, a compression or an insertion. It is
+/// not inline, so that the loops over the faces keep their variables in registers.
 void AddUnstored(CKVX_ART_SparseMatrix& matrix, int row, int col, double value);
 
 /// One matrix row, as one side of a face adds to it.
+///
+/// The result is that of one AddElementValue() per term; entries that are already stored are found
+/// and changed in place.
 struct FaceRow {
     CKVX_ART_SparseMatrix& matrix;
     int row;
-    bool negate;  ///< on the second side of an inner face, where finished products change sign
+    bool negate;  ///< true on the second side of an inner face: products change sign at the end
 
-    /// Adds `value` on column `col`.
+    /// Adds `value` in column `col`.
     void AddCell(int col, double value) const {
         const double finished = negate ? -value : value;
         if (const int k = Stored() ? Position(col) : 0) {
@@ -30,7 +33,7 @@ struct FaceRow {
         }
     }
 
-    /// Adds factor * coef[j] on column id[j], for j from 1 to id[0]; a count below 1 adds nothing.
+    /// Adds factor * coef[j] in column id[j] for j = 1..id[0]; a count below 1 adds nothing.
     void AddStencil(const int* id, const double* coef, double factor) const {
         const int nTerms = id[0];
         int j = 1;
@@ -38,7 +41,7 @@ struct FaceRow {
             const int begin = matrix.Ia[row];
             const int end = matrix.Ia[row + 1];
             for (; j <= nTerms; ++j) {
-                const int k = KVX3DART::PositionOf(id[j], matrix.Ja, begin, end);
+                const int k = PositionOf(id[j], matrix.Ja, begin, end);
                 if (k == 0) {
                     break;
                 }
@@ -53,27 +56,28 @@ struct FaceRow {
     }
 
 private:
-    /// The row can be searched as it stands: no check fails and nothing is to be compressed.
+    /// True if the row can be searched as it is stored: the row number is valid and the matrix is
+    /// compressed.
     bool Stored() const { return matrix.compressed && row >= 1 && row <= matrix.rowsN; }
 
     int Position(int col) const {
-        return KVX3DART::PositionOf(col, matrix.Ja, matrix.Ia[row], matrix.Ia[row + 1]);
+        return PositionOf(col, matrix.Ja, matrix.Ia[row], matrix.Ia[row + 1]);
     }
 };
 
-/// The boundary faces of one kind, 1-based like everything they point at.
+/// The boundary faces of one kind. All arrays are 1-based and borrowed.
 ///
-/// Only pointers are copied: an operator may be given a mesh that lacks an array it does not read.
+/// Only pointers are copied here: a mesh may lack an array that its operator does not read.
 struct BoundaryFaces {
-    int n;
-    bool throughflow;              ///< inlet or outlet
-    const int* cell;               ///< interior cell, the row of the face
-    const int* ghost;              ///< ghost cell, the column of the face's own unknown
+    int n;                         ///< number of faces
+    bool throughflow;              ///< true for inlet and outlet
+    const int* cell;               ///< interior cell, which is the matrix row of the face
+    const int* ghost;              ///< ghost cell, which is the column of the face's own unknown
     const CMAFVMFaceData* record;  ///< stencils
-    const double* flux;            ///< flux out of the domain; null where no flux was given
+    const double* flux;            ///< flux out of the domain; null if no flux was given
 };
 
-/// The four kinds in the order in which every operator walks them.
+/// The four kinds in the order in which every operator visits them: inlet, outlet, wall, symmetry.
 inline std::array<BoundaryFaces, 4> BoundaryKinds(const CKVX_ACMT_GV& gv,
                                                   const CMAFVMFaceVariableAll* flux = nullptr) {
     return {
@@ -84,6 +88,6 @@ inline std::array<BoundaryFaces, 4> BoundaryKinds(const CKVX_ACMT_GV& gv,
          {gv.NSymm, false, gv.CSymm23, gv.idSymm, gv.faceDataSymm, flux ? flux->symm : nullptr}}};
 }
 
-}  // namespace KVX_ART_FVM
+}  // namespace kvx3d::detail
 
 #endif

@@ -6,62 +6,79 @@
 #include "linear_algebra/detail/csr_rows.h"
 #include "linear_algebra/sparse_matrix.h"
 
-namespace KVX_ART_FVM {
+// Prefetching for the loops over the inner faces.
+//
+// Data layout. A face has two records, one for each of its cells, and each record points to the
+// stencils, which are separate small arrays; the cells select the matrix rows that are changed:
+//
+//     faceDataLeft [i] --> idNormal   [0] n  [1] [2] ... [n]   cell numbers, matrix columns
+//     faceDataRight[i]     coefNormal        [1] [2] ... [n]   weights
+//
+//     Ce23[0][i] = row --> Ia[row] .. Ia[row + 1] - 1          positions in
+//     Ce23[1][i] = row                                         Ja (columns) and Aa (values)
+//
+// So a coefficient is three dependent reads away from the face number, and records and stencils
+// take far more memory than the caches hold. Each loop therefore prefetches what it will need a
+// few faces later:
+//
+//     face                  assembled now
+//     face + listsAhead     the stencils, and the two matrix rows
+//     face + pointersAhead  the lines of the records that hold the pointers to the stencils
+//
+// That reduces the time to assemble a million faces by a quarter. Prefetching reads pointers,
+// fluxes and row starts, never the contents of a stencil, and it changes no result: the
+// transcription without it in plain/plain_operators.h adds the same values in the same order.
 
-// A walk over faces waits for memory: a coefficient is three dependent reads away (record, list,
-// row), and records and lists take far more room than the caches have. So each walk asks for what
-// it will need a few faces before its turn. That takes a quarter off the assembly of a million
-// faces. It reads pointers, fluxes and row starts, never what a list holds, and nothing that is
-// added depends on it.
+namespace kvx3d::detail {
 
-using KVX3DART::Fetch;
-
-/// Asks for the start of both lists of a stencil: as a rule all of a short one.
-inline void FetchShort(const int* id, const double* coef) {
-    Fetch(id);
-    Fetch(coef);
+/// Prefetches the start of both arrays of a stencil, which is usually all of a short one.
+inline void PrefetchShortStencil(const int* id, const double* coef) {
+    Prefetch(id);
+    Prefetch(coef);
 }
 
-/// The same for a stencil of up to 8 terms.
-inline void FetchLong(const int* id, const double* coef) {
-    FetchShort(id, coef);
-    Fetch(coef, 7 * sizeof(double));
+/// Prefetches both arrays of a stencil of up to 8 terms.
+inline void PrefetchLongStencil(const int* id, const double* coef) {
+    PrefetchShortStencil(id, coef);
+    Prefetch(coef, 7 * sizeof(double));
 }
 
-/// Asks for the columns and values of a row, up to 32 of them. A row number outside the matrix is
-/// left to the add.
-inline void FetchRow(const CKVX_ART_SparseMatrix& matrix, int row) {
+/// Prefetches the columns and values of a matrix row, up to 32 of them. A row number outside the
+/// matrix is ignored here; the addition reports it.
+inline void PrefetchRow(const CKVX_ART_SparseMatrix& matrix, int row) {
     if (!matrix.compressed || row < 1 || row > matrix.rowsN) {
         return;
     }
     const int* columns = matrix.Ja + matrix.Ia[row];
     const double* values = matrix.Aa + matrix.Ia[row];
-    Fetch(columns);
-    Fetch(values);
-    Fetch(values, 64);
+    Prefetch(columns);
+    Prefetch(values);
+    Prefetch(values, 64);
     if (matrix.Ia[row + 1] - matrix.Ia[row] > 8) {
-        Fetch(columns, 64);
-        Fetch(values, 128);
-        Fetch(values, 192);
+        Prefetch(columns, 64);
+        Prefetch(values, 128);
+        Prefetch(values, 192);
     }
 }
 
-/// What a walk reads of a record: `pointers` asks for the lines that hold the pointers to the
-/// lists; `lists`, some faces later, for the lists that are used with this flux.
+/// How to prefetch what an operator reads of a record. `pointers` prefetches the lines that hold
+/// the pointers to the stencils; `lists`, called some faces later, prefetches the stencils that
+/// are used with this flux.
 struct RecordUse {
     void (*pointers)(const CMAFVMFaceData& record);
     void (*lists)(const CMAFVMFaceData& record, double flux);
 };
 
-constexpr int listsAhead = 4;     ///< faces; further ahead, lines are gone before they are used
+constexpr int listsAhead = 4;     ///< faces; with more, lines are evicted before they are used
 constexpr int pointersAhead = 8;  ///< faces
 
-/// Asks for what a walk needs on the faces ahead of `face`, like kinds of memory together.
+/// Prefetches what an operator needs on the faces after `face`, grouped by kind of memory.
 ///
-/// @param flux  null in a walk without
-inline void FetchAhead(const CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& gv, int face,
-                       const CMAFVMFaceVariableAll* flux, const RecordUse& use) {
-    // A mesh may lack the records that its walk does not read, those of non-matching faces say.
+/// @param flux  null for an operator without a flux
+inline void PrefetchAhead(const CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& gv, int face,
+                          const CMAFVMFaceVariableAll* flux, const RecordUse& use) {
+    // A mesh may lack records that the operator does not read, for example faceDataRight when
+    // every face is non-matching.
     if (face + pointersAhead > gv.Ne || !gv.faceDataLeft || !gv.faceDataRight) {
         return;
     }
@@ -70,19 +87,19 @@ inline void FetchAhead(const CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& 
     const int next = face + listsAhead;
     use.lists(gv.faceDataLeft[next], flux ? flux->left[next] : 0.0);
     use.lists(gv.faceDataRight[next], flux ? flux->right[next] : 0.0);
-    FetchRow(matrix, gv.Ce23[0][next]);
-    FetchRow(matrix, gv.Ce23[1][next]);
+    PrefetchRow(matrix, gv.Ce23[0][next]);
+    PrefetchRow(matrix, gv.Ce23[1][next]);
 }
 
 /// Diffusion reads the Normal stencil, whatever the flux.
 constexpr RecordUse normalUse = {[](const CMAFVMFaceData& record) {
-                                     Fetch(&record.idNormal);
-                                     Fetch(&record.coefNormal);
+                                     Prefetch(&record.idNormal);
+                                     Prefetch(&record.coefNormal);
                                  },
                                  [](const CMAFVMFaceData& record, double /*flux*/) {
-                                     FetchShort(record.idNormal, record.coefNormal);
+                                     PrefetchShortStencil(record.idNormal, record.coefNormal);
                                  }};
 
-}  // namespace KVX_ART_FVM
+}  // namespace kvx3d::detail
 
 #endif

@@ -7,15 +7,27 @@
 
 #include <cstdint>
 
-namespace KVX3DART {
+// Kernels on compressed sparse rows. Everything is 1-based; slot 0 of each array is a dummy:
+//
+//     Ia   [0] | Ia[1] = 1 | Ia[2] | ... | Ia[n] | Ia[n + 1]      row starts, positions in Ja, Aa
+//     Ja   [0] | row 1 ... | row 2 ... | ... | row n ... |        column numbers
+//     Aa   [0] | row 1 ... | row 2 ... | ... | row n ... |        values, beside their columns
+//
+// Row i occupies positions Ia[i] .. Ia[i + 1] - 1; its columns may stand in any order.
+//
+// The plain form of the search is the loop of CKVX_ART_SparseMatrix::FindIndexAddValueCSR(), that
+// of the product is RowTimes() in plain/plain_bicgstab.h.
 
-/// Asks for the cache line that is `bytes` behind `address`. Nothing is read: it need not exist.
-inline void Fetch(const void* address, std::uintptr_t bytes = 0) {
+namespace kvx3d::detail {
+
+/// Prefetches the cache line that lies `bytes` after `address`. Nothing is read, so the address
+/// need not be valid.
+inline void Prefetch(const void* address, std::uintptr_t bytes = 0) {
 #if defined(__GNUC__)
     __builtin_prefetch(
         reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(address) + bytes));
-    // GCC 12 takes a function that does nothing but prefetch for one without effect, and drops the
-    // calls to it.
+    // GCC 12 regards a function that only prefetches as one without effect and removes calls to
+    // it; the empty assembler statement prevents that.
     asm volatile("");
 #else
     static_cast<void>(address);
@@ -23,9 +35,9 @@ inline void Fetch(const void* address, std::uintptr_t bytes = 0) {
 #endif
 }
 
-/// Compressed rows as kernels read them, 1-based. Borrowed.
+/// Compressed rows as the kernels read them. All arrays are borrowed.
 struct CsrRows {
-    int n;             ///< rows
+    int n;             ///< number of rows
     const int* Ia;     ///< row starts, 1..n + 1
     const int* Ja;     ///< column numbers
     const double* Aa;  ///< values
@@ -33,8 +45,8 @@ struct CsrRows {
 
 /// Position of the first entry of Ja[begin .. end - 1] that equals `col`, or 0 if there is none.
 ///
-/// Where a linear scan stops is what a processor guesses worst, and assembly is little else than
-/// such scans. Eight columns are compared without a branch; the answer is that of the plain loop.
+/// The end of a linear scan is hard to predict for a processor, and assembly consists mostly of
+/// such scans. Eight columns are compared without a branch; the result is that of the plain loop.
 inline int PositionOf(int col, const int* Ja, int begin, int end) {
     int k = begin;
 #if defined(__GNUC__) && defined(__SSE2__)
@@ -43,7 +55,7 @@ inline int PositionOf(int col, const int* Ja, int begin, int end) {
         const __m128i* four = reinterpret_cast<const __m128i*>(Ja + k);
         const __m128i low = _mm_cmpeq_epi32(_mm_loadu_si128(four), wanted);
         const __m128i high = _mm_cmpeq_epi32(_mm_loadu_si128(four + 1), wanted);
-        const int equal = _mm_movemask_epi8(_mm_packs_epi32(low, high));  // two bits a column
+        const int equal = _mm_movemask_epi8(_mm_packs_epi32(low, high));  // two bits per column
         if (equal != 0) {
             return k + __builtin_ctz(static_cast<unsigned>(equal)) / 2;
         }
@@ -57,17 +69,17 @@ inline int PositionOf(int col, const int* Ja, int begin, int end) {
     return 0;
 }
 
-/// Row i times the 1-based vector x.
+/// Row i times the 1-based vector x; 0.0 for an empty row.
 inline double RowProduct(const CsrRows& A, int i, const double* x) {
     const int begin = A.Ia[i];
     int left = A.Ia[i + 1] - begin;
     if (left <= 0) {
         return 0.0;  // Ja and Aa may be null
     }
-    // Pointers that move: constant offsets in the loop take fewer instructions than an index.
+    // Moving pointers: constant offsets in the loop take fewer instructions than an index.
     const int* col = A.Ja + begin;
     const double* value = A.Aa + begin;
-    // One sum, unrolled only in its bookkeeping: products are added in storage order, because
+    // One sum, although the loop is unrolled: the products are added in storage order, because
     // results are compared bit for bit.
     double sum = 0.0;
     for (; left >= 4; left -= 4, col += 4, value += 4) {
@@ -82,6 +94,6 @@ inline double RowProduct(const CsrRows& A, int i, const double* x) {
     return sum;
 }
 
-}  // namespace KVX3DART
+}  // namespace kvx3d::detail
 
 #endif

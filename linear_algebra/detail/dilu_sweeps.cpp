@@ -5,23 +5,25 @@
 
 namespace {
 
-using KVX3DART::CsrRows;
-using KVX3DART::RowProduct;
+using kvx3d::detail::CsrRows;
+using kvx3d::detail::Prefetch;
+using kvx3d::detail::RowProduct;
 
-constexpr int chunkLength = 64;  // entries whose positions are gathered at a time
-constexpr int ahead = 256;       // entries asked for before they are needed
+constexpr int chunkLength = 64;        // entries whose positions are collected at a time
+constexpr int prefetchDistance = 256;  // entries from the row in use to what is prefetched
 
-/// Asks for what is stored `entries` behind the start of row i, or before it if negative: the
-/// hardware's own prefetch ends with each page. Worth 3 to 8 per cent of a sweep.
-inline void FetchRow(const CsrRows& A, int i, std::intptr_t entries) {
-    KVX3DART::Fetch(A.Ja + A.Ia[i], static_cast<std::uintptr_t>(entries) * sizeof(int));
-    KVX3DART::Fetch(A.Aa + A.Ia[i], static_cast<std::uintptr_t>(entries) * sizeof(double));
+/// Prefetches what is stored `entries` after the start of row i, or before it if negative: the
+/// prefetcher of the processor stops at each page boundary. Saves 3 to 8 per cent of a sweep.
+inline void PrefetchRow(const CsrRows& A, int i, std::intptr_t entries) {
+    Prefetch(A.Ja + A.Ia[i], static_cast<std::uintptr_t>(entries) * sizeof(int));
+    Prefetch(A.Aa + A.Ia[i], static_cast<std::uintptr_t>(entries) * sizeof(double));
 }
 
-/// Sum of x[Ja[k]] Aa[k] over the columns lowest..highest of a row in any order.
+/// Sum of x[Ja[k]] Aa[k] over the columns lowest..highest of a row whose columns may stand in any
+/// order.
 ///
-/// Where columns come in no order, a branch on them is wrong half of the time: the positions that
-/// count are gathered without one, then summed.
+/// A branch on unordered columns is mispredicted half of the time. So the positions of the wanted
+/// columns are collected without a branch first, and summed afterwards.
 double ScatteredSum(const CsrRows& A, int i, int lowest, int highest, const double* x) {
     const int end = A.Ia[i + 1];
     int positions[chunkLength];
@@ -40,11 +42,13 @@ double ScatteredSum(const CsrRows& A, int i, int lowest, int highest, const doub
     return sum;
 }
 
-// In both sums of a partitioned row the neighbour row is the one computed last, and the one that
-// the sum waits for: its value comes as `latest`, not through memory.
+// In a partitioned row, the value of the neighboring row was computed last, and the sum has to wait
+// for it. Both functions below take it as the argument `latest`, in a register, instead of reading
+// it back from memory.
 
-/// The forward sweep's sum in row i of partitioned rows, the last row excepted: the diagonal of
-/// the next row ends the scan. `latest` is y[i - 1].
+/// The sum of the forward sweep in row i of partitioned rows. The scan ends at a column of i or
+/// more, at the latest at the diagonal of the next row, so it must not be called for the last row.
+/// `latest` is y[i - 1].
 inline double LowerSum(const CsrRows& A, int i, double latest, const double* y) {
     double sum = 0.0;
     for (int k = A.Ia[i] + 1; A.Ja[k] < i; ++k) {
@@ -58,20 +62,20 @@ inline double LowerSum(const CsrRows& A, int i, double latest, const double* y) 
     return sum;
 }
 
-/// The backward sweep's sum in row i of partitioned rows; `latest` is result[i + 1].
+/// The sum of the backward sweep in row i of partitioned rows. `latest` is result[i + 1].
 inline double UpperSum(const CsrRows& A, int i, double latest, const double* result) {
     const int end = A.Ia[i + 1];
     int k = end;
-    while (A.Ja[k - 1] > i) {  // the diagonal ends the scan
+    while (A.Ja[k - 1] > i) {  // ends at the diagonal at the latest
         --k;
     }
     if (k == end) {
         return 0.0;
     }
     const auto value = [&](int j) { return j == i + 1 ? latest : result[j]; };
-    // The first column is mostly the neighbour, and everything here waits for it: the sum starts
-    // with its product, not with 0.0, one addition less in the chain. The two differ only where
-    // all products are -0.0.
+    // The first column is usually that of the neighboring row, for which everything here waits. The
+    // sum starts with its product and not with 0.0, which saves one addition in the chain. The two
+    // differ only if all products are -0.0; a sum of zero is therefore formed again from 0.0.
     double sum = value(A.Ja[k]) * A.Aa[k];
     for (++k; k < end; ++k) {
         sum += value(A.Ja[k]) * A.Aa[k];
@@ -79,7 +83,7 @@ inline double UpperSum(const CsrRows& A, int i, double latest, const double* res
     return sum == 0.0 ? ScatteredSum(A, i, i + 1, A.n, result) : sum;
 }
 
-/// Rows 1..last of A x.
+/// Rows 1..last of the product A x.
 void RowProducts(const CsrRows& A, const double* x, double* product, int last) {
     for (int i = 1; i <= last; ++i) {
         product[i] = RowProduct(A, i, x);
@@ -88,13 +92,13 @@ void RowProducts(const CsrRows& A, const double* x, double* product, int last) {
 
 }  // namespace
 
-KVX3DART::RowShape KVX3DART::InspectRows(const CsrRows& A) {
+kvx3d::detail::RowShape kvx3d::detail::InspectRows(const CsrRows& A) {
     RowShape shape{true, 0};
     for (int i = 1; i <= A.n; ++i) {
         const int end = A.Ia[i + 1];
         int smallest = i;
         int k = A.Ia[i] + 1;
-        // An empty row passes the move of the diagonal if the next row starts with its column.
+        // MakeDiagFrontCSR() accepts an empty row if the next row starts with its column.
         shape.partitioned = shape.partitioned && k <= end;
         for (; k < end && A.Ja[k] < i; ++k) {
             smallest = std::min(smallest, A.Ja[k]);
@@ -108,7 +112,7 @@ KVX3DART::RowShape KVX3DART::InspectRows(const CsrRows& A) {
     return shape;
 }
 
-void KVX3DART::ForwardSweep(const DiluSweeps& sweeps, const double* rhs, int first, int last) {
+void kvx3d::detail::ForwardSweep(const DiluSweeps& sweeps, const double* rhs, int first, int last) {
     const auto& [A, shape, D, y] = sweeps;
     if (!shape.partitioned) {
         for (int i = first; i <= last; ++i) {
@@ -118,7 +122,7 @@ void KVX3DART::ForwardSweep(const DiluSweeps& sweeps, const double* rhs, int fir
     }
     double latest = first > 1 ? y[first - 1] : 0.0;
     for (int i = first; i <= std::min(last, A.n - 1); ++i) {
-        FetchRow(A, i, ahead);
+        PrefetchRow(A, i, prefetchDistance);
         latest = (rhs[i] - LowerSum(A, i, latest, y)) * D[i];
         y[i] = latest;
     }
@@ -127,14 +131,15 @@ void KVX3DART::ForwardSweep(const DiluSweeps& sweeps, const double* rhs, int fir
     }
 }
 
-void KVX3DART::BackwardSweep(const DiluSweeps& sweeps, double* result) {
+void kvx3d::detail::BackwardSweep(const DiluSweeps& sweeps, double* result) {
     const auto& [A, shape, D, y] = sweeps;
     for (int i = A.n; i >= 1; --i) {
         result[i] = y[i] - ScatteredSum(A, i, i + 1, A.n, result) * D[i];
     }
 }
 
-void KVX3DART::BackwardSweepWithProduct(const DiluSweeps& sweeps, double* result, double* product) {
+void kvx3d::detail::BackwardSweepWithProduct(const DiluSweeps& sweeps, double* result,
+                                             double* product) {
     const auto& [A, shape, D, y] = sweeps;
     if (!shape.partitioned) {
         BackwardSweep(sweeps, result);
@@ -143,7 +148,7 @@ void KVX3DART::BackwardSweepWithProduct(const DiluSweeps& sweeps, double* result
     }
     double latest = 0.0;
     for (int i = A.n; i >= 1; --i) {
-        FetchRow(A, i, -ahead);
+        PrefetchRow(A, i, -prefetchDistance);
         latest = y[i] - UpperSum(A, i, latest, result) * D[i];
         result[i] = latest;
         if (shape.reach <= A.n - i) {

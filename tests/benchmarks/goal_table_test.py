@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The tables of benchmarks/README.md on small results made by hand."""
+"""Tests the computation of the tables of benchmarks/README.md on small results made by hand."""
 
 import contextlib
 import copy
@@ -13,7 +13,7 @@ import unittest
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "benchmarks"))
 
 import goal_table  # noqa: E402
-from goal_table import Memory, Row  # noqa: E402
+from goal_rows import Memory, Row  # noqa: E402
 
 
 def run(name, milliseconds, size=1000, **values):
@@ -26,7 +26,7 @@ def document(*runs, day="2026-11-20"):
 
 
 def four_sizes(power=1.0, ours="BM_X", peer="BM_XPlain"):
-    """Ours takes half of the yardstick's 2 ms for a thousand, growing by `power`."""
+    """Our time is 1 ms per thousand, growing with `power`; that of the yardstick 2 ms, linear."""
     runs = []
     for size in (1000, 2000, 4000, 8000):
         runs.append(run(f"{ours}/{size}", (size / 1000) ** power, size))
@@ -72,11 +72,11 @@ class Tables(unittest.TestCase):
                     after = file.read()
             return status, out.getvalue(), err.getvalue(), after
 
-    def test_a_ratio_at_the_goal_meets_it(self):
+    def test_a_ratio_equal_to_the_goal_meets_it(self):
         self.assertIn("| Kernel | 8.00 k cells | 8.00 ms | plain: 16.0 ms | 0.500 | 0.50 | yes | 1.00 |",
                       self.lines(*four_sizes()))
 
-    def test_a_ratio_above_the_goal_does_not(self):
+    def test_a_ratio_above_the_goal_does_not_meet_it(self):
         runs = four_sizes()
         runs[-2]["cpu_time"] = 8.1
         self.assertIn("| **no** |", self.lines(*runs)[2])
@@ -91,7 +91,7 @@ class Tables(unittest.TestCase):
         runs += [run("BM_X/8000/repeats:3", milliseconds, 8000) for milliseconds in (1.0, 99.0)]
         self.assertIn("| 8.00 ms | plain: 16.0 ms |", self.lines(*runs)[2])
 
-    def test_aggregates_are_no_repetitions(self):
+    def test_aggregates_are_not_counted_as_repetitions(self):
         runs = four_sizes()
         runs.append({**run("BM_X/8000", 1.0, 8000), "run_type": "aggregate"})
         runs.append({**run("BM_X/8000", 1.0, 8000), "run_type": "aggregate"})
@@ -102,7 +102,7 @@ class Tables(unittest.TestCase):
         del runs[-1]
         self.assertIn("| Kernel | 8000 | not measured |", self.lines(*runs)[2])
 
-    def test_names_that_only_begin_alike_are_other_rows(self):
+    def test_names_with_a_common_beginning_are_different_rows(self):
         runs = four_sizes() + four_sizes(ours="BM_XY", peer="BM_XYPlain")
         self.assertEqual(self.lines(*runs), self.lines(*four_sizes()))
 
@@ -119,7 +119,7 @@ class Tables(unittest.TestCase):
                       "1.00 ms · 2.00 ms · 4.00 ms · 8.00 ms | 0.500 · 0.500 · 0.500 · 0.500 | 1.00 | "
                       "plain: 1.00 |", self.lines(*runs))
 
-    def test_memory_has_a_limit_or_is_only_told(self):
+    def test_memory_is_compared_with_its_limit_or_only_reported(self):
         goal_table.MEMORY = [Memory("Peak", "x_benchmark", "BM_X/8000", "peak_MB", "MB", 150),
                              Memory("Entry", "x_benchmark", "BM_X/8000", "bytes", "bytes")]
         runs = four_sizes()
@@ -128,13 +128,13 @@ class Tables(unittest.TestCase):
         self.assertIn("| Peak | 151 MB | 150 MB | **no** |", lines)
         self.assertIn("| Entry | 12.0 bytes |  |  |", lines)
 
-    def test_a_row_without_goal_stands_among_the_further_ones_at_its_largest_size(self):
+    def test_a_row_without_goal_is_listed_further_down_at_its_largest_size(self):
         goal_table.ROWS[0].goals = {}
         lines = self.lines(*four_sizes()[:4])
         self.assertEqual([line for line in lines if "Kernel" in line],
                          ["| Kernel | 2.00 k cells | 2.00 ms | plain: 4.00 ms | 0.500 |"])
 
-    def test_the_readme_keeps_what_stands_around_the_tables(self):
+    def test_the_readme_keeps_the_text_around_the_tables(self):
         readme = f"before\n{goal_table.BEGIN}\nold\n{goal_table.END}\nafter\n"
         status, _, err, after = self.call({"x_benchmark": document(*four_sizes())},
                                           "--machine", "A processor", readme=readme)
@@ -147,7 +147,7 @@ class Tables(unittest.TestCase):
                           readme=after)[3]
         self.assertEqual(again, after)
 
-    def test_a_readme_without_markers_is_left_alone(self):
+    def test_a_readme_without_markers_is_not_changed(self):
         status, _, err, after = self.call({"x_benchmark": document(*four_sizes())}, readme="text\n")
         self.assertEqual((status, after), (1, "text\n"))
         self.assertIn("needs the lines", err)
@@ -160,14 +160,14 @@ class Tables(unittest.TestCase):
                           readme=readme)[3]
         self.assertIn("2026-11-20 (x_benchmark), 2026-11-21 (y_benchmark).", after)
 
-    def test_a_wrong_answer_fails(self):
+    def test_a_wrong_result_fails(self):
         runs = four_sizes()
         runs[-2] = {**runs[-2], "error_occurred": True, "error_message": "other bits"}
         status, _, err, _ = self.call({"x_benchmark": document(*runs)})
         self.assertEqual(status, 1)
         self.assertIn("BM_X/8000: other bits", err)
 
-    def test_the_check_of_a_file_alone_finds_a_wrong_answer(self):
+    def test_the_check_of_a_single_file_finds_a_wrong_result(self):
         runs = four_sizes()
         good, bad = document(*copy.deepcopy(runs)), document(*runs)
         bad["benchmarks"][0]["error_occurred"] = True
@@ -178,7 +178,7 @@ class Tables(unittest.TestCase):
                 with contextlib.redirect_stderr(io.StringIO()):
                     self.assertEqual(goal_table.main(["--check", file.name]), expected)
 
-    def test_a_goal_that_its_program_does_not_measure_fails(self):
+    def test_a_goal_that_was_not_measured_fails(self):
         status, _, err, _ = self.call({"x_benchmark": document(*four_sizes()[:-2])})
         self.assertEqual(status, 1)
         self.assertIn("x_benchmark: no BM_X/8000", err)
@@ -189,14 +189,14 @@ class Tables(unittest.TestCase):
         self.assertEqual(status, 1)
         self.assertIn("no counter peak_MB in BM_X/8000", err)
 
-    def test_a_program_that_never_ran_is_told_in_the_tables_only(self):
+    def test_a_program_that_never_ran_is_reported_in_the_tables_only(self):
         goal_table.ROWS.append(Row("Other", "y_benchmark", "BM_Y", "BM_YPlain", "plain", "rows",
                                    {"10": 1.0}))
         status, out, _, _ = self.call({"x_benchmark": document(*four_sizes())})
         self.assertEqual(status, 0)
         self.assertIn("| Other | 10 | not measured |", out)
 
-    def test_a_cut_file_is_told_in_one_line(self):
+    def test_a_truncated_file_is_reported_in_one_line(self):
         status, _, err, _ = self.call({"x_benchmark": '{"context"'})
         self.assertEqual(status, 1)
         self.assertIn("not a complete JSON file", err)
@@ -208,23 +208,23 @@ class Numbers(unittest.TestCase):
                             (12345.0, "12300"), (0.0, "0.00")):
             self.assertEqual(goal_table.three_digits(value), text)
 
-    def test_times_take_the_unit_they_reach(self):
+    def test_times_are_given_in_the_largest_fitting_unit(self):
         for seconds, text in ((1.0, "1.00 s"), (0.0999, "99.9 ms"), (2.5e-6, "2.50 µs"),
                               (4e-10, "0.400 ns")):
             self.assertEqual(goal_table.time_text(seconds), text)
 
-    def test_exponent_of_a_power(self):
+    def test_the_exponent_of_a_power_law(self):
         sizes = [1.0, 10.0, 100.0]
         self.assertAlmostEqual(goal_table.exponent(sizes, [5 * s**1.5 for s in sizes]), 1.5)
         self.assertIsNone(goal_table.exponent([7.0], [1.0]))
 
-    def test_names_lose_what_the_library_appends(self):
+    def test_suffixes_of_the_library_are_removed_from_names(self):
         self.assertEqual(goal_table.plain_name("BM_X/A/64/iterations:3/repeats:5/real_time"),
                          "BM_X/A/64")
 
 
 class RealRows(unittest.TestCase):
-    def test_every_program_of_the_tables_is_one_that_is_built(self):
+    def test_every_program_of_the_tables_has_a_source_file(self):
         here = os.path.dirname(goal_table.__file__)
         for program in goal_table.programs():
             self.assertTrue(os.path.exists(os.path.join(here, program + ".cpp")), program)

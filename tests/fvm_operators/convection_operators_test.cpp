@@ -20,7 +20,7 @@ using Quick = OneFace;
 using Hybrid = OneFace;
 using Combined = OneFace;
 
-TEST_F(CentralConvection, TakesTheFaceStencilWhateverTheFlux) {
+TEST_F(CentralConvection, UsesTheFaceStencilForEveryFlux) {
     InnerFaceOnly();
     host.flux.left[1] = -4.0;
     host.flux.right[1] = 8.0;
@@ -31,7 +31,7 @@ TEST_F(CentralConvection, TakesTheFaceStencilWhateverTheFlux) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{viaFace, -8.0}}));
 }
 
-TEST_F(CentralConvection, BoundaryOutflowStillRefersToTheGhostCell) {
+TEST_F(CentralConvection, BoundaryOutflowUsesTheGhostCellToo) {
     WallFaceOnly(4.0);
 
     Operator().ConvectionOperatorCD(0.5, &host.flux);
@@ -39,7 +39,7 @@ TEST_F(CentralConvection, BoundaryOutflowStillRefersToTheGhostCell) {
     EXPECT_EQ(RowOf(A, 1), (Terms{{WallGhost(), 2.0}}));
 }
 
-TEST_F(CentralConvection, SwitchedOffUpwindRefersToTheGhostCellToo) {
+TEST_F(CentralConvection, WithoutUpwindTheGhostCellIsUsedToo) {
     WallFaceOnly(4.0);
 
     Operator().ConvectionOperator(false, 0.5, &host.flux);
@@ -47,7 +47,7 @@ TEST_F(CentralConvection, SwitchedOffUpwindRefersToTheGhostCellToo) {
     EXPECT_EQ(RowOf(A, 1), (Terms{{WallGhost(), 2.0}}));
 }
 
-TEST_F(CentralConvection, BoundaryRecordsNeedNotExist) {
+TEST_F(CentralConvection, BoundaryRecordsAreNotRead) {
     WallFaceOnly(4.0);
     CMAFVMFaceData* const records = host.gv.faceDataWall;
     host.gv.faceDataWall = nullptr;
@@ -57,7 +57,7 @@ TEST_F(CentralConvection, BoundaryRecordsNeedNotExist) {
     host.gv.faceDataWall = records;
 }
 
-TEST_F(CentralConvection, BoundaryKindsRunInletOutletWallSymmetry) {
+TEST_F(CentralConvection, BoundaryKindsAreAddedInTheOrderInletOutletWallSymmetry) {
     host.gv.Ne = 0;
 
     Operator().ConvectionOperatorCD(1.0, &host.flux);
@@ -68,7 +68,7 @@ TEST_F(CentralConvection, BoundaryKindsRunInletOutletWallSymmetry) {
                                   {host.Ghost(Symm, 1), 0.0}}));
 }
 
-TEST_F(CellUpwind, PositiveFluxTakesTheFirstCellOnBothRows) {
+TEST_F(CellUpwind, PositiveFluxUsesTheFirstCellInBothRows) {
     InnerFaceOnly();
     host.flux.left[1] = 4.0;
     host.flux.right[1] = 6.0;
@@ -79,7 +79,7 @@ TEST_F(CellUpwind, PositiveFluxTakesTheFirstCellOnBothRows) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{1, -3.0}}));
 }
 
-TEST_F(CellUpwind, NegativeFluxTakesTheSecondCellOnBothRows) {
+TEST_F(CellUpwind, NegativeFluxUsesTheSecondCellInBothRows) {
     InnerFaceOnly();
     host.flux.left[1] = -4.0;
     host.flux.right[1] = -6.0;
@@ -90,7 +90,7 @@ TEST_F(CellUpwind, NegativeFluxTakesTheSecondCellOnBothRows) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{2, 3.0}}));
 }
 
-TEST_F(CellUpwind, BoundaryOutflowTakesTheInteriorCell) {
+TEST_F(CellUpwind, BoundaryOutflowUsesTheInteriorCell) {
     WallFaceOnly(4.0);
 
     Operator().ConvectionOperator(true, 0.5, &host.flux);
@@ -98,7 +98,7 @@ TEST_F(CellUpwind, BoundaryOutflowTakesTheInteriorCell) {
     EXPECT_EQ(RowOf(A, 1), (Terms{{1, 2.0}}));
 }
 
-TEST_F(CellUpwind, BoundaryInflowTakesTheGhostCell) {
+TEST_F(CellUpwind, BoundaryInflowUsesTheGhostCell) {
     WallFaceOnly(-4.0);
 
     Operator().ConvectionOperator(true, 0.5, &host.flux);
@@ -106,7 +106,7 @@ TEST_F(CellUpwind, BoundaryInflowTakesTheGhostCell) {
     EXPECT_EQ(RowOf(A, 1), (Terms{{WallGhost(), -2.0}}));
 }
 
-TEST_F(CellUpwind, ReadsNoRecordWhereTheFluxIsClearOfZero) {
+TEST_F(CellUpwind, ReadsNoRecordUnlessTheFluxIsNearZero) {
     CMAFVMFaceData* const left = host.gv.faceDataLeft;
     CMAFVMFaceData* const right = host.gv.faceDataRight;
     InnerFaceOnly();
@@ -119,7 +119,7 @@ TEST_F(CellUpwind, ReadsNoRecordWhereTheFluxIsClearOfZero) {
     host.gv.faceDataRight = right;
 }
 
-TEST_F(StencilUpwind, PositiveFluxTakesLeftFromEachSidesRecord) {
+TEST_F(StencilUpwind, PositiveFluxUsesLeftOfTheRecordOfEachSide) {
     InnerFaceOnly();
     host.SetFlux(1, 4.0);
 
@@ -129,7 +129,7 @@ TEST_F(StencilUpwind, PositiveFluxTakesLeftFromEachSidesRecord) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{viaLeft, -4.0}}));
 }
 
-TEST_F(StencilUpwind, NegativeFluxTakesRightFromEachSidesRecord) {
+TEST_F(StencilUpwind, NegativeFluxUsesRightOfTheRecordOfEachSide) {
     InnerFaceOnly();
     host.SetFlux(1, -4.0);
 
@@ -139,7 +139,7 @@ TEST_F(StencilUpwind, NegativeFluxTakesRightFromEachSidesRecord) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{viaRight, 4.0}}));
 }
 
-TEST_F(StencilUpwind, BoundaryOutflowTakesTheLeftStencilOfTheBoundaryRecord) {
+TEST_F(StencilUpwind, BoundaryOutflowUsesTheLeftStencilOfTheBoundaryRecord) {
     WallFaceOnly(4.0);
 
     Operator().ConvectionOperatorFU(0.5, &host.flux);
@@ -147,7 +147,7 @@ TEST_F(StencilUpwind, BoundaryOutflowTakesTheLeftStencilOfTheBoundaryRecord) {
     EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 2.0}}));
 }
 
-TEST_F(StencilUpwind, ADonorInTheCellPairReceivesTheSecondSide) {
+TEST_F(StencilUpwind, ADonorInTheCellPairIsTheRowOfTheSecondSide) {
     CKVX_ART_SparseMatrix wide(20, host.gv.NcAll);
     InnerFaceOnly();
     host.SetFlux(1, 4.0);
@@ -159,7 +159,7 @@ TEST_F(StencilUpwind, ADonorInTheCellPairReceivesTheSecondSide) {
     EXPECT_EQ(RowOf(wide, 17), (Terms{{viaLeft, -8.0}}));
 }
 
-TEST_F(LinearUpwind, PositiveFluxTakesLeftThenFarLeft) {
+TEST_F(LinearUpwind, PositiveFluxUsesLeftThenFarLeft) {
     InnerFaceOnly();
     host.SetFlux(1, 4.0);
 
@@ -169,7 +169,7 @@ TEST_F(LinearUpwind, PositiveFluxTakesLeftThenFarLeft) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{viaLeft, -12.0}, {viaFarLeft, 4.0}}));
 }
 
-TEST_F(LinearUpwind, NegativeFluxTakesRightThenFarRight) {
+TEST_F(LinearUpwind, NegativeFluxUsesRightThenFarRight) {
     InnerFaceOnly();
     host.SetFlux(1, -4.0);
 
@@ -179,7 +179,7 @@ TEST_F(LinearUpwind, NegativeFluxTakesRightThenFarRight) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{viaRight, 12.0}, {viaFarRight, -4.0}}));
 }
 
-TEST_F(LinearUpwind, BoundaryOutflowTakesLeftThenFarLeft) {
+TEST_F(LinearUpwind, BoundaryOutflowUsesLeftThenFarLeft) {
     WallFaceOnly(4.0);
 
     Operator().ConvectionOperatorLUD(1.0, &host.flux);
@@ -187,7 +187,7 @@ TEST_F(LinearUpwind, BoundaryOutflowTakesLeftThenFarLeft) {
     EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 6.0}, {viaFarLeft, -2.0}}));
 }
 
-TEST_F(LinearUpwind, NothingMakesUpForAnEmptyFarStencil) {
+TEST_F(LinearUpwind, AnEmptyFarStencilIsNotCompensated) {
     InnerFaceOnly();
     host.SetFlux(1, 4.0);
     host.Left(1).idFarLeft[0] = 0;
@@ -197,10 +197,11 @@ TEST_F(LinearUpwind, NothingMakesUpForAnEmptyFarStencil) {
     EXPECT_EQ(RowOf(A, 1), (Terms{{viaLeft, 6.0}}));
 }
 
-TEST_F(LinearUpwind, TheConstantIsAppliedToTheWeightBeforeTheFlux) {
+TEST_F(LinearUpwind, TheWeightIsMultipliedByTheConstantBeforeTheFlux) {
     const double weight = 0.1;
     const double F = 0.7;
-    ASSERT_NE((weight * 1.5) * F, (weight * F) * 1.5) << "the numbers tell the two orders apart";
+    ASSERT_NE((weight * 1.5) * F, (weight * F) * 1.5)
+        << "these numbers must distinguish the two orders";
     InnerFaceOnly();
     host.SetFlux(1, F);
 
@@ -209,7 +210,7 @@ TEST_F(LinearUpwind, TheConstantIsAppliedToTheWeightBeforeTheFlux) {
     EXPECT_EQ(ValueAt(A, 1, viaLeft), (weight * 1.5) * F);
 }
 
-TEST_F(Quick, PositiveFluxTakesLeftFarLeftRight) {
+TEST_F(Quick, PositiveFluxUsesLeftFarLeftRight) {
     InnerFaceOnly();
     host.SetFlux(1, 8.0);
 
@@ -219,7 +220,7 @@ TEST_F(Quick, PositiveFluxTakesLeftFarLeftRight) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{viaLeft, -12.0}, {viaFarLeft, 2.0}, {viaRight, -6.0}}));
 }
 
-TEST_F(Quick, NegativeFluxTakesRightFarRightLeft) {
+TEST_F(Quick, NegativeFluxUsesRightFarRightLeft) {
     InnerFaceOnly();
     host.SetFlux(1, -8.0);
 
@@ -229,7 +230,7 @@ TEST_F(Quick, NegativeFluxTakesRightFarRightLeft) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{viaRight, 12.0}, {viaFarRight, -2.0}, {viaLeft, 6.0}}));
 }
 
-TEST_F(Quick, BoundaryOutflowStepsDownToTheLinearUpwind) {
+TEST_F(Quick, BoundaryOutflowUsesTheLinearUpwind) {
     WallFaceOnly(4.0);
 
     Operator().ConvectionOperatorQUICK(1.0, &host.flux);
@@ -250,7 +251,7 @@ TEST_F(Quick, TheFarStencilOfTheOtherFluxIsNeverRead) {
     host.Right(1).idFarRight = right;
 }
 
-TEST_F(Hybrid, TheFarEntryExistsAndHoldsZero) {
+TEST_F(Hybrid, TheFarEntryExistsAndIsZero) {
     InnerFaceOnly();
     host.SetFlux(1, 4.0);
 
@@ -280,7 +281,7 @@ TEST_F(Hybrid, AnInsertedFarEntryKeepsTheSignOfItsZero) {
     EXPECT_TRUE(std::signbit(RowOf(A, 2)[1].second));
 }
 
-TEST_F(Hybrid, AnInfiniteFluxTimesTheZeroWeightIsNotANumber) {
+TEST_F(Hybrid, AnInfiniteFluxTimesTheZeroWeightIsNaN) {
     InnerFaceOnly();
     host.SetFlux(1, infinite);
 
@@ -290,7 +291,7 @@ TEST_F(Hybrid, AnInfiniteFluxTimesTheZeroWeightIsNotANumber) {
     EXPECT_TRUE(std::isnan(ValueAt(A, 1, viaFarLeft)));
 }
 
-TEST_F(Hybrid, AFarColumnOutsideThrowsAlthoughItsValueIsZero) {
+TEST_F(Hybrid, AFarColumnOutsideTheMatrixThrowsAlthoughItsValueIsZero) {
     InnerFaceOnly();
     host.SetFlux(1, 4.0);
     host.Left(1).idFarLeft[1] = host.gv.NcAll + 1;
@@ -301,7 +302,7 @@ TEST_F(Hybrid, AFarColumnOutsideThrowsAlthoughItsValueIsZero) {
     EXPECT_TRUE(RowOf(A, 2).empty());
 }
 
-TEST_F(Hybrid, BoundaryOutflowChangesTheDiagonalAlone) {
+TEST_F(Hybrid, BoundaryOutflowChangesOnlyTheDiagonal) {
     WallFaceOnly(4.0);
     CMAFVMFaceData* const records = host.gv.faceDataWall;
     host.gv.faceDataWall = nullptr;  // no boundary record is read
@@ -312,7 +313,7 @@ TEST_F(Hybrid, BoundaryOutflowChangesTheDiagonalAlone) {
     host.gv.faceDataWall = records;
 }
 
-TEST_F(Combined, PositiveFluxTakesTheFirstCellAndDiffusionIsSubtracted) {
+TEST_F(Combined, PositiveFluxUsesTheFirstCellAndDiffusionIsSubtracted) {
     host.flux.left[1] = 4.0;
     host.flux.right[1] = 6.0;
     host.gv.faceMu->left[1] = 3.0;
@@ -324,7 +325,7 @@ TEST_F(Combined, PositiveFluxTakesTheFirstCellAndDiffusionIsSubtracted) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{1, -6.0}, {viaNormal, 10.0}}));
 }
 
-TEST_F(Combined, NegativeFluxTakesTheSecondCell) {
+TEST_F(Combined, NegativeFluxUsesTheSecondCell) {
     host.flux.left[1] = -4.0;
     host.flux.right[1] = -6.0;
     host.gv.faceMu->left[1] = 3.0;
@@ -336,7 +337,7 @@ TEST_F(Combined, NegativeFluxTakesTheSecondCell) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{2, 6.0}, {viaNormal, 10.0}}));
 }
 
-TEST_F(Combined, AFluxOfExactlyTheToleranceIsPositiveHereOnly) {
+TEST_F(Combined, AFluxEqualToTheToleranceIsPositiveInThisOperatorOnly) {
     InnerFaceOnly();
     CKVX_ART_SparseMatrix B(2, host.gv.NcAll);
     host.SetFlux(1, fluxTolerance);
@@ -349,7 +350,7 @@ TEST_F(Combined, AFluxOfExactlyTheToleranceIsPositiveHereOnly) {
     EXPECT_EQ(RowOf(B, 1), (Terms{{viaFace, fluxTolerance}}));
 }
 
-TEST_F(Combined, AFluxWithinTheToleranceLeavesTheDiffusionAlone) {
+TEST_F(Combined, AFluxWithinTheToleranceAddsNoConvection) {
     for (double F : {std::nextafter(fluxTolerance, 0.0), 0.0, -fluxTolerance, notANumber}) {
         A.Reset();
         host.SetFlux(1, F);
@@ -362,7 +363,7 @@ TEST_F(Combined, AFluxWithinTheToleranceLeavesTheDiffusionAlone) {
     }
 }
 
-TEST_F(Combined, NonmatchingFaceGivesTheSecondRowNeitherTerm) {
+TEST_F(Combined, ANonmatchingFaceAddsNeitherTermToTheSecondRow) {
     host.SetFlux(1, 4.0);
     host.gv.faceMu->left[1] = host.gv.faceMu->right[1] = 1.0;
     host.gv.nonmatchingFace[1] = 2;
@@ -373,7 +374,7 @@ TEST_F(Combined, NonmatchingFaceGivesTheSecondRowNeitherTerm) {
     EXPECT_TRUE(RowOf(A, 2).empty());
 }
 
-TEST_F(Combined, BoundaryRowsStayUntouchedWhateverTheSwitchSays) {
+TEST_F(Combined, BoundaryFacesAddNothingWhateverTheSwitch) {
     host.gv.Ne = 0;
     for (bool useBoundaryFaces : {true, false}) {
         host.gv.useBoundaryFaces = useBoundaryFaces;

@@ -9,8 +9,9 @@
 
 namespace {
 
-/// Cells 1 | 2 | 3 with one inner face between neighbours; cell 1 has the inlet, cell 3 the outlet,
-/// cell 2 a wall and a symmetry face. Normal is (R - L) on inner faces, (ghost - cell) outside.
+/// Cells 1 | 2 | 3 with one inner face between neighbors. Cell 1 has the inlet, cell 3 the outlet,
+/// cell 2 a wall and a symmetry face. The Normal stencil is R - L on inner faces and ghost - cell
+/// on boundary faces.
 class LineOfThree : public testing::Test {
 protected:
     LineOfThree() : host(3, {{1, 2}, {2, 3}}, {{{1}, {3}, {2}, {2}}}), A(3, host.gv.NcAll) {
@@ -49,7 +50,7 @@ using Laplace = LineOfThree;
 using Diffusion = LineOfThree;
 using ThermalDiffusion = LineOfThree;
 
-TEST_F(Laplace, FirstRowTakesTheStencilAndSecondRowItsNegative) {
+TEST_F(Laplace, TheFirstRowGetsTheStencilAndTheSecondRowItsNegative) {
     host.gv.useBoundaryFaces = false;
     host.gv.Ne = 1;
 
@@ -59,9 +60,9 @@ TEST_F(Laplace, FirstRowTakesTheStencilAndSecondRowItsNegative) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{1, 3.0}, {2, -3.0}}));
 }
 
-TEST_F(Laplace, BoundaryRowsTakeTheStencilWithThePlainWeight) {
+TEST_F(Laplace, BoundaryRowsGetTheStencilTimesTheWeight) {
     host.gv.Ne = 0;
-    host.gv.mu = nullptr;  // not its business
+    host.gv.mu = nullptr;  // must not be read
 
     host.Operator(A).PureLaplaceOperator(3.0);
 
@@ -71,13 +72,13 @@ TEST_F(Laplace, BoundaryRowsTakeTheStencilWithThePlainWeight) {
     EXPECT_EQ(RowOf(A, 3), (Terms{{3, -3.0}, {host.Ghost(Outlet, 1), 3.0}}));
 }
 
-TEST_F(Laplace, GhostTablesNeedNotExist) {
+TEST_F(Laplace, GhostTablesAreNotRead) {
     host.gv.idInlet = host.gv.idOutlet = host.gv.idWall = host.gv.idSymm = nullptr;
 
     EXPECT_TRUE(host.Operator(A).PureLaplaceOperator(1.0));
 }
 
-TEST_F(Laplace, NonmatchingFaceLeavesTheSecondRowAlone) {
+TEST_F(Laplace, ANonmatchingFaceAddsNothingToTheSecondRow) {
     host.gv.useBoundaryFaces = false;
     host.gv.Ne = 1;
     host.gv.nonmatchingFace[1] = 1;
@@ -98,8 +99,9 @@ TEST_F(Laplace, AnyNonzeroFlagMarksANonmatchingFace) {
     EXPECT_TRUE(RowOf(A, 2).empty());
 }
 
-/// Enough faces for the walk to ask for memory ahead of itself.
-TEST(LongWalk, NonmatchingFacesNeedNoSecondRecords) {
+// The two tests below have enough faces for the operators to prefetch.
+
+TEST(Prefetching, NonmatchingFacesNeedNoSecondRecords) {
     const std::vector<std::pair<int, int>> faces(20, {1, 2});
     OperatorHost host(2, faces);
     host.gv.useBoundaryFaces = false;
@@ -119,7 +121,7 @@ TEST(LongWalk, NonmatchingFacesNeedNoSecondRecords) {
     host.gv.faceDataRight = second;
 }
 
-TEST(LongWalk, CellUpwindNeedsNoRecords) {
+TEST(Prefetching, CellUpwindNeedsNoRecords) {
     const std::vector<std::pair<int, int>> faces(20, {1, 2});
     OperatorHost host(2, faces);
     host.gv.useBoundaryFaces = false;
@@ -139,7 +141,7 @@ TEST(LongWalk, CellUpwindNeedsNoRecords) {
     host.gv.faceDataRight = second;
 }
 
-TEST_F(Diffusion, EachSideHasItsOwnCoefficient) {
+TEST_F(Diffusion, EachSideUsesItsOwnCoefficient) {
     host.gv.useBoundaryFaces = false;
     host.gv.Ne = 1;
     Fill(host.gv.faceMu, 5.0, 7.0);
@@ -189,7 +191,7 @@ TEST_F(Diffusion, FillsTheSecondRowOfANonmatchingFace) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{1, 1.0}, {2, -1.0}}));
 }
 
-TEST_F(Diffusion, ASharedCoefficientServesBothSides) {
+TEST_F(Diffusion, ASharedCoefficientIsUsedOnBothSides) {
     host.gv.useBoundaryFaces = false;
     host.gv.Ne = 1;
     Fill(host.gv.faceMu, 5.0, 7.0);
@@ -201,7 +203,7 @@ TEST_F(Diffusion, ASharedCoefficientServesBothSides) {
     EXPECT_EQ(RowOf(A, 2), (Terms{{1, 5.0}, {2, -5.0}}));
 }
 
-TEST_F(Diffusion, AnEmptyStencilOnOneSideLeavesTheOtherSideItsOwn) {
+TEST_F(Diffusion, AnEmptyStencilOnOneSideDoesNotAffectTheOther) {
     host.gv.useBoundaryFaces = false;
     host.gv.Ne = 1;
     Fill(host.gv.faceMu, 1.0, 1.0);
@@ -218,14 +220,15 @@ TEST_F(Diffusion, TheFactorIsFormedBeforeTheCoefficient) {
     host.gv.Ne = 1;
     Fill(host.gv.faceMu, 0.7, 0.7);
     SetStencil(host.Left(1), Pair::Normal, {{1, 0.3}});
-    ASSERT_NE((0.1 * 0.7) * 0.3, 0.1 * (0.7 * 0.3)) << "the numbers tell the two orders apart";
+    ASSERT_NE((0.1 * 0.7) * 0.3, 0.1 * (0.7 * 0.3))
+        << "these numbers must distinguish the two orders";
 
     host.Operator(A).DiffusionOperator(0.1);
 
     EXPECT_EQ(ValueAt(A, 1, 1), (0.1 * 0.7) * 0.3);
 }
 
-TEST_F(ThermalDiffusion, InnerFacesCarryTheDiffusivityOfTheirSide) {
+TEST_F(ThermalDiffusion, InnerFacesUseTheDiffusivityOfTheirSide) {
     host.gv.useBoundaryFaces = false;
     host.gv.Ne = 1;
     Fill(host.gv.faceK, 12.0, 20.0);
@@ -269,7 +272,7 @@ TEST_F(ThermalDiffusion, WallAndSymmetryFacesAloneNeedNoHeatCapacity) {
     EXPECT_EQ(ValueAt(A, 2, host.Ghost(Wall, 1)), 24.0);
 }
 
-TEST_F(ThermalDiffusion, HostArraysAreReadAsTheyStandWhenItRuns) {
+TEST_F(ThermalDiffusion, HostArraysAreReadWhenTheOperatorRuns) {
     host.gv.Ne = 0;
     FillThermal(/*k=*/1.0, /*cp=*/1.0, /*rho=*/1.0);
     auto op = host.Operator(A);
@@ -312,7 +315,7 @@ TEST_F(ThermalDiffusion, AZeroHeatCapacityPutsAnInfinityIntoTheMatrix) {
     EXPECT_EQ(ValueAt(A, 1, 2), std::numeric_limits<double>::infinity());
 }
 
-TEST_F(ThermalDiffusion, NoConductivityOverNoHeatCapacityIsNotANumber) {
+TEST_F(ThermalDiffusion, ZeroConductivityOverZeroHeatCapacityIsNaN) {
     host.gv.useBoundaryFaces = false;
     FillThermal(/*k=*/0.0, /*cp=*/0.0, /*rho=*/1.0);
 
@@ -321,7 +324,7 @@ TEST_F(ThermalDiffusion, NoConductivityOverNoHeatCapacityIsNotANumber) {
     EXPECT_TRUE(std::isnan(ValueAt(A, 1, 2)));
 }
 
-TEST_F(ThermalDiffusion, AZeroHeatCapacityBesideAnEmptyStencilLeavesNoTrace) {
+TEST_F(ThermalDiffusion, AZeroHeatCapacityWithAnEmptyStencilAddsNothing) {
     host.gv.useBoundaryFaces = false;
     host.gv.Ne = 1;
     FillThermal(/*k=*/1.0, /*cp=*/0.0, /*rho=*/1.0);

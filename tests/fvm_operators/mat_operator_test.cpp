@@ -55,7 +55,7 @@ TEST(OperatorConstruction, TheExceptionIsARuntimeErrorUnderTwoNames) {
     EXPECT_THROW(CKVX_ART_MatOperator(nullptr, nullptr), std::runtime_error);
 }
 
-TEST(OperatorConstruction, StoresBothLinksAndTouchesNeither) {
+TEST(OperatorConstruction, StoresBothLinksAndChangesNeitherObject) {
     CKVX_ACMT_GV gv;
     CKVX_ART_SparseMatrix A(2);
 
@@ -66,7 +66,7 @@ TEST(OperatorConstruction, StoresBothLinksAndTouchesNeither) {
     EXPECT_FALSE(A.compressed);
 }
 
-TEST(OperatorConstruction, MeshLinkStandsBeforeMatrixLinkBehindOneTablePointer) {
+TEST(OperatorConstruction, MembersAreOneVirtualTablePointerThenMeshThenMatrix) {
     CKVX_ACMT_GV gv;
     CKVX_ART_SparseMatrix A(1);
     CKVX_ART_MatOperator op(&A, &gv);
@@ -106,7 +106,7 @@ TEST(OperatorConstruction, DestructionReleasesNeitherMatrixNorMesh) {
     EXPECT_EQ(host.gv.Ce23[1][1], 2);
 }
 
-/// Shows the protected link tests.
+/// Makes the protected tests of the links callable.
 class LinkProbe : public CKVX_ART_MatOperator {
 public:
     using CKVX_ART_MatOperator::CKVX_ART_MatOperator;
@@ -114,7 +114,7 @@ public:
     using CKVX_ART_MatOperator::isARTSMat;
 };
 
-TEST(OperatorConstruction, ADestroyedOperatorShowsNoLinks) {
+TEST(OperatorConstruction, ADestroyedOperatorHasNoLinks) {
     CKVX_ACMT_GV gv;
     CKVX_ART_SparseMatrix A(2);
     Undestroyed<CKVX_ART_MatOperator> op(&A, &gv);
@@ -122,12 +122,13 @@ TEST(OperatorConstruction, ADestroyedOperatorShowsNoLinks) {
 
     op->~CKVX_ART_MatOperator();
 
-    std::memcpy(links, op.storage + sizeof(void*), sizeof(links));  // behind the table pointer
+    std::memcpy(links, op.storage + sizeof(void*),
+                sizeof(links));  // after the virtual table pointer
     EXPECT_EQ(links[0], nullptr);
     EXPECT_EQ(links[1], nullptr);
 }
 
-TEST(OperatorLinks, EachLinkIsToldSeparately) {
+TEST(OperatorLinks, EachLinkIsTestedSeparately) {
     CKVX_ACMT_GV gv;
     CKVX_ART_SparseMatrix A(1);
     LinkProbe op(&A, &gv);
@@ -159,8 +160,8 @@ TEST(OperatorLinks, BothAreStoredBeforeAMissingOneIsReported) {
     EXPECT_EQ(op.artGv, &gv);
 }
 
-/// Every operator on one small mesh: two inner faces, a face of each boundary kind, every stencil
-/// one term on the row's own cell, all properties 2, all fluxes 1.
+/// Every operator on one small mesh: two inner faces and one face of each boundary kind. Every
+/// stencil has one term, on the cell of the row; all properties are 2, all fluxes 1.
 class EveryOperator : public testing::TestWithParam<NamedOperator> {
 protected:
     EveryOperator() : host(3, {{1, 2}, {2, 3}}, {{{1}, {3}, {2}, {2}}}) {
@@ -215,7 +216,7 @@ TEST_P(EveryOperator, TwoCallsAddTwice) {
     }
 }
 
-TEST_P(EveryOperator, AddsToWhatTheMatrixHolds) {
+TEST_P(EveryOperator, AddsToTheValuesInTheMatrix) {
     CKVX_ART_SparseMatrix A(3, host.gv.NcAll);
     CKVX_ART_SparseMatrix B(3, host.gv.NcAll);
     Run(A);
@@ -235,7 +236,7 @@ TEST_P(EveryOperator, WithoutInnerFacesTheBoundaryLoopsStillRun) {
     EXPECT_EQ(EntriesOf(A) > 0, WalksBoundaries());
 }
 
-TEST_P(EveryOperator, WithoutBoundaryFacesTheirArraysNeedNotExist) {
+TEST_P(EveryOperator, WithoutBoundaryFacesTheirArraysAreNotRead) {
     CKVX_ART_SparseMatrix A(3);
     CKVX_ACMT_GV& gv = host.gv;
     gv.useBoundaryFaces = false;
@@ -250,11 +251,11 @@ TEST_P(EveryOperator, WithoutBoundaryFacesTheirArraysNeedNotExist) {
 
     EXPECT_GT(EntriesOf(A), 0);
     for (int k = 1; k < A.Ia[4]; ++k) {
-        EXPECT_LE(A.Ja[k], 3) << "a ghost column";
+        EXPECT_LE(A.Ja[k], 3) << "is a ghost column";
     }
 }
 
-TEST_P(EveryOperator, PartitionAndExtraRecordsAreNotWalked) {
+TEST_P(EveryOperator, PartitionAndExtraRecordsAreNotRead) {
     CKVX_ART_SparseMatrix A(3, host.gv.NcAll);
     CKVX_ART_SparseMatrix B(3, host.gv.NcAll);
     Run(A);
@@ -265,10 +266,10 @@ TEST_P(EveryOperator, PartitionAndExtraRecordsAreNotWalked) {
     EXPECT_EQ(EntriesOf(B), EntriesOf(A));
 }
 
-TEST_P(EveryOperator, GhostColumnOutsideThrowsAndEarlierAddsStay) {
+TEST_P(EveryOperator, AGhostColumnOutsideTheMatrixThrowsAndEarlierAdditionsRemain) {
     CKVX_ART_SparseMatrix A(3, 3);
     CKVX_ART_SparseMatrix inner(3, 3);
-    host.Flux(Inlet, 1) = -1.0;  // inflow, so that every scheme reaches for the ghost
+    host.Flux(Inlet, 1) = -1.0;  // inflow, so that every scheme uses the ghost cell
 
     if (WalksBoundaries()) {
         EXPECT_THROW(Run(A), InvalidDimensionsException);
@@ -302,14 +303,15 @@ TEST_P(EveryOperator, EmptyAndNegativeCountsAddNothing) {
 
     EXPECT_TRUE(Run(A));
 
-    // What is left are the cell adds: ghosts (CD), outflow diagonals (Hybrid), upstream cells.
+    // What remains are additions for cells: ghosts (CD), outflow diagonals (Hybrid), upstream
+    // cells.
     const std::map<std::string, int> cellAdds = {
         {"SwitchedOff", 4}, {"CD", 4}, {"Hybrid", 3}, {"CellUpwind", 5}, {"Combined", 4}};
     const auto found = cellAdds.find(GetParam().name);
     EXPECT_EQ(EntriesOf(A), found == cellAdds.end() ? 0 : found->second);
 }
 
-TEST_P(EveryOperator, CompressesAStaleMatrixAtTheFirstAdd) {
+TEST_P(EveryOperator, CompressesAStaleMatrixAtTheFirstAddition) {
     CKVX_ART_SparseMatrix A(3, host.gv.NcAll);
     A.AddElementValue(3, 1, 7.0);
     A.AddIndex(3, 1);

@@ -7,8 +7,8 @@
 
 constexpr double fluxTolerance = 1e-8;
 
-// One column a stencil, so that an entry tells which stencil put it there. The second side's
-// record uses coefficients of its own.
+// Each stencil has one column of its own, so that an entry shows which stencil added it. The record
+// of the second side has other coefficients.
 constexpr int viaFace = 11;
 constexpr int viaLeft = 12;
 constexpr int viaRight = 13;
@@ -16,8 +16,8 @@ constexpr int viaFarLeft = 14;
 constexpr int viaFarRight = 15;
 constexpr int viaNormal = 16;
 
-/// Cells 1 and 2 with one inner face between them and, where a test asks for it by the counts, a
-/// boundary face of each kind beside cell 1. Cells 3 to 20 only lend their columns.
+/// Cells 1 and 2 with one inner face between them and, if a test sets the counts, one boundary face
+/// of each kind at cell 1. Cells 3 to 20 only serve as columns.
 class OneFace : public testing::Test {
 protected:
     OneFace() : host(20, {{1, 2}}, {{{1}, {1}, {1}, {1}}}), A(2, host.gv.NcAll) {
@@ -40,7 +40,7 @@ protected:
 
     void InnerFaceOnly() { host.gv.useBoundaryFaces = false; }
 
-    /// Leaves the wall face alone, with flux F.
+    /// Keeps only the wall face, with flux F.
     void WallFaceOnly(double F) {
         host.gv.Ne = host.gv.NInlet = host.gv.NOutlet = host.gv.NSymm = 0;
         host.Flux(Wall, 1) = F;

@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-/// Boundary kinds in the order in which the operators walk them.
+/// Boundary kinds in the order in which the operators process them.
 enum Kind { Inlet, Outlet, Wall, Symm };
 constexpr std::array<Kind, 4> allKinds = {Inlet, Outlet, Wall, Symm};
 
@@ -24,7 +24,7 @@ enum class Pair { Normal, Face, Left, Right, FarLeft, FarRight };
 constexpr std::array<Pair, 6> allPairs = {Pair::Normal, Pair::Face,    Pair::Left,
                                           Pair::Right,  Pair::FarLeft, Pair::FarRight};
 
-/// The id and coefficient arrays of a stencil, by reference into its record.
+/// References to the id and coefficient arrays of a stencil in its record.
 struct PairRef {
     int*& id;
     double*& coef;
@@ -60,10 +60,11 @@ inline void SetStencil(CMAFVMFaceData& record, Pair pair, const Terms& terms) {
     }
 }
 
-/// The least mesh an operator can walk: cells, faces given by hand, no geometry.
+/// The smallest mesh for an operator: cells, faces given by hand, no geometry.
 ///
-/// Cells are 1..nCells, ghosts follow kind by kind. All stencils are there and empty, all fluxes
-/// and properties 0; a test sets what it is about. Left and right variables are separate arrays.
+/// Cells are 1..nCells, followed by the ghost cells kind by kind. All stencils exist and are empty,
+/// all fluxes and properties are 0; a test sets what it needs. Left and right variables are
+/// separate arrays.
 class OperatorHost {
 public:
     using Cells = std::vector<int>;
@@ -115,7 +116,7 @@ public:
     CMAFVMFaceData& Left(int i) { return gv.faceDataLeft[i]; }
     CMAFVMFaceData& Right(int i) { return gv.faceDataRight[i]; }
 
-    /// Both sides of inner face i see the flux F.
+    /// Sets the flux of both sides of inner face i.
     void SetFlux(int i, double F) { flux.left[i] = flux.right[i] = F; }
 
     KVX_ART_FVM::CKVX_ART_MatOperator Operator(CKVX_ART_SparseMatrix& matrix) {
@@ -178,7 +179,7 @@ private:
     std::array<std::vector<int>, 4> cell_, ghost_;
 };
 
-/// The value at (row, col), 0 if it is not stored.
+/// The value at (row, col), or 0 if it is not stored.
 inline double ValueAt(const CKVX_ART_SparseMatrix& A, int row, int col) {
     for (int k = A.Ia[row]; k < A.Ia[row + 1]; ++k) {
         if (A.Ja[k] == col) {
@@ -188,8 +189,8 @@ inline double ValueAt(const CKVX_ART_SparseMatrix& A, int row, int col) {
     return 0.0;
 }
 
-/// The stored entries of a row, in storage order: the order of the adds in a matrix that was never
-/// declared.
+/// The stored entries of a row in storage order, which is the order of the additions in a matrix
+/// that was not declared.
 inline Terms RowOf(const CKVX_ART_SparseMatrix& A, int row) {
     Terms terms;
     for (int k = A.Ia[row]; k < A.Ia[row + 1]; ++k) {
@@ -202,7 +203,7 @@ inline int EntriesOf(const CKVX_ART_SparseMatrix& A) {
     return A.Ia[A.rowsN + 1] - 1;
 }
 
-/// All ten operators by name, each called with one weight and the host's fluxes.
+/// An operator with its name, called with one weight and the fluxes of the host.
 struct NamedOperator {
     const char* name;
     bool (*run)(KVX_ART_FVM::CKVX_ART_MatOperator&, double, CMAFVMFaceVariableAll*);
@@ -212,7 +213,7 @@ inline std::ostream& operator<<(std::ostream& out, const NamedOperator& named) {
     return out << named.name;
 }
 
-/// Names a test case after its operator.
+/// The name of a test case: that of its operator.
 inline std::string NameOf(const testing::TestParamInfo<NamedOperator>& info) {
     return info.param.name;
 }

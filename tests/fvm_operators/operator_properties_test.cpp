@@ -1,5 +1,5 @@
-/// What the operators keep between them: exactness on simple fields, conservation, equalities.
-/// All numbers are small multiples of powers of two, so sums are exact and order does not matter.
+// Properties of the operators: exactness on simple fields, conservation, relations between them.
+// All numbers are small multiples of powers of two, so sums are exact in any order.
 
 #include "fvm_operators/mat_operator.h"
 
@@ -19,7 +19,7 @@ double Dyadic(std::mt19937& random) {
     return (random() % 2 == 0 ? k : -k) / 16.0;
 }
 
-/// Three terms on any cells whose coefficients sum to `sum`.
+/// Three terms on random cells whose coefficients add up to `sum`.
 Terms StencilWithSum(std::mt19937& random, int nColumns, double sum) {
     std::uniform_int_distribution<int> column(1, nColumns);
     const double a = Dyadic(random);
@@ -27,8 +27,8 @@ Terms StencilWithSum(std::mt19937& random, int nColumns, double sum) {
     return {{column(random), a}, {column(random), b}, {column(random), sum - a - b}};
 }
 
-/// A mesh without order: any face lies between any two cells. Values sum to 1 over each stencil,
-/// normal derivatives to 0; both sides of a face share stencils and flux.
+/// A mesh whose faces lie between random cells. The coefficients of a value stencil add up to 1,
+/// those of a normal derivative to 0; both sides of a face have the same stencils and flux.
 class ConservativeHost : public testing::TestWithParam<int> {
 protected:
     ConservativeHost() : random(static_cast<unsigned>(GetParam())) {
@@ -149,7 +149,7 @@ TEST_P(ConservativeHost, DiffusionOfAUniformFieldVanishes) {
     }
 }
 
-TEST_P(ConservativeHost, InnerFacesLoseNothingBetweenTheirCells) {
+TEST_P(ConservativeHost, InnerFacesAreConservative) {
     host->gv.useBoundaryFaces = false;
     for (const NamedOperator& named : AllOperators()) {
         matrix->Reset();
@@ -164,7 +164,7 @@ TEST_P(ConservativeHost, InnerFacesLoseNothingBetweenTheirCells) {
     }
 }
 
-/// Expects equal values at every position; order and stored zeros may differ.
+/// Expects equal values at every position. Storage order and stored zeros may differ.
 void ExpectSameValues(const CKVX_ART_SparseMatrix& A, const CKVX_ART_SparseMatrix& B) {
     for (int row = 1; row <= A.rowsN; ++row) {
         for (int col = 1; col <= A.colsN; ++col) {
@@ -173,7 +173,7 @@ void ExpectSameValues(const CKVX_ART_SparseMatrix& A, const CKVX_ART_SparseMatri
     }
 }
 
-TEST_P(ConservativeHost, SwitchedOffUpwindIsTheCentralScheme) {
+TEST_P(ConservativeHost, WithoutUpwindTheOperatorIsTheCentralScheme) {
     CKVX_ART_SparseMatrix other(host->gv.Nc, host->gv.NcAll);
 
     Run("SwitchedOff", *matrix, 0.5);
@@ -189,7 +189,7 @@ TEST_P(ConservativeHost, CombinedOperatorIsCellUpwindMinusDiffusionOnInnerFaces)
     CKVX_ART_SparseMatrix other(host->gv.Nc, host->gv.NcAll);
     host->gv.useBoundaryFaces = false;
     for (int i = 5; i <= host->gv.Ne; i += 5) {
-        host->SetFlux(i, 1.0);  // near-zero fluxes are where the two differ
+        host->SetFlux(i, 1.0);  // the two differ only for near-zero fluxes
     }
 
     Run("Combined", *matrix, 1.0);
@@ -199,7 +199,7 @@ TEST_P(ConservativeHost, CombinedOperatorIsCellUpwindMinusDiffusionOnInnerFaces)
     ExpectSameValues(*matrix, other);
 }
 
-TEST_P(ConservativeHost, StencilUpwindIsCellUpwindWhereTheStencilsAreTheCells) {
+TEST_P(ConservativeHost, StencilUpwindIsCellUpwindIfTheStencilsAreTheCells) {
     CKVX_ART_SparseMatrix other(host->gv.Nc, host->gv.NcAll);
     for (int i = 1; i <= host->gv.Ne; ++i) {
         for (CMAFVMFaceData* record : {&host->Left(i), &host->Right(i)}) {
@@ -241,7 +241,7 @@ TEST_P(ConservativeHost, HybridHasThePatternOfTheLinearUpwindOnInnerFaces) {
 
 INSTANTIATE_TEST_SUITE_P(Seeds, ConservativeHost, testing::Range(1, 9));
 
-/// Seven cells on a line, the four inner faces in the middle with the stencils of a uniform grid.
+/// Seven cells on a line. The four inner faces in the middle have the stencils of a uniform grid.
 class UniformLine : public testing::TestWithParam<double> {
 protected:
     UniformLine() : host(7, {{2, 3}, {3, 4}, {4, 5}, {5, 6}}), A(7) {
@@ -258,7 +258,7 @@ protected:
         }
     }
 
-    /// Row times a power of the cell number.
+    /// The row applied to a power of the cell number.
     double Applied(int row, int power) {
         std::vector<double> field(8, 0.0);
         for (int cell = 1; cell <= 7; ++cell) {

@@ -1,5 +1,5 @@
-/// Every operator against its plain transcription on random meshes: the same entries, in the same
-/// storage order, with the same bits.
+// Every operator against its transcription in plain/ on random meshes: the same entries in the same
+// storage order with the same bits.
 
 #include "plain/plain_operators.h"
 #include "tests/fvm_operators/operator_host.h"
@@ -21,14 +21,14 @@
 
 namespace {
 
-/// What the operator finds in the matrix.
+/// The state of the matrix before the operator.
 enum Pattern {
-    Declared,      ///< every entry, compressed and with values from before
-    HalfDeclared,  ///< the rest is inserted on the way
+    Declared,      ///< with every entry, compressed, with older values
+    HalfDeclared,  ///< the other entries are inserted
     Undeclared,
-    Stale,     ///< with values that the first add must wipe
-    Shuffled,  ///< rows in no order
-    Doubled    ///< columns twice in a row, others missing: the first match counts
+    Stale,     ///< with values that the first addition must set to zero
+    Shuffled,  ///< with the entries of each row in random order
+    Doubled    ///< with a column twice in a row, others missing: the first is used
 };
 
 struct Add {
@@ -39,7 +39,7 @@ struct Add {
 /// Runs the transcription of the operator with that name in AllOperators().
 template <typename Sink>
 void RunPlain(const std::string& name, OperatorHost& host, double weight, Sink& sink) {
-    PlainOperators<Sink> plain(host.gv, sink);
+    plain::Operators<Sink> plain(host.gv, sink);
     const CMAFVMFaceVariableAll& flux = host.flux;
     const std::map<std::string, std::function<void()>> operators = {
         {"Laplace", [&] { plain.Laplace(weight); }},
@@ -63,8 +63,8 @@ public:
     int Int(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
     double Real() { return std::uniform_real_distribution<double>(-2.0, 2.0)(random_); }
 
-    /// Plain values, both ends of the tolerance and their neighbours, zeros; with `wild` also
-    /// not-a-number and infinity.
+    /// Ordinary values, both limits of the tolerance and the doubles next to them, zeros; with
+    /// `wild` also NaN and infinity.
     double Flux(bool wild) {
         const double e = 1e-8;
         const double inf = std::numeric_limits<double>::infinity();
@@ -82,8 +82,8 @@ public:
         return Int(0, 2) == 0 ? special[Int(0, wild ? 10 : 7)] : Real();
     }
 
-    /// Up to ten terms on any cells, repeated ones too, or a negative count; a `broken` stencil may
-    /// name a column outside in its middle.
+    /// Up to ten terms on random cells, also repeated ones, or a negative count. A `broken` stencil
+    /// may contain a column outside the matrix.
     void SetRandomStencil(CMAFVMFaceData& record, Pair pair, int NcAll, bool broken) {
         Terms terms;
         for (int n = Int(0, 4) == 0 ? Int(0, 10) : Int(0, 3); n > 0; --n) {
@@ -96,13 +96,13 @@ public:
         }
     }
 
-    /// A cell of a face; of a `broken` face it may be no row at all.
+    /// A cell of a face; for a `broken` face it may be outside the matrix.
     int Cell(int nCells, bool broken) {
         const int outside[] = {0, -1, -7, nCells + 1, std::numeric_limits<int>::max()};
         return broken && Int(0, 60) == 0 ? outside[Int(0, 4)] : Int(1, nCells);
     }
 
-    /// Swaps entries within rows; with `doubled`, some columns take another's place instead.
+    /// Swaps entries within rows; with `doubled`, overwrites some columns with others instead.
     void DisturbRows(CKVX_ART_SparseMatrix& A, bool doubled) {
         for (int i = 1; i <= A.rowsN; ++i) {
             for (int k = A.Ia[i]; k < A.Ia[i + 1]; ++k) {
@@ -166,8 +166,8 @@ std::unique_ptr<OperatorHost> RandomCase::Host(bool wild, bool broken) {
     return host;
 }
 
-/// Brings a fresh matrix into the state `pattern` for these adds; two calls with equal seeds
-/// prepare equal matrices.
+/// Brings a fresh matrix into the state `pattern` for these additions. Two calls with equal seeds
+/// give equal matrices.
 void Prepare(CKVX_ART_SparseMatrix& A, const std::vector<Add>& adds, Pattern pattern,
              unsigned seed) {
     if (pattern == Undeclared) {
@@ -197,7 +197,7 @@ void Prepare(CKVX_ART_SparseMatrix& A, const std::vector<Add>& adds, Pattern pat
     }
 }
 
-/// Runs `assemble`; true if it threw the range exception.
+/// Runs `assemble` and returns true if it threw InvalidDimensionsException.
 template <typename Assemble>
 bool Throws(Assemble assemble) {
     try {
@@ -260,19 +260,19 @@ protected:
     }
 };
 
-TEST_P(OperatorsAgainstPlain, OrdinaryFluxesAndStencils) {
+TEST_P(OperatorsAgainstPlain, GivesTheSameBitsForOrdinaryFluxesAndStencils) {
     for (unsigned seed = 1; seed <= 60 && !HasFatalFailure(); ++seed) {
         CompareOn(seed, /*wild=*/false, /*broken=*/false);
     }
 }
 
-TEST_P(OperatorsAgainstPlain, InfiniteAndUndefinedFluxes) {
+TEST_P(OperatorsAgainstPlain, GivesTheSameBitsForInfiniteFluxesAndNaN) {
     for (unsigned seed = 1001; seed <= 1030 && !HasFatalFailure(); ++seed) {
         CompareOn(seed, /*wild=*/true, /*broken=*/false);
     }
 }
 
-TEST_P(OperatorsAgainstPlain, ColumnsOutsideStopTheWalkAtTheSameAdd) {
+TEST_P(OperatorsAgainstPlain, StopsAtTheSameAdditionForAColumnOutsideTheMatrix) {
     for (unsigned seed = 2001; seed <= 2060 && !HasFatalFailure(); ++seed) {
         CompareOn(seed, /*wild=*/false, /*broken=*/true);
     }

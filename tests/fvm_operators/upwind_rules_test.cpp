@@ -1,4 +1,4 @@
-/// The tolerance and boundary rules that all upwind schemes share.
+// The rules for the flux tolerance and for boundary faces that all upwind schemes share.
 
 #include "fvm_operators/mat_operator.h"
 #include "tests/fvm_operators/one_face.h"
@@ -15,7 +15,7 @@ namespace {
 const double justAbove = std::nextafter(fluxTolerance, 1.0);
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
-/// The schemes that look at the flux and share the tolerance rules.
+/// The schemes that depend on the sign of the flux.
 class EveryUpwind : public OneFace, public testing::WithParamInterface<NamedOperator> {
 protected:
     void Run(double weight) {
@@ -24,7 +24,7 @@ protected:
     }
 };
 
-TEST_P(EveryUpwind, FluxWithinTheToleranceTakesTheFaceStencil) {
+TEST_P(EveryUpwind, AFluxWithinTheToleranceUsesTheFaceStencil) {
     InnerFaceOnly();
     for (double F : {fluxTolerance, -fluxTolerance, 0.5e-8, 0.0, -0.0}) {
         A.Reset();
@@ -37,7 +37,7 @@ TEST_P(EveryUpwind, FluxWithinTheToleranceTakesTheFaceStencil) {
     }
 }
 
-TEST_P(EveryUpwind, UndefinedFluxCountsAsNearZero) {
+TEST_P(EveryUpwind, NaNAsFluxCountsAsNearZero) {
     InnerFaceOnly();
     host.SetFlux(1, notANumber);
 
@@ -49,7 +49,7 @@ TEST_P(EveryUpwind, UndefinedFluxCountsAsNearZero) {
     EXPECT_EQ(A.Ja[2], viaFace);
 }
 
-TEST_P(EveryUpwind, FluxJustAboveTheToleranceLeavesTheFaceStencil) {
+TEST_P(EveryUpwind, AFluxJustAboveTheToleranceDoesNotUseTheFaceStencil) {
     InnerFaceOnly();
     for (double F : {justAbove, -justAbove}) {
         A.Reset();
@@ -63,7 +63,7 @@ TEST_P(EveryUpwind, FluxJustAboveTheToleranceLeavesTheFaceStencil) {
     }
 }
 
-TEST_P(EveryUpwind, TheTestIsOnTheFluxBeforeItsWeight) {
+TEST_P(EveryUpwind, TheToleranceAppliesToTheFluxWithoutItsWeight) {
     InnerFaceOnly();
     host.SetFlux(1, 0.5e-8);
 
@@ -72,7 +72,7 @@ TEST_P(EveryUpwind, TheTestIsOnTheFluxBeforeItsWeight) {
     EXPECT_EQ(RowOf(A, 1), (Terms{{viaFace, 1e12 * 0.5e-8}}));
 }
 
-TEST_P(EveryUpwind, UnsharedSidesBranchOnTheirOwnFlux) {
+TEST_P(EveryUpwind, EachSideUsesItsOwnFlux) {
     InnerFaceOnly();
     host.flux.left[1] = 0.0;
     host.flux.right[1] = 4.0;
@@ -84,7 +84,7 @@ TEST_P(EveryUpwind, UnsharedSidesBranchOnTheirOwnFlux) {
     EXPECT_GE(RowOf(A, 2).size(), 1u);
 }
 
-TEST_P(EveryUpwind, ASharedFluxServesBothSides) {
+TEST_P(EveryUpwind, ASharedFluxIsUsedOnBothSides) {
     InnerFaceOnly();
     host.flux.left[1] = 0.5e-8;
     host.flux.right[1] = 4.0;
@@ -96,7 +96,7 @@ TEST_P(EveryUpwind, ASharedFluxServesBothSides) {
     EXPECT_EQ(RowOf(A, 2).front().first, viaFace);
 }
 
-TEST_P(EveryUpwind, SmallOutflowAndUndefinedBoundaryFluxCountAsIncoming) {
+TEST_P(EveryUpwind, SmallOutflowAndNaNCountAsInflow) {
     for (double F : {fluxTolerance, 0.5e-8, -fluxTolerance, -4.0, notANumber}) {
         A.Reset();
         WallFaceOnly(F);
@@ -108,7 +108,7 @@ TEST_P(EveryUpwind, SmallOutflowAndUndefinedBoundaryFluxCountAsIncoming) {
     }
 }
 
-TEST_P(EveryUpwind, OutflowJustAboveTheToleranceLeavesTheGhostCell) {
+TEST_P(EveryUpwind, OutflowJustAboveTheToleranceDoesNotUseTheGhostCell) {
     WallFaceOnly(justAbove);
 
     Run(1.0);

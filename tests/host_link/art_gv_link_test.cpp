@@ -20,7 +20,7 @@ KVX3D_EXPOSE(DebugDataCheck, &CKVX_ACMT_GV::debugDataCheck, void (CKVX_ACMT_GV::
 
 namespace {
 
-/// Links a host, partition faces included if it has any, and expects silence and success.
+/// Links a host with its partition faces, if any, and expects success without output.
 void LinkAll(CKVX_ACMT_GV& gv, BoxHost& host) {
     const OutputCapture capture;
     ASSERT_EQ(gv.getKvx3dGV(&host.gv, &host.fvm), 0);
@@ -45,7 +45,7 @@ TEST(HostRecordLinking, WithoutHostPrintsOneLineAndChangesNothing) {
     EXPECT_EQ(partition.Calls(PartAccessor::NParInterFace), 0);
 }
 
-TEST(HostRecordLinking, TakesCountsAndPointersOfTheMesh) {
+TEST(HostRecordLinking, CopiesCountsAndPointersOfTheMesh) {
     BoxHost host(4, 3, 2);
     int countsOfFvm = 0;
     int* table[9] = {};
@@ -114,7 +114,7 @@ TEST(HostRecordLinking, TakesCountsAndPointersOfTheMesh) {
 #undef EXPECT_LINKED
 }
 
-TEST(HostRecordLinking, TakesThePointersOfTheGlobalVariables) {
+TEST(HostRecordLinking, CopiesThePointersOfTheGlobalVariables) {
     BoxHost host(1, 1, 1);
     double linked[13] = {};
     int counts = 0;
@@ -145,7 +145,7 @@ TEST(HostRecordLinking, TakesThePointersOfTheGlobalVariables) {
     for (int i = 0; i < 7; ++i) {
         EXPECT_EQ(fields[i], &linked[5 + i]);
     }
-    EXPECT_EQ(gv.linkedVar12, nullptr);  // only with partition faces
+    EXPECT_EQ(gv.linkedVar12, nullptr);  // linked only with partition faces
 }
 
 TEST(HostRecordLinking, AreasAreTheLengthsOfTheAreaVectorsWithTheCountInSlotZero) {
@@ -189,7 +189,7 @@ TEST(HostRecordLinking, AKindWithoutFacesHasAnAreaArrayOfOneSlot) {
     EXPECT_EQ(gv.areaInlet[0], 0.0);
 }
 
-TEST(HostRecordLinking, GhostTablesNameKindAndFaceOfEveryGhostCell) {
+TEST(HostRecordLinking, GhostTablesHoldKindAndFaceOfEveryGhostCell) {
     BoxHost host(3, 2, 2);
     AllocationRecorder memory;
     CKVX_ACMT_GV gv;
@@ -220,7 +220,7 @@ TEST(HostRecordLinking, GhostTablesNameKindAndFaceOfEveryGhostCell) {
     }
 }
 
-TEST(HostRecordLinking, ALaterKindAndALaterFaceOverwriteASharedGhost) {
+TEST(HostRecordLinking, ALaterKindAndALaterFaceOverwriteASharedGhostCell) {
     BoxHost host(1, 1, 1);
     const int shared = host.fvm.idInlet[1];
     host.fvm.idSymm[1] = shared;
@@ -234,7 +234,7 @@ TEST(HostRecordLinking, ALaterKindAndALaterFaceOverwriteASharedGhost) {
     EXPECT_EQ(gv.ghostBCIndex[shared], 2);
 }
 
-TEST(HostRecordLinking, AnIdNoFaceClaimsHasTypeAndIndexZero) {
+TEST(HostRecordLinking, AnIdWithoutAFaceHasTypeAndIndexZero) {
     BoxHost host(1, 1, 1);
     const int orphan = host.fvm.idOutlet[1];
     host.fvm.NOutlet = 0;
@@ -258,7 +258,7 @@ TEST(HostRecordLinking, CountsDoNotFollowTheHostButValuesDo) {
     EXPECT_EQ(gv.p[1], 42);
 }
 
-TEST(HostRecordLinking, RunsAgainOnAFilledObjectAndReplacesWhatItOwns) {
+TEST(HostRecordLinking, ASecondCallReplacesWhatTheObjectOwns) {
     BoxHost small(1, 1, 1);
     BoxHost large(3, 1, 1);
     AllocationRecorder memory;
@@ -278,7 +278,7 @@ TEST(HostRecordLinking, RunsAgainOnAFilledObjectAndReplacesWhatItOwns) {
     EXPECT_EQ(memory.LiveBlocks(), 0);
 }
 
-TEST(HostRecordLinking, EmptyHostLinks) {
+TEST(HostRecordLinking, AHostWithoutCellsCanBeLinked) {
     CKvx3dGV globals;
     CKVX3DFiniteVolumeMesh mesh;
     CKVX_ACMT_GV gv;
@@ -290,10 +290,10 @@ TEST(HostRecordLinking, EmptyHostLinks) {
     EXPECT_EQ(gv.ghostBCType[0], 0);
 }
 
-/// The n-th allocation fails: two steps allocate, five blocks and two.
+/// Allocation number n fails. Two steps allocate: one five blocks, the other two.
 class FailedAllocation : public testing::TestWithParam<int> {};
 
-TEST_P(FailedAllocation, EndsTheStepWithItsLineAndLeavesWhatWasFilled) {
+TEST_P(FailedAllocation, EndsTheStepWithItsLineAndKeepsWhatWasFilledBefore) {
     BoxHost host(2, 1, 1);
     AllocationRecorder memory;
     {
@@ -318,7 +318,7 @@ TEST_P(FailedAllocation, EndsTheStepWithItsLineAndLeavesWhatWasFilled) {
 
 INSTANTIATE_TEST_SUITE_P(Allocations, FailedAllocation, testing::Range(0, 7));
 
-TEST(HostRecordSteps, EachLinksItsFieldsOnly) {
+TEST(HostRecordSteps, EachStepLinksItsFieldsOnly) {
     BoxHost host(2, 1, 1);
     CKVX_ACMT_GV gv;
     gv.getKvx3dGV(&host.gv, &host.fvm);

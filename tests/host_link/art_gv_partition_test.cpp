@@ -66,7 +66,7 @@ TEST(PartitionFaces, GhostCellsAreNotMarked) {
     }
 }
 
-TEST(PartitionFaces, EachAccessorIsAskedOnceAndTheCountOncePerFaceMore) {
+TEST(PartitionFaces, EachAccessorIsCalledOnceAndTheCountOnceMorePerFace) {
     PartitionedRun run;
 
     ASSERT_EQ(run.gv.getKvx3dData(), 0);
@@ -78,7 +78,7 @@ TEST(PartitionFaces, EachAccessorIsAskedOnceAndTheCountOncePerFaceMore) {
     }
 }
 
-TEST(PartitionFaces, WithoutAnyTheCountIsAskedOnceAndNothingElse) {
+TEST(PartitionFaces, WithoutAnyFaceOnlyTheCountIsCalledOnce) {
     BoxHost host(2, 1, 1);
     double var12 = 0;
     host.gv.linkedVar12 = &var12;
@@ -101,7 +101,7 @@ TEST(PartitionFaces, WithoutAnyTheCountIsAskedOnceAndNothingElse) {
     EXPECT_EQ(gv.linkedVar12, nullptr);
 }
 
-TEST(PartitionFaces, StayUnreadWithoutTheirObject) {
+TEST(PartitionFaces, AreNotReadWithoutTheirObject) {
     BoxHost host(2, 1, 1);
     host.WithPartitionFaces();
     CKVX_ACMT_GV gv;
@@ -115,7 +115,7 @@ TEST(PartitionFaces, StayUnreadWithoutTheirObject) {
     EXPECT_EQ(host.partition.Calls(PartAccessor::NParInterFace), 0);
 }
 
-TEST(PartitionFaces, AreLinkedWhenTheObjectComesBeforeASecondRun) {
+TEST(PartitionFaces, AreLinkedByASecondCallIfTheObjectWasSetBeforeIt) {
     BoxHost host(2, 1, 1);
     host.WithPartitionFaces();
     CKVX_ACMT_GV gv;
@@ -129,7 +129,7 @@ TEST(PartitionFaces, AreLinkedWhenTheObjectComesBeforeASecondRun) {
     EXPECT_EQ(gv.areaPart[1], 1.0);
 }
 
-/// An accessor that throws, after so many answers, and what becomes of it.
+/// An accessor that throws after a number of calls, and the expected result.
 struct FailingAccessor {
     PartAccessor accessor;
     int after;
@@ -139,7 +139,7 @@ struct FailingAccessor {
 
 class FailingStep : public testing::TestWithParam<FailingAccessor> {};
 
-TEST_P(FailingStep, ReturnsItsNumberAndPrintsItsLine) {
+TEST_P(FailingStep, ReturnsTheNumberOfTheStepAndPrintsItsLine) {
     PartitionedRun run;
     run.host.partition.failing = GetParam().accessor;
     run.host.partition.failingAfter = GetParam().after;
@@ -150,7 +150,7 @@ TEST_P(FailingStep, ReturnsItsNumberAndPrintsItsLine) {
     EXPECT_EQ(capture.Out(), std::string(GetParam().line) + "\n");
     EXPECT_EQ(capture.FlushedOut(), capture.Out());
     EXPECT_EQ(capture.Err(), "");
-    EXPECT_EQ(run.gv.Nc, 24);      // filled before, not rolled back
+    EXPECT_EQ(run.gv.Nc, 24);      // filled before and not reset
     EXPECT_EQ(run.gv.u, nullptr);  // the last step was not reached
 }
 

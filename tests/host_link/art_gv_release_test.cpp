@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The int arrays an object without host links releases.
+/// The int arrays that an object without host links releases.
 std::vector<int**> IntArrays(CKVX_ACMT_GV& gv) {
     return {&gv.hostCountTableGv, &gv.hostCountTableFvm,
             &gv.Ce23[0],          &gv.Ce23[1],
@@ -27,7 +27,7 @@ std::vector<int**> IntArrays(CKVX_ACMT_GV& gv) {
             &gv.nonmatchingFace};
 }
 
-/// Likewise the double arrays.
+/// The double arrays that it releases.
 std::vector<double**> DoubleArrays(CKVX_ACMT_GV& gv) {
     return {&gv.xc,         &gv.yc,         &gv.zc,          &gv.volume,      &gv.xe,
             &gv.ye,         &gv.ze,         &gv.xn,          &gv.yn,          &gv.zn,
@@ -49,13 +49,13 @@ std::vector<int***> Tables(CKVX_ACMT_GV& gv) {
             &gv.wallFaceTable,  &gv.symmFaceTable,  &gv.cellNodes};
 }
 
-/// What a filled object leaves behind: blocks the test has to release.
+/// The blocks that a filled object does not release, for the test to release.
 struct Remains {
     int* faceType;
     std::vector<int*> lastRows;
 };
 
-/// Puts an array of the object's own in every field that may carry host memory.
+/// Allocates an array for every field that may hold host memory.
 Remains FillHostFields(CKVX_ACMT_GV& gv) {
     Remains remains{nullptr, {}};
     for (int** array : IntArrays(gv)) {
@@ -76,7 +76,7 @@ Remains FillHostFields(CKVX_ACMT_GV& gv) {
     return remains;
 }
 
-TEST(HostRecordRelease, WithoutLinksEverythingGoesButFaceTypesAndLastRows) {
+TEST(HostRecordRelease, WithoutLinksEverythingIsReleasedExceptFaceTypesAndLastRows) {
     AllocationRecorder memory;
     std::optional<CKVX_ACMT_GV> gv(std::in_place);
     const Remains remains = FillHostFields(*gv);
@@ -92,7 +92,7 @@ TEST(HostRecordRelease, WithoutLinksEverythingGoesButFaceTypesAndLastRows) {
     EXPECT_EQ(memory.LiveBlocks(), 0);
 }
 
-TEST(HostRecordRelease, HalfALinkCountsAsNone) {
+TEST(HostRecordRelease, OneLinkOfTwoCountsAsNone) {
     CKvx3dGV globals;
     CKVX3DFiniteVolumeMesh mesh;
     for (const bool onlyMesh : {false, true}) {
@@ -108,7 +108,7 @@ TEST(HostRecordRelease, HalfALinkCountsAsNone) {
     }
 }
 
-TEST(HostRecordRelease, WithLinksHostMemoryIsLeftAlone) {
+TEST(HostRecordRelease, WithLinksHostMemoryIsNotReleased) {
     CKvx3dGV globals;
     CKVX3DFiniteVolumeMesh mesh;
     AllocationRecorder memory;
@@ -121,14 +121,14 @@ TEST(HostRecordRelease, WithLinksHostMemoryIsLeftAlone) {
         linked.kvxFvm = &mesh;
     }
     EXPECT_EQ(memory.LiveBlocks(), blocks);
-    // `fields` has no links and releases what it can; the rest goes here.
+    // `fields` has no links and releases its arrays; the test releases the rest.
     delete[] remains.faceType;
     for (const int* row : remains.lastRows) {
         delete[] row;
     }
 }
 
-TEST(HostRecordRelease, OfALinkedHostNothingIsReleasedButAreasAndGhostTables) {
+TEST(HostRecordRelease, ALinkedObjectReleasesOnlyAreasAndGhostTables) {
     BoxHost host(2, 2, 2);
     host.WithPartitionFaces();
     AllocationRecorder memory;
@@ -145,14 +145,14 @@ TEST(HostRecordRelease, OfALinkedHostNothingIsReleasedButAreasAndGhostTables) {
     EXPECT_EQ(memory.LiveBlocks(), 0);
 }
 
-/// A face variable that tells when it is destroyed.
+/// A face variable that records its destruction.
 struct Witness : CMAFVMFaceVariableAll {
     explicit Witness(int& counter) : destroyed(counter) {}
     ~Witness() override { ++destroyed; }
     int& destroyed;
 };
 
-TEST(HostRecordRelease, FaceVariablesGoThroughTheirVirtualDestructor) {
+TEST(HostRecordRelease, FaceVariablesAreReleasedByTheirVirtualDestructor) {
     for (const bool linked : {false, true}) {
         CKvx3dGV globals;
         CKVX3DFiniteVolumeMesh mesh;
@@ -171,7 +171,7 @@ TEST(HostRecordRelease, FaceVariablesGoThroughTheirVirtualDestructor) {
     }
 }
 
-TEST(HostRecordRelease, StencilRecordsGoWithTheirElements) {
+TEST(HostRecordRelease, StencilRecordsAreReleasedWithTheirStencils) {
     AllocationRecorder memory;
     {
         CKVX_ACMT_GV gv;
@@ -188,7 +188,7 @@ TEST(HostRecordRelease, StencilRecordsGoWithTheirElements) {
     EXPECT_EQ(memory.LiveBlocks(), 0);
 }
 
-TEST(HostRecordRelease, ADestroyedObjectShowsNoLinks) {
+TEST(HostRecordRelease, ADestroyedObjectHasNoLinks) {
     CKvx3dGV globals;
     CKVX3DFiniteVolumeMesh mesh;
     Undestroyed<CKVX_ACMT_GV> gv;
@@ -197,13 +197,13 @@ TEST(HostRecordRelease, ADestroyedObjectShowsNoLinks) {
 
     gv->~CKVX_ACMT_GV();
 
-    std::memcpy(links, gv.storage, sizeof(links));  // the five links come first
+    std::memcpy(links, gv.storage, sizeof(links));  // the five links are the first members
     for (const void* link : links) {
         EXPECT_EQ(link, nullptr);
     }
 }
 
-TEST(HostRecordCopies, ShareEveryPointer) {
+TEST(HostRecordCopies, CopiesShareEveryPointer) {
     BoxHost host(2, 2, 1);
     CKVX_ACMT_GV gv;
     gv.getKvx3dGV(&host.gv, &host.fvm);

@@ -9,13 +9,13 @@
 
 namespace {
 
-/// Any non-null address: the toolbox must not follow it.
+/// Any non-null address: the toolbox must not dereference it.
 template <typename T>
 T* Unreadable() {
     return reinterpret_cast<T*>(8);
 }
 
-TEST(HostRecord, StartsWithNothing) {
+TEST(HostRecord, StartsWithNullPointersAndZeroCounts) {
     CKVX_ACMT_GV gv;
 
     EXPECT_FALSE(gv.isKvxGv());
@@ -34,14 +34,14 @@ TEST(HostRecord, StartsWithNothing) {
     EXPECT_EQ(gv.ghostBCIndex, nullptr);
 }
 
-TEST(HostRecord, NormIsSummedFromLeftToRightWithoutScaling) {
+TEST(HostRecord, TheNormAddsFromLeftToRightWithoutScaling) {
     EXPECT_EQ(CKVX_ACMT_GV::CalNorm(3, 4, 12), 13.0);
     EXPECT_EQ(CKVX_ACMT_GV::CalNorm(1e200, 0, 0), HUGE_VAL);
     EXPECT_EQ(CKVX_ACMT_GV::CalNorm(1e-200, 0, 0), 0.0);
     EXPECT_EQ(CKVX_ACMT_GV::CalNorm(0.1, 0.2, 0.3), std::sqrt((0.1 * 0.1 + 0.2 * 0.2) + 0.3 * 0.3));
 }
 
-TEST(HostRecordSetters, StoreThePointersWithoutFollowingThem) {
+TEST(HostRecordSetters, StoreThePointersWithoutDereferencingThem) {
     CKVX_ACMT_GV gv;
     auto* gradient = Unreadable<COperatorGradient>();
     auto* communication = Unreadable<CCommunication>();
@@ -101,7 +101,7 @@ TEST(HostRecordSetters, NullLinksAreReportedAndKeepTheOldLink) {
     EXPECT_TRUE(gv.isKvxCommunication());
 }
 
-TEST(HostRecordSetters, ANullGradientIsReportedInTheWordsOfThePartFaces) {
+TEST(HostRecordSetters, ANullGradientIsReportedWithTheTextOfThePartFaces) {
     CKVX_ACMT_GV gv;
 
     ExpectFailure(-1, "Can not get the object of Part Faces",

@@ -20,7 +20,7 @@ std::vector<const int*> Types(const CMAFVMBoundaryCondition& bc) {
     return {bc.typeInlet, bc.typeOutlet, bc.typeWall, bc.typeSymm};
 }
 
-TEST(BoundaryCondition, StartsEmptyAndStaysSoWithoutARecord) {
+TEST(BoundaryCondition, StartsEmptyAndStaysEmptyWithoutAMesh) {
     static_assert(!std::is_polymorphic_v<CMAFVMBoundaryCondition>);
     CMAFVMBoundaryCondition fresh;
     const CMAFVMBoundaryCondition built(nullptr, 3);
@@ -32,7 +32,7 @@ TEST(BoundaryCondition, StartsEmptyAndStaysSoWithoutARecord) {
     }
 }
 
-TEST(BoundaryCondition, HasARowAndATypePerFaceOfEveryKind) {
+TEST(BoundaryCondition, HasARowAndATypeForEachFaceOfEveryKind) {
     CKVX_ACMT_GV gv = Counts();
     AllocationRecorder memory;
     std::vector<const double*> lastRows;
@@ -63,7 +63,7 @@ TEST(BoundaryCondition, HasARowAndATypePerFaceOfEveryKind) {
     }
 }
 
-TEST(BoundaryCondition, KindsWithoutFacesLeaveNothingBehind) {
+TEST(BoundaryCondition, KindsWithoutFacesAreReleasedCompletely) {
     CKVX_ACMT_GV gv;
     AllocationRecorder memory;
     {
@@ -74,7 +74,7 @@ TEST(BoundaryCondition, KindsWithoutFacesLeaveNothingBehind) {
     EXPECT_EQ(memory.LiveBlocks(), 0);
 }
 
-TEST(BoundaryCondition, NewMemoryReplacesTheArraysAndLeavesTheLastRows) {
+TEST(BoundaryCondition, NewMemoryReplacesTheArraysExceptTheLastRows) {
     CKVX_ACMT_GV gv;
     gv.NWall = 2;
     AllocationRecorder memory;

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Adds sign * area to the sum kept for a cell.
+/// Adds sign * area to the sum of a cell.
 void AddTo(std::vector<BoxHost::Point>& sums, int cell, const double* nx, const double* ny,
            const double* nz, int face, double sign) {
     BoxHost::Point& sum = sums.at(static_cast<std::size_t>(cell));
@@ -51,7 +51,7 @@ void ExpectClosedCells(const BoxHost& host) {
     }
 }
 
-/// Every id from Nc + 1 to NcAll is the ghost of exactly one boundary face.
+/// Every id from Nc + 1 to NcAll is the ghost cell of exactly one boundary face.
 void ExpectGhostsOnce(const BoxHost& host) {
     std::multiset<int> ghosts;
     for (const BoxHost::Boundary* kind :
@@ -112,7 +112,7 @@ TEST(BoxHostMesh, InnerFacesPointFromOwnerToNeighbor) {
     }
 }
 
-TEST(BoxHostMesh, NodesOfACellSurroundItsCentre) {
+TEST(BoxHostMesh, NodesOfACellSurroundItsCenter) {
     const BoxHost host(2, 2, 2, {1, 2, 3}, {2, 4, 8});
     const int* row = host.fvm.cellNodes[8];
 
@@ -135,7 +135,7 @@ TEST(BoxHostMesh, OversetGroupsListTheOuterFacesOfTheirBlock) {
     const BoxHost host = OversetHost();
 
     ASSERT_EQ(host.gv.NOversetBCGroup[0], 2);
-    EXPECT_EQ(host.gv.oversetBCFaceCount[1], 4 * 6 * 4);  // two sides of six are plain walls
+    EXPECT_EQ(host.gv.oversetBCFaceCount[1], 4 * 6 * 4);  // two of the six sides are physical walls
     EXPECT_EQ(host.gv.oversetBCFaceCount[2], 6 * 2 * 2);
     for (int group = 1; group <= 2; ++group) {
         for (int i = 1; i <= host.gv.oversetBCFaceCount[group]; ++i) {
@@ -146,7 +146,7 @@ TEST(BoxHostMesh, OversetGroupsListTheOuterFacesOfTheirBlock) {
     EXPECT_EQ(host.gv.cavityId[host.fvm.Nc], 4);
 }
 
-TEST(BoxHostMesh, BodyCellsAreGoneAndTheirNeighborsHaveWalls) {
+TEST(BoxHostMesh, BodyCellsAreMissingAndTheirNeighborsHaveWalls) {
     BoxHost host(3, 3, 1);
     host.WithBody(0, {{2, 2, 1}, {2, 2, 1}});
 

@@ -4,19 +4,13 @@
 
 #include <climits>
 #include <new>
-#include <sstream>
-#include <type_traits>
 #include <vector>
 
 #include "tests/support/allocation_recorder.h"
-#include "tests/support/undestroyed.h"
 
 namespace {
 
-using KVX3DART::Container;
-using KVX3DART::Vector;
-
-TEST(NewDouble1D, HoldsItsSizeInSlotZeroAndZerosBehind) {
+TEST(NewDouble1D, HoldsItsSizeInSlotZeroAndZerosAfterIt) {
     AllocationRecorder memory;
     double* a = nullptr;
 
@@ -27,7 +21,7 @@ TEST(NewDouble1D, HoldsItsSizeInSlotZeroAndZerosBehind) {
     delete[] a;
 }
 
-TEST(NewDouble1D, NoEntriesGiveABlockOfOneElement) {
+TEST(NewDouble1D, AnArrayWithoutEntriesIsABlockOfOneElement) {
     AllocationRecorder memory;
     double* a = nullptr;
 
@@ -53,7 +47,7 @@ TEST(NewDouble1D, ReplacesAFilledBlock) {
     delete[] a;
 }
 
-TEST(NewDouble1D, AFailedAllocationThrowsAndLeavesNothingToReleaseTwice) {
+TEST(NewDouble1D, AFailedAllocationThrowsAndLeavesANullPointer) {
     double* a = nullptr;
     newDouble1D(a, 2);
     AllocationRecorder memory;
@@ -64,14 +58,14 @@ TEST(NewDouble1D, AFailedAllocationThrowsAndLeavesNothingToReleaseTwice) {
     EXPECT_EQ(a, nullptr);
 }
 
-TEST(NewDouble1D, ASizeBelowMinusOneIsLeftToTheAllocation) {
+TEST(NewDouble1D, ASizeBelowMinusOneFailsInTheAllocation) {
     double* a = nullptr;
 
     EXPECT_THROW(newDouble1D(a, -2), std::bad_alloc);
     EXPECT_THROW(newDouble1D(a, INT_MIN), std::bad_alloc);
 }
 
-TEST(NewInt1D, HoldsItsSizeInSlotZeroAndZerosBehind) {
+TEST(NewInt1D, HoldsItsSizeInSlotZeroAndZerosAfterIt) {
     AllocationRecorder memory;
     int* a = nullptr;
 
@@ -97,7 +91,7 @@ TEST(NewInt1D, ReplacesAFilledBlock) {
     delete[] a;
 }
 
-TEST(NewDouble2D, IsATableWithAHeadAndRowsThatHoldTheColumnCount) {
+TEST(NewDouble2D, IsATableWithTheRowCountInSlotZeroAndTheColumnCountInEachRow) {
     AllocationRecorder memory;
     double** a = nullptr;
 
@@ -115,7 +109,7 @@ TEST(NewDouble2D, IsATableWithAHeadAndRowsThatHoldTheColumnCount) {
     delete[] last;
 }
 
-TEST(NewDouble2D, NoRowsGiveAHeadAlone) {
+TEST(NewDouble2D, ATableWithoutRowsHasSlotZeroOnly) {
     AllocationRecorder memory;
     double** a = nullptr;
 
@@ -127,7 +121,7 @@ TEST(NewDouble2D, NoRowsGiveAHeadAlone) {
     EXPECT_EQ(memory.LiveBlocks(), 0);
 }
 
-TEST(NewDouble2D, ReplacesAnOldTableButForItsLastRow) {
+TEST(NewDouble2D, ReplacesAnOldTableExceptItsLastRow) {
     AllocationRecorder memory;
     double** a = nullptr;
     newDouble2D(a, 2, 1);
@@ -146,10 +140,10 @@ TEST(NewDouble2D, ReplacesAnOldTableButForItsLastRow) {
     delete[] last;
 }
 
-/// Releases of freeDouble2D and freeIntRows on a table of so many rows.
-class LastRowStays : public testing::TestWithParam<int> {};
+/// freeDouble2D() and freeIntRows() on a table whose number of rows is the parameter.
+class LastRowIsNotReleased : public testing::TestWithParam<int> {};
 
-TEST_P(LastRowStays, InATableOfDoubles) {
+TEST_P(LastRowIsNotReleased, FromATableOfDoubles) {
     AllocationRecorder memory;
     double** a = nullptr;
     newDouble2D(a, GetParam(), 2);
@@ -163,7 +157,7 @@ TEST_P(LastRowStays, InATableOfDoubles) {
     delete[] last;
 }
 
-TEST_P(LastRowStays, InATableOfInts) {
+TEST_P(LastRowIsNotReleased, FromATableOfInts) {
     AllocationRecorder memory;
     int** a = nullptr;
     newIntRows(a, GetParam());
@@ -180,7 +174,7 @@ TEST_P(LastRowStays, InATableOfInts) {
     delete[] last;
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, LastRowStays, testing::Values(1, 2, 3, 10));
+INSTANTIATE_TEST_SUITE_P(Rows, LastRowIsNotReleased, testing::Values(1, 2, 3, 10));
 
 TEST(FreeTables, ANullPointerStaysNull) {
     double** doubles = nullptr;
@@ -193,7 +187,7 @@ TEST(FreeTables, ANullPointerStaysNull) {
     EXPECT_EQ(ints, nullptr);
 }
 
-TEST(FreeTables, NullRowsArePassedOver) {
+TEST(FreeTables, NullRowsAreSkipped) {
     AllocationRecorder memory;
     int** a = nullptr;
     newIntRows(a, 3);
@@ -204,7 +198,7 @@ TEST(FreeTables, NullRowsArePassedOver) {
     EXPECT_EQ(memory.LiveBlocks(), 0);
 }
 
-TEST(NewIntRows, IsATableOfNullRowsWithAHead) {
+TEST(NewIntRows, IsATableOfNullRowsWithTheRowCountInSlotZero) {
     AllocationRecorder memory;
     int** a = nullptr;
 
@@ -217,7 +211,7 @@ TEST(NewIntRows, IsATableOfNullRowsWithAHead) {
     freeIntRows(a);
 }
 
-TEST(NewIntRows, ReplacesAnOldTableButForItsLastRow) {
+TEST(NewIntRows, ReplacesAnOldTableExceptItsLastRow) {
     AllocationRecorder memory;
     int** a = nullptr;
     newIntRows(a, 2);
@@ -234,8 +228,8 @@ TEST(NewIntRows, ReplacesAnOldTableButForItsLastRow) {
     EXPECT_EQ(memory.LiveBlocks(), 0);
 }
 
-/// The n-th allocation of newDouble2D fails, n = 0, 1, 2 ...: what is there can be released.
-TEST(NewDouble2D, AfterAFailedAllocationTheRestCanBeReleased) {
+/// Allocation number n of newDouble2D() fails, for n = 0, 1, 2, ...
+TEST(NewDouble2D, WhatAFailedAllocationLeavesCanBeReleased) {
     for (int n = 0;; ++n) {
         AllocationRecorder memory;
         memory.FailAfter(n);
@@ -245,168 +239,13 @@ TEST(NewDouble2D, AfterAFailedAllocationTheRestCanBeReleased) {
             const double* last = a[3];
             freeDouble2D(a);
             delete[] last;
-            EXPECT_EQ(n, 5);  // table, head, three rows
+            EXPECT_EQ(n, 5);  // table, slot 0, three rows
             break;
         } catch (const std::bad_alloc&) {
             freeDouble2D(a);
             EXPECT_EQ(memory.LiveBlocks(), 0) << "failed allocation " << n;
         }
     }
-}
-
-TEST(ContainerShape, IsPolymorphicAndStartsEmpty) {
-    static_assert(std::has_virtual_destructor_v<Container>);
-    AllocationRecorder memory;
-    {
-        const Container container;
-
-        EXPECT_EQ(memory.SizeOf(container.shape), 2 * sizeof(std::size_t));
-        EXPECT_EQ(container.shape[1], 0u);
-        EXPECT_FALSE(container.flag);
-        EXPECT_LT(static_cast<const void*>(&container.shape),
-                  static_cast<const void*>(&container.flag));
-    }
-    EXPECT_EQ(memory.LiveBlocks(), 0);
-}
-
-TEST(ContainerShape, CopiesShareTheShapeAndTakeTheFlag) {
-    Container source;
-    source.flag = true;
-    Undestroyed<Container> copy(source);
-    Undestroyed<Container> assigned;
-    const std::size_t* givenUp = (*assigned).shape;
-
-    *assigned = source;
-
-    EXPECT_EQ((*copy).shape, source.shape);
-    EXPECT_TRUE((*copy).flag);
-    EXPECT_EQ((*assigned).shape, source.shape);
-    EXPECT_TRUE((*assigned).flag);
-    delete[] givenUp;
-}
-
-template <typename T>
-class VectorOf : public testing::Test {};
-using ElementTypes = testing::Types<int, double>;
-TYPED_TEST_SUITE(VectorOf, ElementTypes, );
-
-TYPED_TEST(VectorOf, DerivesFromContainer) {
-    static_assert(std::is_base_of_v<Container, Vector<TypeParam>>);
-    static_assert(std::is_convertible_v<std::size_t, Vector<TypeParam>>);
-    Vector<TypeParam> vector(2);
-    Container& container = vector;  // a virtual base: no static downcast
-
-    EXPECT_EQ(dynamic_cast<Vector<TypeParam>*>(&container), &vector);
-}
-
-TYPED_TEST(VectorOf, HoldsItsSizeInShapeAndInSlotZero) {
-    AllocationRecorder memory;
-    const Vector<TypeParam> vector(5);
-
-    EXPECT_EQ(vector.size(), 5u);
-    EXPECT_EQ(vector.shape[0], 1u);
-    EXPECT_EQ(vector.shape[1], 5u);
-    EXPECT_FALSE(vector.flag);
-    EXPECT_EQ(memory.SizeOf(vector.data), 6 * sizeof(TypeParam));
-    EXPECT_EQ(std::vector<TypeParam>(vector.data, vector.data + 6),
-              (std::vector<TypeParam>{5, 0, 0, 0, 0, 0}));
-}
-
-TYPED_TEST(VectorOf, DefaultIsEmptyAndPrintsNothing) {
-    const Vector<TypeParam> vector;
-    std::ostringstream out;
-
-    vector.print(out);
-
-    EXPECT_EQ(vector.size(), 0u);
-    EXPECT_EQ(vector.shape[0], 1u);
-    EXPECT_EQ(vector.data, nullptr);
-    EXPECT_EQ(out.str(), "");
-}
-
-TYPED_TEST(VectorOf, SizeZeroHasABlockOfOneElementAndPrintsNothing) {
-    AllocationRecorder memory;
-    const Vector<TypeParam> vector(0);
-    std::ostringstream out;
-
-    vector.print(out);
-
-    EXPECT_EQ(memory.SizeOf(vector.data), sizeof(TypeParam));
-    EXPECT_EQ(vector.data[0], TypeParam(0));
-    EXPECT_EQ(out.str(), "");
-}
-
-TYPED_TEST(VectorOf, PrintRepeatsTheFirstElementOnEveryLine) {
-    Vector<TypeParam> vector(3);
-    vector.data[1] = 4;
-    vector.data[2] = 5;
-    vector.data[3] = 6;
-    std::ostringstream out;
-
-    vector.print(out);
-
-    EXPECT_EQ(out.str(), "4\n4\n4\n");
-}
-
-TYPED_TEST(VectorOf, CopiesShareDataAndShape) {
-    AllocationRecorder memory;
-    {
-        Vector<TypeParam> source(2);
-        source.flag = true;
-        const int blocks = memory.LiveBlocks();
-        Undestroyed<Vector<TypeParam>> copy(source);
-        EXPECT_EQ(memory.LiveBlocks(), blocks);  // the virtual base makes no shape of its own
-
-        EXPECT_EQ((*copy).data, source.data);
-        EXPECT_EQ((*copy).shape, source.shape);
-        EXPECT_TRUE((*copy).flag);
-        EXPECT_EQ((*copy).size(), 2u);
-    }
-    EXPECT_EQ(memory.LiveBlocks(), 0);
-}
-
-TYPED_TEST(VectorOf, AssignmentSharesAndGivesUpWhatTheTargetHeld) {
-    Vector<TypeParam> source(2);
-    Undestroyed<Vector<TypeParam>> target(std::size_t{3});
-    const TypeParam* givenUpData = (*target).data;
-    const std::size_t* givenUpShape = (*target).shape;
-
-    *target = source;
-
-    EXPECT_EQ((*target).data, source.data);
-    EXPECT_EQ((*target).shape, source.shape);
-    delete[] givenUpData;
-    delete[] givenUpShape;
-}
-
-TYPED_TEST(VectorOf, DestructorReleasesDataThenShape) {
-    AllocationRecorder memory;
-    const void* data = nullptr;
-    const void* shape = nullptr;
-    {
-        const Vector<TypeParam> vector(1);
-        data = vector.data;
-        shape = vector.shape;
-    }
-    EXPECT_EQ(memory.Released(), (std::vector<const void*>{data, shape}));
-}
-
-TYPED_TEST(VectorOf, DeletesThroughItsBase) {
-    AllocationRecorder memory;
-    const Container* container = new Vector<TypeParam>(4);
-
-    delete container;
-
-    EXPECT_EQ(memory.LiveBlocks(), 0);
-}
-
-TYPED_TEST(VectorOf, AFailedAllocationReleasesTheShape) {
-    AllocationRecorder memory;
-    memory.FailAfter(1);
-
-    EXPECT_THROW(Vector<TypeParam>(3), std::bad_alloc);
-
-    EXPECT_EQ(memory.LiveBlocks(), 0);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 #include "tests/support/output_capture.h"
 
-/// Calls `call`, expects `result` and exactly one line on standard output, flushed.
+/// Calls `call` and expects `result` and exactly one flushed line on standard output.
 template <typename Call>
 void ExpectFailure(int result, const std::string& line, Call call) {
     const OutputCapture capture;

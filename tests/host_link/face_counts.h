@@ -8,7 +8,7 @@
 #include "host_link/art_gv.h"
 #include "tests/support/allocation_recorder.h"
 
-/// Four, three, two, one and no faces of a kind and five inner faces.
+/// A mesh with five inner faces and four inlet, three outlet, two wall and one symmetry face.
 inline CKVX_ACMT_GV Counts() {
     CKVX_ACMT_GV gv;
     gv.Ne = 5;
@@ -19,7 +19,7 @@ inline CKVX_ACMT_GV Counts() {
     return gv;
 }
 
-/// True for a live array of n zeros with n in slot 0.
+/// True for an array of n zeros with n in slot 0 that was not released.
 inline testing::AssertionResult IsNewArray(const AllocationRecorder& memory, const double* array,
                                            int n) {
     if (memory.SizeOf(array) != sizeof(double) * (static_cast<std::size_t>(n) + 1)) {

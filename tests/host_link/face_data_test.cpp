@@ -34,7 +34,7 @@ std::vector<double**> Carried(CMAFVMFaceData& record) {
     return pointers;
 }
 
-/// Gives a record 18 arrays of its own and 12 carried pointers to `carried`.
+/// Gives a record 18 arrays of its own, and sets its 12 other pointers to `carried`.
 void Fill(CMAFVMFaceData& record, double* carried) {
     for (int** ids : Ids(record)) {
         newInt1D(*ids, 2);
@@ -57,7 +57,7 @@ void ExpectSamePointers(CMAFVMFaceData& a, CMAFVMFaceData& b) {
     }
 }
 
-TEST(FaceData, StartsEmptyAndIsNoPolymorphicClass) {
+TEST(FaceData, StartsEmptyAndIsNotPolymorphic) {
     static_assert(!std::is_polymorphic_v<CMAFVMFaceData>);
     CMAFVMFaceData record;
 
@@ -73,7 +73,7 @@ TEST(FaceData, StartsEmptyAndIsNoPolymorphicClass) {
     EXPECT_FALSE(record.linked);
 }
 
-TEST(FaceData, ReleasesItsStencilsButNotTheCarriedPointers) {
+TEST(FaceData, ReleasesItsStencilsButNotTheOtherPointers) {
     AllocationRecorder memory;
     auto* carried = new double[12];
     {
@@ -86,7 +86,7 @@ TEST(FaceData, ReleasesItsStencilsButNotTheCarriedPointers) {
     delete[] carried;
 }
 
-TEST(FaceData, ALinkedRecordReleasesNothingAndItsSourceDoes) {
+TEST(FaceData, OfALinkedRecordAndItsSourceOnlyTheSourceReleases) {
     double carried[12];
     AllocationRecorder memory;
     {

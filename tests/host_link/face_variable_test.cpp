@@ -31,7 +31,7 @@ TEST(FaceVariable, HasTwoArraysOfInnerFacesUnlessShared) {
     EXPECT_EQ(memory.LiveBlocks(), 0);
 }
 
-TEST(FaceVariable, SharedHasOneArrayThatIsReleasedOnce) {
+TEST(FaceVariable, ASharedVariableHasOneArrayThatIsReleasedOnce) {
     CKVX_ACMT_GV gv = Counts();
     AllocationRecorder memory;
     {
@@ -45,7 +45,7 @@ TEST(FaceVariable, SharedHasOneArrayThatIsReleasedOnce) {
     EXPECT_EQ(memory.Released().size(), 1u);
 }
 
-TEST(FaceVariable, WithoutARecordHasNoArraysButKeepsTheSharing) {
+TEST(FaceVariable, WithoutAMeshHasNoArraysButStoresTheSharing) {
     const CMAFVMFaceVariable variable(nullptr, true);
 
     EXPECT_EQ(variable.left, nullptr);
@@ -53,7 +53,7 @@ TEST(FaceVariable, WithoutARecordHasNoArraysButKeepsTheSharing) {
     EXPECT_TRUE(variable.sharedInner);
 }
 
-TEST(FaceVariable, NewMemoryWithoutARecordChangesNothing) {
+TEST(FaceVariable, NewMemoryWithoutAMeshChangesNothing) {
     CKVX_ACMT_GV gv = Counts();
     CMAFVMFaceVariable variable(&gv, false);
     const double* left = variable.left;
@@ -78,7 +78,7 @@ TEST(FaceVariable, NewMemoryReplacesTheArrays) {
     EXPECT_EQ(memory.LiveBlocks(), 2);
 }
 
-TEST(FaceVariable, NewMemoryOfASharedObjectMakesOneArray) {
+TEST(FaceVariable, NewMemoryOfASharedVariableAllocatesOneArray) {
     CKVX_ACMT_GV gv = Counts();
     AllocationRecorder memory;
     CMAFVMFaceVariable variable;
@@ -91,7 +91,7 @@ TEST(FaceVariable, NewMemoryOfASharedObjectMakesOneArray) {
     EXPECT_EQ(variable.left, variable.right);
 }
 
-TEST(FaceVariable, LinkInnerLeavesOneArrayOfTwo) {
+TEST(FaceVariable, LinkInnerReleasesOneArrayOfTwo) {
     CKVX_ACMT_GV gv = Counts();
     AllocationRecorder memory;
     {
@@ -117,7 +117,7 @@ TEST(FaceVariable, LinkInnerWithoutArraysOnlySetsTheSharing) {
     EXPECT_EQ(variable.right, nullptr);
 }
 
-TEST(FaceVariable, LinkInnerOnASharingObjectReleasesTheArrayLeftStillShows) {
+TEST(FaceVariable, LinkInnerOnASharedVariableReleasesTheArrayThatLeftPointsTo) {
     CKVX_ACMT_GV gv = Counts();
     AllocationRecorder memory;
     for (const bool shared : {false, true}) {
@@ -146,7 +146,7 @@ TEST(FaceVariable, ADestroyedObjectNoLongerShares) {
     EXPECT_EQ(variable.storage[at], 0);
 }
 
-TEST(FaceVariable, CopiesAreViews) {
+TEST(FaceVariable, CopiesShareTheArrays) {
     CKVX_ACMT_GV gv = Counts();
     const CMAFVMFaceVariable variable(&gv, true);
     Undestroyed<CMAFVMFaceVariable> copy(variable);
@@ -190,7 +190,7 @@ TEST(FaceVariableAll, HasAnArrayForEveryKind) {
     }
 }
 
-TEST(FaceVariableAll, ReleasesTheBoundaryFirst) {
+TEST(FaceVariableAll, ReleasesTheBoundaryArraysFirst) {
     CKVX_ACMT_GV gv = Counts();
     AllocationRecorder memory;
     std::vector<const void*> order;
@@ -216,7 +216,7 @@ TEST(FaceVariableAll, NewMemoryThroughTheBaseReplacesEverything) {
     EXPECT_EQ(memory.LiveBlocks(), 6);
 }
 
-TEST(FaceVariableAll, CopiesAreViews) {
+TEST(FaceVariableAll, CopiesShareTheArrays) {
     CKVX_ACMT_GV gv = Counts();
     const CMAFVMFaceVariableAll variable(&gv, false);
     Undestroyed<CMAFVMFaceVariableAll> copy(variable);
@@ -247,7 +247,7 @@ TEST(FaceVariableOverset, HasInnerAndWallArrays) {
     EXPECT_EQ(memory.Released(), order);
 }
 
-TEST(FaceVariableOverset, SharesAndReplacesAsTheOthersDo) {
+TEST(FaceVariableOverset, SharesAndReplacesLikeTheOtherVariables) {
     CKVX_ACMT_GV gv = Counts();
     AllocationRecorder memory;
     CMAFVMFaceVariableOverset variable(&gv, true);
@@ -261,7 +261,7 @@ TEST(FaceVariableOverset, SharesAndReplacesAsTheOthersDo) {
     EXPECT_EQ(memory.LiveBlocks(), 2);
 }
 
-TEST(FaceVariableOverset, StartsWithoutArraysAndCopiesAsAView) {
+TEST(FaceVariableOverset, StartsWithoutArraysAndCopiesShareThem) {
     CKVX_ACMT_GV gv = Counts();
     const CMAFVMFaceVariableOverset empty;
     const CMAFVMFaceVariableOverset variable(&gv, false);

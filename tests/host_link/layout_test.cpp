@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Where a member stands in its class.
+/// The position of a member in its class.
 struct Member {
     const char* name;
     std::size_t offset;
@@ -23,7 +23,7 @@ std::size_t AlignUp(std::size_t offset, std::size_t alignment) {
     return (offset + alignment - 1) / alignment * alignment;
 }
 
-/// The members follow each other from `start` without anything between or behind them.
+/// Checks that the members follow each other from `start`, with nothing between or after them.
 void ExpectCompact(std::size_t start, const std::vector<Member>& members, std::size_t size) {
     std::size_t end = start;
     for (const Member& member : members) {
@@ -183,7 +183,7 @@ TEST(Layout, FaceDataHasItsFieldsInOrderAndNoOthers) {
                   sizeof(object));
 }
 
-TEST(Layout, FaceVariablesHaveOneTableOfVirtualFunctionsThenTheirFields) {
+TEST(Layout, FaceVariablesHaveOneVirtualTablePointerThenTheirFields) {
     static_assert(std::has_virtual_destructor_v<CMAFVMFaceVariable>);
     const CMAFVMFaceVariable object;
 
@@ -213,7 +213,7 @@ TEST(Layout, BoundaryConditionHasItsFieldsInOrderAndNoOthers) {
                   sizeof(object));
 }
 
-TEST(Layout, ContainerHasItsTableOfVirtualFunctionsThenShapeAndFlag) {
+TEST(Layout, ContainerHasItsVirtualTablePointerThenShapeAndFlag) {
     const KVX3DART::Container object;
 
     ExpectCompact(sizeof(void*), {AT(shape), AT(flag)}, sizeof(object));
@@ -221,7 +221,7 @@ TEST(Layout, ContainerHasItsTableOfVirtualFunctionsThenShapeAndFlag) {
 
 #undef AT
 
-TEST(Signatures, AreWhatHostsCompileAgainst) {
+TEST(Signatures, PublicFunctionsHaveTheTypesThatHostsUse) {
     using GV = CKVX_ACMT_GV;
     static_assert(
         std::is_same_v<decltype(&GV::getKvx3dGV), int (GV::*)(CKvx3dGV*, CKVX3DFiniteVolumeMesh*)>);

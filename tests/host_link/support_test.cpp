@@ -14,7 +14,7 @@
 
 namespace {
 
-TEST(TestSupport, TempDirectoryExistsAndGoesWithItsContents) {
+TEST(TestSupport, TempDirectoryExistsAndIsRemovedWithItsContents) {
     std::filesystem::path kept;
     {
         const TempDirectory directory;
@@ -26,10 +26,10 @@ TEST(TestSupport, TempDirectoryExistsAndGoesWithItsContents) {
     EXPECT_FALSE(std::filesystem::exists(kept));
 }
 
-TEST(TestSupport, OutputCaptureKeepsTheStreamsApartAndKnowsWhatWasFlushed) {
+TEST(TestSupport, OutputCaptureSeparatesTheStreamsAndRecordsWhatWasFlushed) {
     const OutputCapture capture;
 
-    std::cerr << "c";  // first: std::cerr flushes std::cout, to which it is tied
+    std::cerr << "c";  // first, because std::cerr flushes std::cout, to which it is tied
     std::cout << "a" << std::flush << "b";
 
     EXPECT_EQ(capture.Out(), "ab");
@@ -37,11 +37,11 @@ TEST(TestSupport, OutputCaptureKeepsTheStreamsApartAndKnowsWhatWasFlushed) {
     EXPECT_EQ(capture.Err(), "c");
 }
 
-TEST(TestSupport, AllocationRecorderSeesArraysAndFailsTheChosenOne) {
+TEST(TestSupport, AllocationRecorderRecordsArraysAndFailsTheChosenOne) {
     AllocationRecorder memory;
     memory.FailAfter(1);
 
-    // Through the library: a compiler may leave out pairs of new and delete that it can see.
+    // Through the library, because a compiler may remove pairs of new and delete that it can see.
     int* first = nullptr;
     int* second = nullptr;
     int* third = nullptr;

@@ -4,42 +4,26 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <numeric>
-#include <random>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "plain/plain_bicgstab.h"
+#include "tests/linear_algebra/random_systems.h"
 
-// The solver must end where the plain transcription ends, with the same bits in x, in every work
-// vector and in both figures, whatever order the rows are stored in and wherever it breaks down.
+// The solver must stop where the transcription in plain/ stops, with the same bits in x, in every
+// work vector, in the iteration count and in the norm, for every order of the entries in a row and
+// every kind of breakdown.
 
 namespace {
 
-struct Entry {
-    int row;
-    int col;
-    double value;
-};
-
-/// One system, in the order its entries are to be stored.
-struct System {
-    std::string name;
-    int n = 0;
-    std::vector<Entry> entries;
-    bool declared = false;  // true: AddIndex first, so rows come out sorted
-    std::vector<double> b;
-    std::vector<double> x;
-    int times = 30;
-    double tolerance = 1.1e-08;
-};
-
-/// Equal bits, or both not-a-number: which operand's payload survives is the compiler's choice.
+/// True if the bits are equal or both are NaN: which operand passes on its payload depends on the
+/// compiler.
 bool Same(double a, double b) {
     return (std::isnan(a) && std::isnan(b)) || std::memcmp(&a, &b, sizeof a) == 0;
 }
 
+/// Adds the entries of a system to a matrix.
 void Assemble(const System& system, CKVX_ART_SparseMatrix& A) {
     if (system.declared) {
         for (const Entry& e : system.entries) {
@@ -51,6 +35,7 @@ void Assemble(const System& system, CKVX_ART_SparseMatrix& A) {
     }
 }
 
+/// Compares entries 0..n.
 void ExpectSame(const double* ours, const double* plain, int n, const char* what) {
     for (int i = 0; i <= n; ++i) {
         ASSERT_TRUE(Same(ours[i], plain[i]))
@@ -58,6 +43,7 @@ void ExpectSame(const double* ours, const double* plain, int n, const char* what
     }
 }
 
+/// Compares the matrix, all work vectors and the figures of two solvers.
 void ExpectSameState(const CKVX_ART_MatSolver_BiCGSTAB& A, const CKVX_ART_MatSolver_BiCGSTAB& B) {
     const int n = A.rowsN;
     ExpectSame(A.r, B.r, n, "r");
@@ -77,12 +63,12 @@ void ExpectSameState(const CKVX_ART_MatSolver_BiCGSTAB& A, const CKVX_ART_MatSol
     ExpectSame(A.Aa, B.Aa, A.Ia[n + 1] - 1, "Aa");
 }
 
-/// Solves, `solves` times, each from where the one before ended, and compares everything.
-/// @return where the first solve ended
-PlainBiCGSTAB::Exit Compare(const System& system, int solves = 2) {
+/// Solves `solves` times, each time from the previous solution, and compares everything.
+/// @return the exit of the first solve
+plain::BiCGSTAB::Exit Compare(const System& system, int solves = 2) {
     SCOPED_TRACE(system.name);
     CKVX_ART_MatSolver_BiCGSTAB ours(system.n);
-    PlainBiCGSTAB plain(system.n);
+    plain::BiCGSTAB plain(system.n);
     for (CKVX_ART_MatSolver_BiCGSTAB* A :
          {&ours, static_cast<CKVX_ART_MatSolver_BiCGSTAB*>(&plain)}) {
         Assemble(system, *A);
@@ -92,7 +78,7 @@ PlainBiCGSTAB::Exit Compare(const System& system, int solves = 2) {
     std::vector<double> x = system.x;
     std::vector<double> xPlain = system.x;
 
-    PlainBiCGSTAB::Exit firstExit = PlainBiCGSTAB::kExits;
+    plain::BiCGSTAB::Exit firstExit = plain::BiCGSTAB::kExits;
     for (int solve = 0; solve < solves; ++solve) {
         EXPECT_TRUE(ours.MatSolve(system.b.data(), x.data()));
         plain.PlainMatSolve(system.b.data(), xPlain.data());
@@ -105,86 +91,9 @@ PlainBiCGSTAB::Exit Compare(const System& system, int solves = 2) {
     return firstExit;
 }
 
-class Generator {
-public:
-    explicit Generator(unsigned seed) : random(seed) {}
-
-    int Int(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
-    double Real() { return std::uniform_real_distribution<double>(-1.0, 1.0)(random); }
-    /// A small integer: sums of these are exact, so that ties and breakdowns happen.
-    double Tie() { return Int(-2, 2); }
-
-    void Shuffle(std::vector<Entry>& entries) {
-        std::shuffle(entries.begin(), entries.end(), random);
-    }
-
-    /// A right-hand side and a start.
-    void Vectors(System& system, bool ties) {
-        system.b.assign(system.n + 1, 0.0);
-        system.x.assign(system.n + 1, 0.0);
-        const bool zeroStart = Int(0, 1) == 0;
-        for (int i = 1; i <= system.n; ++i) {
-            system.b[i] = ties ? Tie() : Real();
-            system.x[i] = zeroStart ? 0.0 : ties ? Tie() : Real();
-        }
-    }
-
-    /// About `perRow` entries a row at any place, the diagonal among them.
-    System Sparse(int n, double perRow, double diagonal, bool ties) {
-        System system;
-        system.n = n;
-        std::set<std::pair<int, int>> taken;
-        for (int i = 1; i <= n; ++i) {
-            taken.insert({i, i});
-            system.entries.push_back({i, i, ties ? Tie() + diagonal : Real() + diagonal});
-        }
-        for (int k = 0; k < n * perRow; ++k) {
-            const int i = Int(1, n);
-            const int j = Int(1, n);
-            if (taken.insert({i, j}).second) {
-                system.entries.push_back({i, j, ties ? Tie() : Real()});
-            }
-        }
-        Vectors(system, ties);
-        return system;
-    }
-
-    /// The 7-point stencil on a box, convection and all.
-    System Box(int nx, int ny, int nz, double diagonal) {
-        System system;
-        system.n = nx * ny * nz;
-        system.declared = true;
-        const auto id = [&](int i, int j, int k) { return 1 + i + nx * (j + ny * k); };
-        for (int k = 0; k < nz; ++k) {
-            for (int j = 0; j < ny; ++j) {
-                for (int i = 0; i < nx; ++i) {
-                    const int row = id(i, j, k);
-                    system.entries.push_back({row, row, diagonal});
-                    const auto add = [&](bool inside, int col) {
-                        if (inside) {
-                            system.entries.push_back({row, col, -1.0 + 0.4 * Real()});
-                        }
-                    };
-                    add(i > 0, row - 1);
-                    add(i < nx - 1, row + 1);
-                    add(j > 0, row - nx);
-                    add(j < ny - 1, row + nx);
-                    add(k > 0, row - nx * ny);
-                    add(k < nz - 1, row + nx * ny);
-                }
-            }
-        }
-        Vectors(system, false);
-        return system;
-    }
-
-private:
-    std::mt19937 random;
-};
-
 class BiCGSTABAgainstPlain : public testing::TestWithParam<int> {};
 
-TEST_P(BiCGSTABAgainstPlain, RandomRowsSortedAndShuffled) {
+TEST_P(BiCGSTABAgainstPlain, SolvesRandomRowsSortedOrShuffled) {
     Generator generate(100 + GetParam());
 
     for (int trial = 0; trial < 60; ++trial) {
@@ -197,7 +106,7 @@ TEST_P(BiCGSTABAgainstPlain, RandomRowsSortedAndShuffled) {
     }
 }
 
-TEST_P(BiCGSTABAgainstPlain, NotDominantRowsThatDiverge) {
+TEST_P(BiCGSTABAgainstPlain, DivergesOnRowsThatAreNotDominant) {
     Generator generate(200 + GetParam());
 
     for (int trial = 0; trial < 60; ++trial) {
@@ -209,7 +118,7 @@ TEST_P(BiCGSTABAgainstPlain, NotDominantRowsThatDiverge) {
     }
 }
 
-TEST_P(BiCGSTABAgainstPlain, TiesBreakDownAtTheSamePlace) {
+TEST_P(BiCGSTABAgainstPlain, BreaksDownAtTheSamePlaceOnTies) {
     Generator generate(300 + GetParam());
 
     for (int trial = 0; trial < 200; ++trial) {
@@ -230,7 +139,7 @@ struct BoxSize {
 
 class BiCGSTABAgainstPlainOnBoxes : public testing::TestWithParam<BoxSize> {};
 
-TEST_P(BiCGSTABAgainstPlainOnBoxes, StencilRowsDeclaredAndInserted) {
+TEST_P(BiCGSTABAgainstPlainOnBoxes, SolvesStencilRowsDeclaredOrInserted) {
     const auto [nx, ny, nz] = GetParam();
     Generator generate(400 + nx);
     System system = generate.Box(nx, ny, nz, 6.1);
@@ -238,7 +147,7 @@ TEST_P(BiCGSTABAgainstPlainOnBoxes, StencilRowsDeclaredAndInserted) {
 
     Compare(system);
 
-    // Walked face by face, an undeclared matrix grows in no order a sweep could rely on.
+    // In a matrix that was not declared, the entries of a row stand in the order of insertion.
     if (system.n <= 1500) {
         system.name = "inserted";
         system.declared = false;
@@ -256,9 +165,9 @@ INSTANTIATE_TEST_SUITE_P(Sizes, BiCGSTABAgainstPlainOnBoxes,
                                     std::to_string(box.param.nz);
                          });
 
-TEST(BiCGSTABAgainstPlainOddities, EveryExitIsReached) {
+TEST(BiCGSTABAgainstPlainSpecialCases, EveryExitOfASolveIsReached) {
     Generator generate(1);
-    std::set<PlainBiCGSTAB::Exit> reached;
+    std::set<plain::BiCGSTAB::Exit> reached;
     constexpr double scales[] = {1.0, 1e-16, 1e-30, 1e16, 1e100};
 
     for (int trial = 0; trial < 4000; ++trial) {
@@ -277,10 +186,10 @@ TEST(BiCGSTABAgainstPlainOddities, EveryExitIsReached) {
         reached.insert(Compare(system));
     }
 
-    EXPECT_EQ(reached.size(), static_cast<std::size_t>(PlainBiCGSTAB::kExits));
+    EXPECT_EQ(reached.size(), static_cast<std::size_t>(plain::BiCGSTAB::kExits));
 }
 
-TEST(BiCGSTABAgainstPlainOddities, NotANumberAndInfinity) {
+TEST(BiCGSTABAgainstPlainSpecialCases, NaNAndInfinityInTheDataGiveTheSameBits) {
     Generator generate(2);
 
     for (double odd : {std::numeric_limits<double>::quiet_NaN(),
@@ -299,7 +208,7 @@ TEST(BiCGSTABAgainstPlainOddities, NotANumberAndInfinity) {
     }
 }
 
-TEST(BiCGSTABAgainstPlainOddities, SumsThatAreMinusZeroWithoutTheirStart) {
+TEST(BiCGSTABAgainstPlainSpecialCases, SumsOfNegativeZerosGiveTheSameBits) {
     Generator generate(6);
     const double values[] = {0.0, -0.0, 1.0, -1.0, 1e-200, -1e-200};
     const auto value = [&] { return values[generate.Int(0, 5)]; };
@@ -320,7 +229,7 @@ TEST(BiCGSTABAgainstPlainOddities, SumsThatAreMinusZeroWithoutTheirStart) {
     }
 }
 
-TEST(BiCGSTABAgainstPlainOddities, AnEmptyRowThatPassesByItsNeighbour) {
+TEST(BiCGSTABAgainstPlainSpecialCases, AnEmptyRowIsAcceptedIfTheNextRowStartsWithItsColumn) {
     System system;
     system.n = 4;
     system.b = {0.0, 1.0, 2.0, 3.0, 4.0};
@@ -329,15 +238,15 @@ TEST(BiCGSTABAgainstPlainOddities, AnEmptyRowThatPassesByItsNeighbour) {
     system.name = "row 2 empty";
     system.entries = {{1, 1, 3.0}, {1, 2, 1.0}, {3, 2, 4.0}, {3, 3, 5.0},
                       {3, 4, 1.0}, {4, 1, 2.0}, {4, 4, 6.0}};
-    Compare(system, 1);  // the move of the diagonals takes row 2 its pass
+    Compare(system, 1);  // once only: afterwards row 3 starts with its own diagonal
 
-    // Behind the front entry of the next row stands a column below the empty row.
+    // The next row has a column below the empty row after its first entry.
     system.name = "row 3 empty";
     system.entries = {{1, 1, 3.0}, {2, 2, 4.0}, {2, 1, 1.0}, {4, 3, 2.0}, {4, 1, 5.0}, {4, 4, 6.0}};
     Compare(system, 1);
 }
 
-TEST(BiCGSTABAgainstPlainOddities, ThePreconditionerAloneOnAnyOrderOfRows) {
+TEST(BiCGSTABAgainstPlainSpecialCases, ThePreconditionerAloneWorksOnAnyOrderOfEntries) {
     Generator generate(3);
 
     for (int trial = 0; trial < 200; ++trial) {
@@ -346,7 +255,7 @@ TEST(BiCGSTABAgainstPlainOddities, ThePreconditionerAloneOnAnyOrderOfRows) {
         std::stable_partition(system.entries.begin(), system.entries.end(),
                               [](const Entry& e) { return e.row == e.col; });
         CKVX_ART_MatSolver_BiCGSTAB ours(system.n);
-        PlainBiCGSTAB plain(system.n);
+        plain::BiCGSTAB plain(system.n);
         Assemble(system, ours);
         Assemble(system, plain);
 
@@ -359,13 +268,13 @@ TEST(BiCGSTABAgainstPlainOddities, ThePreconditionerAloneOnAnyOrderOfRows) {
     }
 }
 
-TEST(BiCGSTABAgainstPlainOddities, ARowThatStoresAColumnTwice) {
+TEST(BiCGSTABAgainstPlainSpecialCases, ARowMayStoreAColumnTwice) {
     Generator generate(4);
 
     for (int trial = 0; trial < 100; ++trial) {
         const System system = generate.Sparse(generate.Int(3, 20), 5.0, 3.0, false);
         CKVX_ART_MatSolver_BiCGSTAB ours(system.n);
-        PlainBiCGSTAB plain(system.n);
+        plain::BiCGSTAB plain(system.n);
         Assemble(system, ours);
         Assemble(system, plain);
         const int row = generate.Int(1, system.n);
@@ -382,7 +291,7 @@ TEST(BiCGSTABAgainstPlainOddities, ARowThatStoresAColumnTwice) {
     }
 }
 
-TEST(BiCGSTABAgainstPlainOddities, ThePreconditionerAloneOnMoreColumnsThanRows) {
+TEST(BiCGSTABAgainstPlainSpecialCases, ThePreconditionerAloneIgnoresColumnsAboveTheRows) {
     Generator generate(5);
 
     for (int trial = 0; trial < 100; ++trial) {
@@ -392,7 +301,7 @@ TEST(BiCGSTABAgainstPlainOddities, ThePreconditionerAloneOnMoreColumnsThanRows) 
             system.entries.push_back({row, system.n + generate.Int(1, 3), generate.Real()});
         }
         CKVX_ART_MatSolver_BiCGSTAB ours(system.n, system.n + 3);
-        PlainBiCGSTAB plain(system.n, system.n + 3);
+        plain::BiCGSTAB plain(system.n, system.n + 3);
         Assemble(system, ours);
         Assemble(system, plain);
 

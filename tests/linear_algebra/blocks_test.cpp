@@ -7,13 +7,13 @@
 #include "tests/linear_algebra/filled_systems.h"
 #include "tests/support/allocation_recorder.h"
 
-// What the matrices allocate: lengths, and what a failed allocation leaves.
+// The allocations of the matrices: their lengths, and the state after a failed one.
 
 namespace {
 
 using Bytes = std::vector<std::size_t>;
 
-TEST(SparseMatrixBlocks, HaveTheLengthsThatTheRowStartsTell) {
+TEST(SparseMatrixBlocks, HaveTheLengthsGivenByTheRowStarts) {
     AllocationRecorder blocks;
     CKVX_ART_SparseMatrix A(3, 5);
     A.AddIndex(1, 2);
@@ -28,10 +28,10 @@ TEST(SparseMatrixBlocks, HaveTheLengthsThatTheRowStartsTell) {
     EXPECT_EQ(blocks.SizeOf(A.Ja), 4 * sizeof(int));
     EXPECT_EQ(blocks.SizeOf(A.Aa), 4 * sizeof(double));
     EXPECT_EQ(blocks.LiveBlocks(), 3);
-    EXPECT_EQ(blocks.Sizes().size(), 5u);  // two arrays a compression, two an insertion
+    EXPECT_EQ(blocks.Sizes().size(), 5u);  // two arrays per compression, two per insertion
 }
 
-TEST(SparseMatrixBlocks, AllGoWithTheObject) {
+TEST(SparseMatrixBlocks, AllAreReleasedWithTheObject) {
     AllocationRecorder blocks;
     {
         CKVX_ART_SparseMatrix A(2);
@@ -44,7 +44,7 @@ TEST(SparseMatrixBlocks, AllGoWithTheObject) {
     EXPECT_EQ(blocks.LiveBlocks(), 0);
 }
 
-TEST(SparseMatrixBlocks, AFailedInsertionLeavesTheArraysAndKeepsThePositionInTheSet) {
+TEST(SparseMatrixBlocks, AFailedInsertionKeepsTheArraysAndThePositionInTheSet) {
     AllocationRecorder blocks;
     for (int succeed : {0, 1}) {
         CKVX_ART_SparseMatrix A(2);
@@ -72,7 +72,7 @@ TEST(SparseMatrixBlocks, AFailedCompressionCanBeDestroyed) {
     EXPECT_EQ(blocks.LiveBlocks(), 0);
 }
 
-TEST(BiCGSTABBlocks, AreTheTenVectorsBehindTheRowStarts) {
+TEST(BiCGSTABBlocks, AreTheTenVectorsAfterTheRowStarts) {
     AllocationRecorder blocks;
     {
         CKVX_ART_MatSolver_BiCGSTAB A(3, 7);

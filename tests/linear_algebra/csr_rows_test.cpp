@@ -7,7 +7,7 @@
 
 namespace {
 
-using KVX3DART::PositionOf;
+using kvx3d::detail::PositionOf;
 
 TEST(PositionOf, EveryColumnOfEveryRowLengthIsFound) {
     for (int length = 0; length <= 40; ++length) {
@@ -21,7 +21,7 @@ TEST(PositionOf, EveryColumnOfEveryRowLengthIsFound) {
     }
 }
 
-TEST(PositionOf, AnUnknownColumnAnswersZero) {
+TEST(PositionOf, AnUnknownColumnGivesZero) {
     for (int length = 0; length <= 40; ++length) {
         const std::vector<int> Ja(length + 1, 5);
 
@@ -29,7 +29,7 @@ TEST(PositionOf, AnUnknownColumnAnswersZero) {
     }
 }
 
-TEST(PositionOf, EntriesOfTheNeighbouringRowsAreNotSeen) {
+TEST(PositionOf, EntriesOfTheNeighboringRowsAreIgnored) {
     std::vector<int> Ja(60, 5);
     std::fill(Ja.begin() + 20, Ja.begin() + 40, 7);
 
@@ -37,7 +37,7 @@ TEST(PositionOf, EntriesOfTheNeighbouringRowsAreNotSeen) {
     EXPECT_EQ(PositionOf(7, Ja.data(), 20, 40), 20);
 }
 
-TEST(PositionOf, TheFirstOfEqualEntriesWins) {
+TEST(PositionOf, TheFirstOfEqualEntriesIsFound) {
     for (int firstAt = 1; firstAt <= 30; ++firstAt) {
         std::vector<int> Ja(32, 0);
         std::fill(Ja.begin() + firstAt, Ja.end(), 9);
@@ -49,7 +49,7 @@ TEST(PositionOf, TheFirstOfEqualEntriesWins) {
 TEST(RowProduct, AnEmptyRowReadsNeitherColumnsNorValues) {
     const int Ia[] = {0, 1, 1};
 
-    EXPECT_EQ(KVX3DART::RowProduct({1, Ia, nullptr, nullptr}, 1, nullptr), 0.0);
+    EXPECT_EQ(kvx3d::detail::RowProduct({1, Ia, nullptr, nullptr}, 1, nullptr), 0.0);
 }
 
 TEST(RowProduct, ProductsAreAddedInStorageOrderFromZero) {
@@ -65,7 +65,8 @@ TEST(RowProduct, ProductsAreAddedInStorageOrderFromZero) {
             sum += x[Ja[k]] * Aa[k];
         }
 
-        EXPECT_EQ(KVX3DART::RowProduct({1, Ia, Ja.data(), Aa.data()}, 1, x.data()), sum) << length;
+        EXPECT_EQ(kvx3d::detail::RowProduct({1, Ia, Ja.data(), Aa.data()}, 1, x.data()), sum)
+            << length;
     }
 }
 

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-/// A 1-based matrix with the row table that the solver reads.
+/// A 1-based matrix with the table of rows that the solver reads.
 class Matrix {
 public:
     Matrix(int rows, int cols) : cells(rows + 1, std::vector<double>(cols + 1, 0.0)) {
@@ -31,7 +31,7 @@ private:
     std::vector<double*> table;
 };
 
-/// Diagonally dominant with fixed random entries: no pivoting needed.
+/// Fills A with fixed random entries, diagonally dominant, so that no pivoting is needed.
 inline void FillDominant(Matrix& A, int n, unsigned seed) {
     std::mt19937 random(seed);
     std::uniform_real_distribution<double> number(-1.0, 1.0);

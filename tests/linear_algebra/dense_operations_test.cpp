@@ -24,7 +24,7 @@ using DensePrinting = DenseOperations;
 
 // Inverse
 
-TEST_F(DenseInverse, TwoByTwoByHand) {
+TEST_F(DenseInverse, InvertsTwoByTwoByHand) {
     Matrix A({{4, 2}, {2, 2}});
     Matrix inverse(2, 2);
 
@@ -35,7 +35,7 @@ TEST_F(DenseInverse, TwoByTwoByHand) {
     EXPECT_EQ(A.Row(1), (Doubles{4, 2}));
 }
 
-TEST_F(DenseInverse, LeavesTheOutputOfASingleNumberAlone) {
+TEST_F(DenseInverse, DoesNotChangeTheOutputForOneByOne) {
     Matrix A({Doubles{4}});
     Matrix inverse({Doubles{9}});
 
@@ -67,7 +67,7 @@ TEST_F(DenseInverse, TimesTheMatrixIsTheIdentity) {
                 for (int k = 1; k <= n; ++k) {
                     sum += A[i][k] * inverse[k][j];
                 }
-                // Dominant by a factor near 2: a few rounding errors an entry.
+                // The matrix is dominant by a factor near 2: a few rounding errors per entry.
                 ASSERT_NEAR(sum, i == j ? 1.0 : 0.0, 1e-13) << n << ": " << i << ", " << j;
             }
         }
@@ -82,7 +82,7 @@ TEST_F(DenseInverse, MayOverwriteTheMatrix) {
     EXPECT_EQ(A.Row(2), (Doubles{-0.5, 1.0}));
 }
 
-/// The inverse of A, step by step on a block indexed from 0, one loop a step.
+/// The inverse of A in its simplest form: one loop per step, on a block indexed from 0.
 std::vector<Doubles> PlainInverse(const Matrix& A, int n) {
     std::vector<Doubles> m;
     for (int i = 1; i <= n; ++i) {
@@ -164,7 +164,7 @@ TEST_F(DenseInverse, HasTheBitsOfThePlainLoops) {
 
 // Product
 
-TEST_F(DenseProduct, ByHand) {
+TEST_F(DenseProduct, MultipliesByHand) {
     Matrix A({{1, 2, 3}, {4, 5, 6}});
     Matrix B({{1, 0}, {0, 1}, {2, 2}});
     Matrix C(2, 2);
@@ -208,7 +208,7 @@ std::string Printed(Call call) {
 
 const std::string kRule = "----------------------------------------\n";
 
-TEST_F(DensePrinting, MatrixInFieldsOfTen) {
+TEST_F(DensePrinting, PrintsAMatrixInFieldsOfWidthTen) {
     Matrix A({{1, -2.5, 1.0 / 3.0}, {1e-20, 0, 1234567}});
 
     EXPECT_EQ(Printed([&] { dense.CheckMatrix(A, 2, 3); }),
@@ -218,7 +218,7 @@ TEST_F(DensePrinting, MatrixInFieldsOfTen) {
               "</Matrix>\n");
 }
 
-TEST_F(DensePrinting, SystemUnderItsTwoHeadings) {
+TEST_F(DensePrinting, PrintsASystemUnderTwoHeadings) {
     Matrix A({{1, 2}, {3, 4}});
     double rhs[] = {0.0, 0.5, -0.25};
 
@@ -230,7 +230,7 @@ TEST_F(DensePrinting, SystemUnderItsTwoHeadings) {
                                                                   "     -0.25\n");
 }
 
-TEST_F(DensePrinting, CompressedRowsWithTheirZeros) {
+TEST_F(DensePrinting, PrintsCompressedRowsWithTheirZeros) {
     Matrix A({{-1, 0}, {3, 4}});
 
     EXPECT_EQ(Printed([&] { dense.CheckCSR(A, 2); }), kRule + "NonZeroData\n" + kRule +

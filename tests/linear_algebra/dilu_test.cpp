@@ -12,7 +12,7 @@ namespace {
 using Solver = CKVX_ART_MatSolver_BiCGSTAB;
 using Vector = std::vector<double>;  // 1-based, entry 0 unused
 
-TEST(DILU, ModifiesTheDiagonalByStoredPairsOnly) {
+TEST(DILU, StoredPairsModifyTheDiagonal) {
     Solver A(3);
     Fill(A, {{2, 1, 0}, {4, 3, 5}, {0, 6, 7}});
     Vector D(4);
@@ -39,7 +39,7 @@ TEST(DILU, AnEntryWithoutItsTransposeChangesNothing) {
     EXPECT_EQ(D[2], 0.25);
 }
 
-TEST(DILU, AZeroDiagonalInvertsToTheInverseOfTheGuard) {
+TEST(DILU, AZeroDiagonalGivesTheInverseOfTheGuard) {
     Solver A(1);
     A.AddElementValue(1, 1, 0.0);
     Vector D(2);
@@ -49,7 +49,7 @@ TEST(DILU, AZeroDiagonalInvertsToTheInverseOfTheGuard) {
     EXPECT_EQ(D[1], 1.0 / 1e-30);
 }
 
-TEST(DILU, ColumnsBeyondTheRowsAreLeftOut) {
+TEST(DILU, ColumnsAboveTheRowsAreIgnored) {
     Solver A(2, 4);
     for (auto [row, col, value] : {std::tuple{1, 1, 2.0},
                                    {1, 2, 1.0},
@@ -71,7 +71,7 @@ TEST(DILU, ColumnsBeyondTheRowsAreLeftOut) {
     EXPECT_EQ(result[1], 0.5 - result[2] * 0.5);
 }
 
-TEST(DILU, SweepsByHand) {
+TEST(DILU, SweepsGiveTheValuesComputedByHand) {
     Solver A(3);
     for (auto [row, col, value] : {std::tuple{1, 1, 2.0},
                                    {1, 2, 1.0},
@@ -126,7 +126,9 @@ TEST(DILU, SweepsAddInStorageOrder) {
 
     A.SolveDILU(D.data(), rhs.data(), result.data());
 
-    EXPECT_EQ(A.y[4], 1.0);  // in ascending order the lone 1 would survive and leave 0
+    EXPECT_EQ(
+        A.y[4],
+        1.0);  // in ascending order of columns the 1 would not be rounded away, and the result be 0
     EXPECT_EQ(result[1], 1.0);
 }
 

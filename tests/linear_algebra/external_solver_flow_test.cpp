@@ -6,14 +6,14 @@
 #include "linear_algebra/solver_dense.h"
 #include "linear_algebra/solver_samg.h"
 
-// Whole flows through the real external library.
+// Whole solves with the real external library.
 
 namespace {
 
 using Vector = std::vector<double>;
 
-/// The 5-point stencil on an m by m plate; every third row times -1, so that its diagonal is
-/// negative.
+/// The 5-point stencil on an m by m plate, with every third row multiplied by -1, so that its
+/// diagonal is negative.
 void FillPlate(CKVX_ART_SparseMatrix& A, int m) {
     for (int j = 0; j < m; ++j) {
         for (int i = 0; i < m; ++i) {
@@ -33,7 +33,7 @@ void FillPlate(CKVX_ART_SparseMatrix& A, int m) {
     }
 }
 
-TEST(ExternalSolverFlow, FrontSolvesAPlateWithNegativeRows) {
+TEST(ExternalSolverFlow, TheSAMGFrontSolvesAPlateWithNegativeRows) {
     constexpr int m = 24;
     CKVX_ART_MatSolver_SAMG A(m * m);
     FillPlate(A, m);
@@ -50,7 +50,7 @@ TEST(ExternalSolverFlow, FrontSolvesAPlateWithNegativeRows) {
     EXPECT_TRUE(A.MatSolve(b.data(), x.data()));
 
     for (int i = 1; i <= m * m; ++i) {
-        // The library stops at 1.1e-8 of |b|; rows are dominant by 0.5.
+        // The library stops at a residual of 1.1e-8 |b|, and the rows are dominant by 0.5.
         ASSERT_NEAR(x[i], exact[i], 1e-5) << i;
     }
 }
@@ -77,7 +77,7 @@ TEST_P(DenseFlow, SolvesADominantSystem) {
     EXPECT_EQ(dense.SolveDenseMatrix(A.data(), rhs.data(), n, x.data()), 0);
 
     for (int i = 1; i <= n; ++i) {
-        // The external path stops at 1.1e-6 of |rhs|, which is about 2 n x, with x up to n.
+        // The library stops at a residual of 1.1e-6 |rhs|; |rhs| is about 2 n x, with x up to n.
         EXPECT_NEAR(x[i], i, 1e-5 * n) << i;
     }
 }

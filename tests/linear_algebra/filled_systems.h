@@ -6,7 +6,7 @@
 
 #include "linear_algebra/sparse_matrix.h"
 
-/// Fills a square matrix from rows of values; zeros are not stored unless on the diagonal.
+/// Fills a square matrix from rows of values. Zeros are stored only on the diagonal.
 inline void Fill(CKVX_ART_SparseMatrix& A, const std::vector<std::vector<double>>& rows) {
     for (std::size_t i = 1; i <= rows.size(); ++i) {
         for (std::size_t j = 1; j <= rows.size(); ++j) {
@@ -18,8 +18,8 @@ inline void Fill(CKVX_ART_SparseMatrix& A, const std::vector<std::vector<double>
     }
 }
 
-/// Couples each row with its neighbours at distance 1 and 7, as on a plate 7 cells wide: DILU is
-/// not exact on it, so a solve takes several iterations.
+/// Couples each row with its neighbors at distances 1 and 7, as on a plate 7 cells wide. DILU is
+/// not exact for it, so a solve takes several iterations.
 inline void FillPlate(CKVX_ART_SparseMatrix& A, double lower, double diagonal, double upper) {
     const int n = A.GetRowsN();
     for (int i = 1; i <= n; ++i) {

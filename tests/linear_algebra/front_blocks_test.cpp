@@ -8,14 +8,14 @@
 #include "tests/linear_algebra/recording_matrix_solver.h"
 #include "tests/support/allocation_recorder.h"
 
-// What the classes in front of the external solver allocate, and what they leave.
+// The allocations of the classes in front of the external solver, and what they do not release.
 
 namespace {
 
 using Bytes = std::vector<std::size_t>;
 using Doubles = std::vector<double>;
 
-TEST(SAMGBlocks, TheCopyOfTheValuesFollowsTheEntryCount) {
+TEST(SAMGBlocks, TheCopyOfTheValuesHasTheNumberOfEntries) {
     AllocationRecorder blocks;
     {
         CKVX_ART_MatSolver_SAMG A(3);
@@ -46,7 +46,7 @@ TEST(SAMGBlocks, TheCopyOfTheValuesFollowsTheEntryCount) {
     EXPECT_EQ(blocks.LiveBlocks(), 0);
 }
 
-TEST(DenseBlocks, AnExternalSolveTakesFourAndReturnsThem) {
+TEST(DenseBlocks, AnExternalSolveAllocatesFourAndReleasesThem) {
     for (int n : {0, 1, 2, 19}) {
         Matrix A(n, n);
         FillDominant(A, n, 8);
@@ -63,7 +63,7 @@ TEST(DenseBlocks, AnExternalSolveTakesFourAndReturnsThem) {
     }
 }
 
-TEST(DenseBlocks, AnEliminationTakesNone) {
+TEST(DenseBlocks, AnEliminationAllocatesNone) {
     Matrix A(18, 18);
     FillDominant(A, 18, 8);
     Doubles rhs(19, 1.0);
@@ -75,7 +75,7 @@ TEST(DenseBlocks, AnEliminationTakesNone) {
     EXPECT_TRUE(blocks.Sizes().empty());
 }
 
-TEST(DenseBlocks, AnInversionLeavesItsWorkBlock) {
+TEST(DenseBlocks, AnInversionDoesNotReleaseItsWorkBlock) {
     for (int n : {1, 2, 5}) {
         Matrix A(n, n);
         FillDominant(A, n, 8);
@@ -89,7 +89,7 @@ TEST(DenseBlocks, AnInversionLeavesItsWorkBlock) {
     }
 }
 
-TEST(DenseBlocks, AProductLeavesTheLastRowOfItsTable) {
+TEST(DenseBlocks, AProductDoesNotReleaseTheLastRowOfItsTable) {
     Matrix A(2, 3);
     Matrix B(3, 4);
     Matrix C(2, 4);

@@ -6,7 +6,7 @@
 
 #include "linear_algebra/sparse_matrix.h"
 
-/// What the tests of the sparse matrix compare: stored rows, and messages.
+// Helpers for the tests of the sparse matrix: stored rows, and messages of exceptions.
 
 using Ints = std::vector<int>;
 using Doubles = std::vector<double>;
@@ -23,7 +23,7 @@ inline Ints RowStarts(const CKVX_ART_SparseMatrix& A) {
     return {A.Ia, A.Ia + A.rowsN + 2};
 }
 
-/// The message of what `call` throws as an E, or a note that it did not.
+/// The message of the exception of type E that `call` throws, or a note that it throws none.
 template <typename E, typename Call>
 std::string MessageOf(Call call) {
     try {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// What one call of solveMatrix() was given. Vectors are copies taken at the call.
+/// The arguments of one call of solveMatrix(). Vectors are copies made during the call.
 struct RecordedSolve {
     int n;
     int nonZeroN;
@@ -23,8 +23,8 @@ struct RecordedSolve {
     int mode;
 };
 
-/// What the solver objects of this program have been asked. The stand-in library of these tests
-/// solves nothing: it writes `answer` into x, if there is one, and returns `status`.
+/// The calls of the solver objects in this program. The replacement of the library in these tests
+/// does not solve: it copies `answer` to x, if there is one, and returns `status`.
 struct SolverRecord {
     std::vector<std::string> names;  // one for each object created
     int destroyed = 0;
@@ -34,7 +34,7 @@ struct SolverRecord {
     int status = 0;
 };
 
-/// The record of the test that runs; assign SolverRecord{} to start anew.
+/// The record of the current test; assign SolverRecord{} to clear it.
 SolverRecord& TheRecord();
 
 #endif

@@ -19,7 +19,7 @@ using Vector = std::vector<double>;  // 1-based, entry 0 unused
 
 // The object
 
-TEST(BiCGSTABObject, MembersFollowTheBaseInTheirOrder) {
+TEST(BiCGSTABObject, MembersFollowThoseOfTheBaseInOrder) {
     Solver A(1);
     const void* members[] = {&A.tolerance, &A.times, &A.r, &A.rHat, &A.D, &A.p,     &A.pHat,
                              &A.v,         &A.y,     &A.s, &A.sHat, &A.t, &A.Rnorm, &A.iterTimes};
@@ -42,7 +42,7 @@ TEST(BiCGSTABObject, HasItsDefaults) {
     EXPECT_TRUE((std::is_same_v<decltype(A.GetIterTimes()), double>));
 }
 
-TEST(BiCGSTABObject, VectorsAreZeroWithTheRowCountInSlotZeroButForPHat) {
+TEST(BiCGSTABObject, VectorsAreZeroWithTheRowCountInSlotZeroExceptInPHat) {
     Solver A(3, 5);
 
     for (const double* vector : {A.r, A.rHat, A.D, A.p, A.v, A.y, A.s, A.sHat, A.t}) {
@@ -51,7 +51,7 @@ TEST(BiCGSTABObject, VectorsAreZeroWithTheRowCountInSlotZeroButForPHat) {
     EXPECT_EQ(Vector(A.pHat, A.pHat + 4), (Vector{0.0, 0.0, 0.0, 0.0}));
 }
 
-TEST(BiCGSTABObject, SetUpAgainTakesNewVectorsAndDropsTheOld) {
+TEST(BiCGSTABObject, ASecondSetUpAllocatesNewVectorsAndLosesTheOldOnes) {
     Solver A(2);
     std::vector<std::unique_ptr<double[]>> dropped;
     for (double* vector : {A.r, A.rHat, A.D, A.p, A.pHat, A.v, A.y, A.s, A.sHat, A.t}) {
@@ -79,7 +79,7 @@ TEST(BiCGSTABObject, CopySharesEveryVector) {
     EXPECT_EQ(copy->Ia, A.Ia);
 }
 
-TEST(BiCGSTABObject, SettersAreRead) {
+TEST(BiCGSTABObject, GettersReturnWhatTheSettersStored) {
     Solver A(1);
 
     A.SetTolerance(0.5);
@@ -91,9 +91,9 @@ TEST(BiCGSTABObject, SettersAreRead) {
     EXPECT_EQ(A.GetTimes(), 9);
 }
 
-// The ends of a solve
+// The exits of a solve
 
-TEST(BiCGSTABSolve, AStartThatSolvesReturnsBeforeTheFactorisation) {
+TEST(BiCGSTABSolve, AnExactFirstGuessReturnsBeforeTheFactorization) {
     Solver A(2);
     Fill(A, {{2, 1}, {1, 3}});
     Vector x{0.0, 1.0, 2.0};
@@ -109,7 +109,7 @@ TEST(BiCGSTABSolve, AStartThatSolvesReturnsBeforeTheFactorisation) {
     EXPECT_EQ(x, (Vector{0.0, 1.0, 2.0}));
 }
 
-TEST(BiCGSTABSolve, ANormBelowTheGuardIsStoredAsItIs) {
+TEST(BiCGSTABSolve, ANormBelowTheGuardIsStored) {
     Solver A(1);
     A.AddElementValue(1, 1, 1.0);
     Vector x(2);
@@ -121,7 +121,7 @@ TEST(BiCGSTABSolve, ANormBelowTheGuardIsStoredAsItIs) {
     EXPECT_EQ(x[1], 0.0);
 }
 
-TEST(BiCGSTABSolve, NoTimesFormsResidualsAndFactorisationAlone) {
+TEST(BiCGSTABSolve, WithTimesZeroOnlyResidualsAndFactorizationAreComputed) {
     Solver A(2);
     Fill(A, {{2, 1}, {1, 3}});
     Vector x{0.0, 1.0, 1.0};
@@ -142,7 +142,7 @@ TEST(BiCGSTABSolve, NoTimesFormsResidualsAndFactorisationAlone) {
     EXPECT_EQ(A.GetRnorm(), 5.0);
 }
 
-TEST(BiCGSTABSolve, OneTimeIsOneIterationAndItsNorm) {
+TEST(BiCGSTABSolve, WithTimesOneThereIsOneIterationWithItsNorm) {
     Solver A(30);
     FillPlate(A, -1.0, 5.0, -0.9);
     Vector x(31);
@@ -170,7 +170,7 @@ TEST(BiCGSTABSolve, StopsRelativeToTheNormAfterTheFirstIteration) {
 
     A.MatSolve(b.data(), x.data());
 
-    EXPECT_EQ(A.GetIterTimes(), 1.0);  // the first norm is not above itself, whatever |b| is
+    EXPECT_EQ(A.GetIterTimes(), 1.0);  // the first norm is its own reference, whatever |b| is
 }
 
 TEST(BiCGSTABSolve, RnormIsNotTheFinalNorm) {
@@ -189,7 +189,7 @@ TEST(BiCGSTABSolve, RnormIsNotTheFinalNorm) {
     EXPECT_LE(std::sqrt(sum), A.GetRnorm() * A.GetTolerance());
 }
 
-TEST(BiCGSTABSolve, AVanishingSKeepsTheAlphaStepAndTheOldFigures) {
+TEST(BiCGSTABSolve, AVanishingSKeepsTheAlphaStepAndTheFiguresOfTheLastSolve) {
     Solver A(1);
     A.AddElementValue(1, 1, 2.0);
     Vector x(2);
@@ -197,7 +197,7 @@ TEST(BiCGSTABSolve, AVanishingSKeepsTheAlphaStepAndTheOldFigures) {
     A.iterTimes = 8;
     A.Rnorm = 5.0;
 
-    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));  // exact after the alpha step: tt is 0
+    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));  // exact after the step by alpha, so tt is 0
 
     EXPECT_EQ(x[1], 2.0);
     EXPECT_EQ(A.s[1], 0.0);
@@ -205,27 +205,28 @@ TEST(BiCGSTABSolve, AVanishingSKeepsTheAlphaStepAndTheOldFigures) {
     EXPECT_EQ(A.GetRnorm(), 5.0);
 }
 
-TEST(BiCGSTABSolve, AVanishingRhoReturnsAfterTheFactorisation) {
+TEST(BiCGSTABSolve, AVanishingRhoReturnsAfterTheFactorization) {
     Solver A(1);
     A.AddElementValue(1, 1, 2.0);
     Vector x(2);
     Vector b{0.0, 1e-20};
 
-    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));  // norm 1e-20 passes, its square does not
+    EXPECT_TRUE(A.MatSolve(b.data(),
+                           x.data()));  // the norm 1e-20 is above the zero test, its square is not
 
     EXPECT_EQ(A.D[1], 0.5);
     EXPECT_EQ(A.p[1], 0.0);
     EXPECT_EQ(x[1], 0.0);
 }
 
-TEST(BiCGSTABSolve, AVanishingSigmaReturnsBeforeXIsTouched) {
+TEST(BiCGSTABSolve, AVanishingSigmaReturnsBeforeXIsChanged) {
     Solver A(2);
     A.AddIndex(1, 1);
     A.AddIndex(2, 2);
     Vector x{0.0, 1.0, 2.0};
     Vector b{0.0, 4.0, 7.0};
 
-    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));  // declared, not filled: compressed to all zeros
+    EXPECT_TRUE(A.MatSolve(b.data(), x.data()));  // declared but not filled, so all values are zero
 
     EXPECT_TRUE(A.compressed);
     EXPECT_EQ(A.D[1], 1.0 / 1e-30);
@@ -247,7 +248,7 @@ TEST(BiCGSTABSolve, AZeroRowWithItsDiagonalStoredDoesNotFail) {
     EXPECT_EQ(x, (Vector{0.0, 2.0, 0.0}));
 }
 
-TEST(BiCGSTABSolve, AMissingDiagonalThrowsBeforeXIsTouched) {
+TEST(BiCGSTABSolve, AMissingDiagonalThrowsBeforeXIsChanged) {
     Solver A(2);
     A.AddElementValue(1, 1, 1.0);
     A.AddElementValue(2, 1, 1.0);
@@ -266,7 +267,7 @@ TEST(BiCGSTABSolve, AMissingDiagonalThrowsBeforeXIsTouched) {
     EXPECT_EQ(A.r[1], 0.0);
 }
 
-TEST(BiCGSTABSolve, NoRowsAreSolved) {
+TEST(BiCGSTABSolve, AMatrixWithoutRowsIsSolvedAtOnce) {
     Solver A(0);
     Vector x(1);
     A.Rnorm = 5.0;
@@ -276,7 +277,7 @@ TEST(BiCGSTABSolve, NoRowsAreSolved) {
     EXPECT_EQ(A.GetRnorm(), 0.0);
 }
 
-TEST(BiCGSTABSolve, ASecondSolveFactorisesAgainAndTakesItsOwnNorm) {
+TEST(BiCGSTABSolve, ASecondSolveFactorizesAgainAndUsesItsOwnNorm) {
     Solver A(30);
     FillPlate(A, -1.0, 5.0, -1.5);
     Vector b(31, 1.0);
@@ -300,7 +301,7 @@ TEST(BiCGSTABSolve, ASecondSolveFactorisesAgainAndTakesItsOwnNorm) {
     EXPECT_EQ(x, y);
 }
 
-TEST(BiCGSTABSolve, NotANumberRunsUntilTheTimesAreExhausted) {
+TEST(BiCGSTABSolve, NaNIteratesUntilTimesIsReached) {
     Solver A(3);
     FillPlate(A, -1.0, 3.0, -1.0);
     Vector b{0.0, 1.0, std::numeric_limits<double>::quiet_NaN(), 1.0};
@@ -314,7 +315,7 @@ TEST(BiCGSTABSolve, NotANumberRunsUntilTheTimesAreExhausted) {
     EXPECT_TRUE(std::isnan(x[1]));
 }
 
-TEST(BiCGSTABSolve, SolvesWhatItIsGiven) {
+TEST(BiCGSTABSolve, SolvesRandomDominantSystems) {
     constexpr int n = 400;
     Solver A(n);
     FillPlate(A, -1.2, 5.0, -1.0);
@@ -331,7 +332,8 @@ TEST(BiCGSTABSolve, SolvesWhatItIsGiven) {
     A.MatSolve(b.data(), x.data());
 
     for (int i = 1; i <= n; ++i) {
-        // The stop is at 1.1e-8 of the first norm, which is below 1; the rows are dominant by 0.6.
+        // The solver stops at 1.1e-8 times the first norm, which is below 1, and the rows are
+        // dominant by 0.6.
         ASSERT_NEAR(x[i], exact[i], 1e-6) << i;
     }
 }

@@ -8,20 +8,14 @@
 #include <vector>
 
 #include "tests/linear_algebra/dense_matrix.h"
-#include "tests/linear_algebra/private_access.h"
 #include "tests/linear_algebra/recording_matrix_solver.h"
+#include "tests/support/private_access.h"
 
-struct TheElimination {
-    using Type = void (CKVX_ACMT_MatSolver_Dense::*)(int, double**, double*, double*);
-    friend Type Private(TheElimination);
-};
-template struct Expose<TheElimination, &CKVX_ACMT_MatSolver_Dense::GaussElimination>;
+KVX3D_EXPOSE(TheElimination, &CKVX_ACMT_MatSolver_Dense::GaussElimination,
+             void (CKVX_ACMT_MatSolver_Dense::*)(int, double**, double*, double*));
 
-struct TheConversion {
-    using Type = bool (CKVX_ACMT_MatSolver_Dense::*)(double**, int);
-    friend Type Private(TheConversion);
-};
-template struct Expose<TheConversion, &CKVX_ACMT_MatSolver_Dense::MatrixToCSR>;
+KVX3D_EXPOSE(TheConversion, &CKVX_ACMT_MatSolver_Dense::MatrixToCSR,
+             bool (CKVX_ACMT_MatSolver_Dense::*)(double**, int));
 
 namespace {
 
@@ -51,7 +45,7 @@ TEST_F(DenseSolverObject, HasItsDefaults) {
     EXPECT_TRUE(std::has_virtual_destructor_v<Dense>);
 }
 
-TEST_F(DenseSolverObject, MembersStandInTheirOrder) {
+TEST_F(DenseSolverObject, MembersAreInTheirOrder) {
     const void* members[] = {
         &dense.Ia,       &dense.Ja,    &dense.Aa,    &dense.tolerance,   &dense.maxIterations,
         &dense.nonZeroN, &dense.rowsN, &dense.colsN, &dense.gaussMatrix, &dense.gaussSolution,
@@ -120,7 +114,7 @@ TEST_F(DenseElimination, ColumnsLeftOfThePivotAreUpdatedToo) {
 
     dense.SolveDenseMatrix(A, rhs, 3, x);
 
-    // What rounding leaves below the pivot in column 1 is carried into row 3 by the second pivot.
+    // The second pivot adds the rounding residue below the first pivot to column 1 of row 3.
     const double third = 1.0 / 3.0;
     const double left2 = 1.0 - third * 3.0;
     const double left3 = 1.0 - third * 3.0;
@@ -140,7 +134,7 @@ TEST_F(DenseElimination, DoesNotPivot) {
     EXPECT_FALSE(std::isfinite(x[1]));
 }
 
-TEST_F(DenseElimination, EighteenIsTheLastSizeOnThisPath) {
+TEST_F(DenseElimination, EighteenIsTheLargestSizeOfTheElimination) {
     Matrix A(19, 19);
     FillDominant(A, 19, 3);
     Doubles rhs(20, 1.0);
@@ -153,7 +147,7 @@ TEST_F(DenseElimination, EighteenIsTheLastSizeOnThisPath) {
         for (int j = 1; j <= 18; ++j) {
             sum += A[i][j] * x[j];
         }
-        EXPECT_NEAR(sum, 1.0, 1e-14) << i;  // some rounding errors of numbers near 1
+        EXPECT_NEAR(sum, 1.0, 1e-14) << i;  // a few rounding errors of numbers near 1
     }
 
     TheRecord().status = 5;
@@ -167,7 +161,7 @@ TEST_F(DenseElimination, WorkAreaHasRoomForNineteen) {
     Doubles rhs(20, 1.0);
     Doubles x(20, 0.0);
 
-    (dense.*Private(TheElimination{}))(19, A, rhs.data(), x.data());
+    (dense.*MemberOf(TheElimination{}))(19, A, rhs.data(), x.data());
 
     double sum = 0.0;
     for (int j = 1; j <= 19; ++j) {
@@ -185,7 +179,7 @@ TEST_F(DenseElimination, SolutionMayOverwriteTheRightHandSide) {
     EXPECT_EQ(Doubles(rhs + 1, rhs + 4), (Doubles{1.0, 2.0, 3.0}));
 }
 
-// External path
+// External solver
 
 TEST_F(DenseExternalPath, TwoByTwoStartsFromTheClosedForm) {
     Matrix A({{2, 1}, {1, 3}});
@@ -210,7 +204,7 @@ TEST_F(DenseExternalPath, SingularTwoByTwoStartsFromNonFiniteNumbers) {
     EXPECT_FALSE(std::isfinite(TheRecord().solves[0].x[1]));
 }
 
-TEST_F(DenseExternalPath, HandsOverEveryElementDiagonalFirst) {
+TEST_F(DenseExternalPath, PassesOnEveryElementWithTheDiagonalFirst) {
     Matrix A({{5, 0}, {2, 6}});
     double rhs[] = {0.0, 5.0, 8.0};
     double x[] = {0.0, 0.0, 0.0};
@@ -233,7 +227,7 @@ TEST_F(DenseExternalPath, HandsOverEveryElementDiagonalFirst) {
     EXPECT_EQ(TheRecord().names, std::vector<std::string>{""});
 }
 
-TEST_F(DenseExternalPath, LeavesSolverAndSettingsBehind) {
+TEST_F(DenseExternalPath, KeepsSolverAndSettings) {
     Matrix A({{5, 0}, {2, 6}});
     double rhs[] = {0.0, 5.0, 8.0};
     double x[] = {0.0, 0.0, 0.0};
@@ -251,7 +245,7 @@ TEST_F(DenseExternalPath, LeavesSolverAndSettingsBehind) {
     EXPECT_EQ(dense.colsN, 2);
 }
 
-TEST_F(DenseExternalPath, ANegativeDiagonalTurnsWithoutItsRow) {
+TEST_F(DenseExternalPath, ANegativeDiagonalIsNegatedWithoutItsRow) {
     Matrix A({{-5, 1}, {-2, 6}});
     double rhs[] = {0.0, 5.0, 8.0};
     double x[] = {0.0, 0.0, 0.0};
@@ -264,7 +258,7 @@ TEST_F(DenseExternalPath, ANegativeDiagonalTurnsWithoutItsRow) {
     EXPECT_EQ(A.Row(1), (Doubles{-5, 1}));
 }
 
-TEST_F(DenseExternalPath, ANegativeZeroDiagonalStays) {
+TEST_F(DenseExternalPath, ANegativeZeroDiagonalIsNotChanged) {
     Matrix A({Doubles{-0.0}});
     double rhs[] = {0.0, 5.0};
     double x[] = {0.0, 0.0};
@@ -275,7 +269,7 @@ TEST_F(DenseExternalPath, ANegativeZeroDiagonalStays) {
     EXPECT_EQ(TheRecord().solves[0].rhs[0], 5.0);
 }
 
-TEST_F(DenseExternalPath, OneAndNoneGoHere) {
+TEST_F(DenseExternalPath, SizesOneAndZeroUseTheExternalSolver) {
     Matrix A({Doubles{4.0}});
     double rhs[] = {0.0, 8.0};
     double x[] = {0.0, 1.5};
@@ -308,10 +302,10 @@ TEST_F(DenseExternalPath, NineteenRowsAreStoredInFull) {
     EXPECT_EQ(x[19], 7.0);
 }
 
-TEST_F(DenseExternalPath, ConversionAloneKeepsAllSigns) {
+TEST_F(DenseExternalPath, TheConversionForPrintingKeepsAllSigns) {
     Matrix A({{-5, 1, 0}, {-2, -6, 3}, {7, 8, -9}});
 
-    EXPECT_TRUE((dense.*Private(TheConversion{}))(A, 3));
+    EXPECT_TRUE((dense.*MemberOf(TheConversion{}))(A, 3));
 
     EXPECT_EQ(Ints(dense.Ia, dense.Ia + 5), (Ints{0, 1, 4, 7, 10}));
     EXPECT_EQ(Ints(dense.Ja, dense.Ja + 10), (Ints{0, 1, 2, 3, 2, 1, 3, 3, 1, 2}));

@@ -21,7 +21,7 @@ class SAMGFront : public testing::Test {
 protected:
     SAMGFront() { TheRecord() = SolverRecord{}; }
 
-    /// Row 1 is 1 4; row 2 is 2 -5 3 with its diagonal in the middle; row 3 is 6 7.
+    /// Row 1 is 1 4, row 2 is 2 -5 3 with its diagonal in the middle, row 3 is 6 7.
     static void Fill(Solver& A) {
         for (auto [row, col, value] : {std::tuple{1, 1, 1.0},
                                        {1, 2, 4.0},
@@ -38,7 +38,7 @@ protected:
     Doubles x{0.0, 0.1, 0.2, 0.3};
 };
 
-TEST_F(SAMGFront, HasItsDefaultsAndOneSolverOfTheEmptyName) {
+TEST_F(SAMGFront, HasItsDefaultsAndOneSolverWithAnEmptyName) {
     Solver A(3);
 
     EXPECT_EQ(A.GetTolerance(), 1.1e-08);
@@ -50,7 +50,7 @@ TEST_F(SAMGFront, HasItsDefaultsAndOneSolverOfTheEmptyName) {
     EXPECT_TRUE(std::has_virtual_destructor_v<Solver>);
 }
 
-TEST_F(SAMGFront, MembersFollowTheBaseInTheirOrder) {
+TEST_F(SAMGFront, MembersFollowThoseOfTheBaseInOrder) {
     Solver A(1);
     const void* members[] = {&A.indexSets, &A.tolerance, &A.times, &A.solver, &A.rhs, &A.tempValue};
 
@@ -60,7 +60,7 @@ TEST_F(SAMGFront, MembersFollowTheBaseInTheirOrder) {
     EXPECT_EQ(sizeof(A), sizeof(CKVX_ART_SparseMatrix) + 5 * sizeof(double));
 }
 
-TEST_F(SAMGFront, HandsOverOneBasedNumbersFromEntryOne) {
+TEST_F(SAMGFront, PassesOnOneBasedNumbersFromEntryOne) {
     Solver A(3);
     Fill(A);
     A.SetTolerance(1e-3);
@@ -88,7 +88,7 @@ TEST_F(SAMGFront, HandsOverOneBasedNumbersFromEntryOne) {
     EXPECT_TRUE(TheRecord().directFlags.empty());
 }
 
-TEST_F(SAMGFront, TheMatrixKeepsItsSignsAndTheCallerHisRightHandSide) {
+TEST_F(SAMGFront, TheMatrixKeepsItsSignsAndTheRightHandSideOfTheCallerIsUnchanged) {
     Solver A(3);
     Fill(A);
 
@@ -99,7 +99,7 @@ TEST_F(SAMGFront, TheMatrixKeepsItsSignsAndTheCallerHisRightHandSide) {
     EXPECT_EQ(b, (Doubles{0.0, 10.0, 20.0, 30.0}));
 }
 
-TEST_F(SAMGFront, OnlyTheExternalSolverWritesXAndItsStatusIsDropped) {
+TEST_F(SAMGFront, OnlyTheExternalSolverWritesXAndItsStatusIsIgnored) {
     Solver A(3);
     Fill(A);
     TheRecord().status = 7;
@@ -128,7 +128,7 @@ TEST_F(SAMGFront, NegationFlipsTheSignOfZerosToo) {
     const RecordedSolve& solve = TheRecord().solves[0];
     EXPECT_EQ(solve.Aa[0], 1.0);
     EXPECT_TRUE(std::signbit(solve.Aa[1]));   // a zero of a negated row
-    EXPECT_TRUE(std::signbit(solve.rhs[0]));  // its right-hand side, zero as well
+    EXPECT_TRUE(std::signbit(solve.rhs[0]));  // its right-hand side, which is also zero
     EXPECT_TRUE(std::signbit(solve.Aa[2]));   // a negative zero is not below zero
     EXPECT_EQ(solve.Aa[3], 3.0);
     EXPECT_EQ(solve.rhs[1], 5.0);

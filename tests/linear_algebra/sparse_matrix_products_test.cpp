@@ -12,7 +12,7 @@ namespace {
 
 // Products
 
-TEST(SparseMatrixProducts, OffDiagonalSumTakesTheFactorLast) {
+TEST(SparseMatrixProducts, OffDiagonalSumIsMultipliedByTheFactorLast) {
     CKVX_ART_SparseMatrix A(3);
     A.AddElementValue(2, 1, 0.1);
     A.AddElementValue(2, 2, 1e9);
@@ -22,7 +22,7 @@ TEST(SparseMatrixProducts, OffDiagonalSumTakesTheFactorLast) {
     EXPECT_EQ(A.GetOffDiagonalValueTimesVectorSum(2, 0.1, x), (0.3 * 0.1 + 0.9 * 0.7) * 0.1);
 }
 
-TEST(SparseMatrixProducts, FactorZeroTimesAnInfiniteSumIsNotANumber) {
+TEST(SparseMatrixProducts, FactorZeroTimesAnInfiniteSumIsNaN) {
     CKVX_ART_SparseMatrix A(2);
     A.AddElementValue(1, 2, 1.0);
     double x[] = {0.0, 1.0, std::numeric_limits<double>::infinity()};
@@ -30,14 +30,14 @@ TEST(SparseMatrixProducts, FactorZeroTimesAnInfiniteSumIsNotANumber) {
     EXPECT_TRUE(std::isnan(A.GetOffDiagonalValueTimesVectorSum(1, 0.0, x)));
 }
 
-TEST(SparseMatrixProducts, SumsRunInStorageOrder) {
+TEST(SparseMatrixProducts, SumsAddInStorageOrder) {
     CKVX_ART_SparseMatrix A(1, 5);
     for (auto [col, value] : {std::pair{5, 1.0}, {2, 1e16}, {3, 1.0}, {4, -1e16}, {1, 1.0}}) {
         A.AddElementValue(1, col, value);
     }
     double ones[] = {0.0, 1.0, 1.0, 1.0, 1.0, 1.0};
 
-    // 1 + 1e16 rounds to 1e16, and so does the next; only the last 1 is left.
+    // 1 + 1e16 rounds to 1e16, and so does the next sum; only the last 1 remains.
     EXPECT_EQ(A.DotProduct(1, ones), 1.0);
     EXPECT_EQ(A.GetOffDiagonalValueTimesVectorSum(1, 1.0, ones), 0.0);
 }

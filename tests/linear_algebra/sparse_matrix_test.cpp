@@ -7,30 +7,26 @@
 #include <utility>
 
 #include "tests/linear_algebra/matrix_rows.h"
-#include "tests/linear_algebra/private_access.h"
+#include "tests/support/private_access.h"
 
-struct TheDiagonalMove {
-    using Type = bool (CKVX_ART_SparseMatrix::*)();
-    friend Type Private(TheDiagonalMove);
-};
-
-template struct Expose<TheDiagonalMove, &CKVX_ART_SparseMatrix::MakeDiagFrontCSR>;
+KVX3D_EXPOSE(TheDiagonalMove, &CKVX_ART_SparseMatrix::MakeDiagFrontCSR,
+             bool (CKVX_ART_SparseMatrix::*)());
 
 namespace {
 
 bool MakeDiagFront(CKVX_ART_SparseMatrix& A) {
-    return (A.*Private(TheDiagonalMove{}))();
+    return (A.*MemberOf(TheDiagonalMove{}))();
 }
 
 // The object
 
-TEST(SparseMatrixObject, IsPolymorphicThroughItsDestructorAlone) {
+TEST(SparseMatrixObject, OnlyTheDestructorIsVirtual) {
     EXPECT_TRUE(std::has_virtual_destructor_v<CKVX_ART_SparseMatrix>);
     EXPECT_TRUE((std::is_base_of_v<std::out_of_range, InvalidDimensionsException>));
     EXPECT_TRUE((std::is_base_of_v<std::runtime_error, LinearSolverException>));
 }
 
-TEST(SparseMatrixObject, MembersStandInTheirOrder) {
+TEST(SparseMatrixObject, MembersAreInTheirOrder) {
     CKVX_ART_SparseMatrix A(1);
     const void* members[] = {&A.rowsN, &A.colsN, &A.Ia, &A.Ja, &A.Aa, &A.compressed, &A.indexSets};
 
@@ -52,7 +48,7 @@ TEST(SparseMatrixObject, StartsWithEmptyRowsAndNoArrays) {
     EXPECT_EQ(A.indexSets->size(), 4u);
 }
 
-TEST(SparseMatrixObject, FreshRowsAnswerReads) {
+TEST(SparseMatrixObject, FreshRowsCanBeRead) {
     CKVX_ART_SparseMatrix A(2);
     double x[] = {0.0, 7.0, 8.0};
 
@@ -102,7 +98,7 @@ TEST(SparseMatrixObject, CopySharesEveryBlock) {
 
 // Positions
 
-TEST(SparseMatrixPositions, ZeroOrNegativeIsToldFirst) {
+TEST(SparseMatrixPositions, ZeroOrNegativeIsReportedFirst) {
     CKVX_ART_SparseMatrix A(2, 3);
 
     for (auto [row, col] : {std::pair{0, 1}, {1, 0}, {-4, 1}, {0, 4}, {3, 0}}) {
@@ -111,7 +107,7 @@ TEST(SparseMatrixPositions, ZeroOrNegativeIsToldFirst) {
     }
 }
 
-TEST(SparseMatrixPositions, BeyondTheMatrixIsOutOfRange) {
+TEST(SparseMatrixPositions, AboveTheMatrixIsOutOfRange) {
     CKVX_ART_SparseMatrix A(2, 3);
 
     for (auto [row, col] : {std::pair{3, 1}, {1, 4}, {3, 4}}) {
@@ -122,7 +118,7 @@ TEST(SparseMatrixPositions, BeyondTheMatrixIsOutOfRange) {
     }
 }
 
-TEST(SparseMatrixPositions, ARejectedAddChangesNothing) {
+TEST(SparseMatrixPositions, ARejectedAdditionChangesNothing) {
     CKVX_ART_SparseMatrix A(2);
     A.AddIndex(1, 1);
 
@@ -148,7 +144,7 @@ TEST(SparseMatrixPattern, RepeatedIndexKeepsTheCountAndMarksThePatternStale) {
     EXPECT_EQ(A.Ia[4], 2);
 }
 
-TEST(SparseMatrixPattern, NoIndicesCompressToTheDummies) {
+TEST(SparseMatrixPattern, WithoutIndicesACompressionGivesTheDummyEntries) {
     CKVX_ART_SparseMatrix A(3);
 
     EXPECT_TRUE(A.CompressIndex());
@@ -159,7 +155,7 @@ TEST(SparseMatrixPattern, NoIndicesCompressToTheDummies) {
     EXPECT_TRUE(A.compressed);
 }
 
-TEST(SparseMatrixPattern, CompressionSortsAndTheDiagonalMoveSwaps) {
+TEST(SparseMatrixPattern, CompressionSortsAndMovingTheDiagonalSwaps) {
     CKVX_ART_SparseMatrix A(3, 7);
     for (auto [row, col] : {std::pair{1, 1}, {2, 2}, {3, 7}, {3, 1}, {3, 3}}) {
         A.AddIndex(row, col);
@@ -176,7 +172,7 @@ TEST(SparseMatrixPattern, CompressionSortsAndTheDiagonalMoveSwaps) {
     EXPECT_EQ(Values(A, 3), (Doubles{30.0, 10.0, 70.0}));
 }
 
-TEST(SparseMatrixPattern, DiagonalMoveLeavesTheOthersInPlaceAndIsIdempotent) {
+TEST(SparseMatrixPattern, MovingTheDiagonalKeepsOtherEntriesInPlaceAndIsIdempotent) {
     CKVX_ART_SparseMatrix A(5);
     for (int i = 1; i <= 5; ++i) {
         A.AddElementValue(i, i, 1.0 * i);
@@ -193,7 +189,7 @@ TEST(SparseMatrixPattern, DiagonalMoveLeavesTheOthersInPlaceAndIsIdempotent) {
     EXPECT_EQ(Columns(A, 4), (Ints{4, 2, 3, 1, 5}));
 }
 
-TEST(SparseMatrixPattern, MissingDiagonalThrowsAndRowsBeforeStaySwapped) {
+TEST(SparseMatrixPattern, AMissingDiagonalThrowsAndEarlierRowsStaySwapped) {
     CKVX_ART_SparseMatrix A(3);
     for (auto [row, col] : {std::pair{1, 1}, {2, 1}, {2, 2}, {3, 1}, {3, 2}}) {
         A.AddIndex(row, col);
@@ -206,20 +202,20 @@ TEST(SparseMatrixPattern, MissingDiagonalThrowsAndRowsBeforeStaySwapped) {
     EXPECT_EQ(Columns(A, 3), (Ints{1, 2}));
 }
 
-TEST(SparseMatrixPattern, EmptyRowPassesByTheNextRowsFirstEntry) {
+TEST(SparseMatrixPattern, AnEmptyRowIsAcceptedIfTheNextRowStartsWithItsColumn) {
     CKVX_ART_SparseMatrix A(3);
     for (auto [row, col] : {std::pair{1, 1}, {3, 2}, {3, 3}}) {
         A.AddIndex(row, col);
     }
     A.CompressIndex();
 
-    EXPECT_TRUE(MakeDiagFront(A));  // row 2 is empty, and what stands at its start has column 2
+    EXPECT_TRUE(MakeDiagFront(A));  // row 2 is empty, and the entry at its start has column 2
 
     EXPECT_EQ(Columns(A, 3), (Ints{3, 2}));
-    EXPECT_THROW(MakeDiagFront(A), LinearSolverException);  // now it has column 3
+    EXPECT_THROW(MakeDiagFront(A), LinearSolverException);  // now that entry has column 3
 }
 
-TEST(SparseMatrixPattern, TrailingEmptyRowHasNoDiagonal) {
+TEST(SparseMatrixPattern, AnEmptyLastRowHasNoDiagonal) {
     CKVX_ART_SparseMatrix A(2);
     A.AddIndex(1, 1);
     A.CompressIndex();
@@ -245,7 +241,7 @@ TEST(SparseMatrixPattern, RectangularMatrixNeedsTheDiagonalOfEveryRow) {
     EXPECT_THROW(MakeDiagFront(A), LinearSolverException);
 }
 
-TEST(SparseMatrixPattern, AStaleMatrixAnswersFromItsOldArrays) {
+TEST(SparseMatrixPattern, AStaleMatrixIsReadFromItsOldArrays) {
     CKVX_ART_SparseMatrix A(2);
     A.AddElementValue(1, 1, 3.0);
     double x[] = {0.0, 10.0, 100.0};

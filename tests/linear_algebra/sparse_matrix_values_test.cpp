@@ -6,20 +6,12 @@
 
 #include "linear_algebra/sparse_matrix.h"
 #include "tests/linear_algebra/matrix_rows.h"
-#include "tests/linear_algebra/private_access.h"
+#include "tests/support/private_access.h"
 
-struct TheFind {
-    using Type = bool (CKVX_ART_SparseMatrix::*)(const int&, const int&, const double&);
-    friend Type Private(TheFind);
-};
-
-struct TheInsertion {
-    using Type = void (CKVX_ART_SparseMatrix::*)(const int&, const int&, const double&);
-    friend Type Private(TheInsertion);
-};
-
-template struct Expose<TheFind, &CKVX_ART_SparseMatrix::FindIndexAddValueCSR>;
-template struct Expose<TheInsertion, &CKVX_ART_SparseMatrix::InsertIndexAndValue2CSR>;
+KVX3D_EXPOSE(TheFind, &CKVX_ART_SparseMatrix::FindIndexAddValueCSR,
+             bool (CKVX_ART_SparseMatrix::*)(const int&, const int&, const double&));
+KVX3D_EXPOSE(TheInsertion, &CKVX_ART_SparseMatrix::InsertIndexAndValue2CSR,
+             void (CKVX_ART_SparseMatrix::*)(const int&, const int&, const double&));
 
 namespace {
 
@@ -66,7 +58,7 @@ TEST(SparseMatrixValues, InsertionAppendsToTheRowAndCompressionSorts) {
     EXPECT_EQ(Values(A, 1), (Doubles{0.0, 0.0}));
 }
 
-TEST(SparseMatrixValues, ADeclarationAfterValuesWipesThemAtTheNextAdd) {
+TEST(SparseMatrixValues, ADeclarationAfterValuesZeroesThemAtTheNextAddition) {
     CKVX_ART_SparseMatrix A(2);
     A.AddElementValue(1, 1, 1.0);
     A.AddElementValue(2, 2, 2.0);
@@ -78,7 +70,7 @@ TEST(SparseMatrixValues, ADeclarationAfterValuesWipesThemAtTheNextAdd) {
     EXPECT_EQ(Values(A, 2), Doubles{5.0});
 }
 
-TEST(SparseMatrixValues, ArgumentsMayReferIntoTheArraysThatACompressionFrees) {
+TEST(SparseMatrixValues, ArgumentsMayReferToEntriesThatACompressionReleases) {
     CKVX_ART_SparseMatrix A(3);
     A.AddElementValue(1, 3, 7.0);
     A.AddIndex(2, 2);
@@ -93,11 +85,11 @@ TEST(SparseMatrixValues, FindAddsToTheFirstMatchOnly) {
     CKVX_ART_SparseMatrix A(2);
     A.AddElementValue(1, 1, 1.0);
     A.AddElementValue(1, 2, 2.0);
-    A.Ja[2] = 1;  // two entries of one position, as a host may have put them
+    A.Ja[2] = 1;  // two entries at one position, as a host may store them
 
-    EXPECT_TRUE((A.*Private(TheFind{}))(1, 1, 10.0));
-    EXPECT_FALSE((A.*Private(TheFind{}))(1, 2, 10.0));
-    EXPECT_FALSE((A.*Private(TheFind{}))(2, 1, 10.0));
+    EXPECT_TRUE((A.*MemberOf(TheFind{}))(1, 1, 10.0));
+    EXPECT_FALSE((A.*MemberOf(TheFind{}))(1, 2, 10.0));
+    EXPECT_FALSE((A.*MemberOf(TheFind{}))(2, 1, 10.0));
 
     EXPECT_EQ(Values(A, 1), (Doubles{11.0, 2.0}));
 }
@@ -108,7 +100,7 @@ TEST(SparseMatrixValues, InsertionKeepsTheStateAndTheDummies) {
         A.AddElementValue(i, i, 1.0 * i);
     }
 
-    (A.*Private(TheInsertion{}))(2, 1, 0.5);
+    (A.*MemberOf(TheInsertion{}))(2, 1, 0.5);
 
     EXPECT_TRUE(A.compressed);
     EXPECT_EQ(RowStarts(A), (Ints{0, 1, 2, 4, 5}));
@@ -137,7 +129,7 @@ TEST(SparseMatrixValues, ClearOfAnEmptyMatrixChangesNothing) {
     EXPECT_EQ(RowStarts(A), (Ints{0, 1, 1, 1}));
 }
 
-TEST(SparseMatrixValues, ResetDropsThePatternAndTheMatrixCanBeDeclaredAnew) {
+TEST(SparseMatrixValues, ResetRemovesThePatternAndTheMatrixCanBeDeclaredAgain) {
     CKVX_ART_SparseMatrix A(2, 3);
     A.AddElementValue(1, 2, 3.0);
 
@@ -181,7 +173,7 @@ TEST(SparseMatrixValues, ZeroingAColumnWithoutEntriesChangesNothing) {
 
 // The diagonal
 
-TEST(SparseMatrixDiagonal, MissingReadsAsZero) {
+TEST(SparseMatrixDiagonal, AMissingDiagonalReadsAsZero) {
     CKVX_ART_SparseMatrix A(2);
     A.AddElementValue(1, 2, 3.0);
 
@@ -189,7 +181,7 @@ TEST(SparseMatrixDiagonal, MissingReadsAsZero) {
     EXPECT_EQ(A.GetDiagonalValue(2), 0.0);
 }
 
-TEST(SparseMatrixDiagonal, StoredIsOverwrittenUndeclaredIsAdded) {
+TEST(SparseMatrixDiagonal, AStoredDiagonalIsOverwrittenAndAMissingOneAdded) {
     CKVX_ART_SparseMatrix A(2);
     A.AddElementValue(1, 1, 3.0);
 
@@ -216,7 +208,7 @@ TEST(SparseMatrixDiagonal, OverwritingAStaleMatrixDoesNotCompress) {
     EXPECT_EQ(Values(A, 1), (Doubles{8.0, 6.0}));
 }
 
-TEST(SparseMatrixDiagonal, DeclaredButStaleIsAddedAfterTheCompression) {
+TEST(SparseMatrixDiagonal, ADeclaredDiagonalOfAStaleMatrixIsAddedAfterTheCompression) {
     CKVX_ART_SparseMatrix A(2);
     A.AddElementValue(1, 1, 3.0);
     A.AddIndex(2, 2);
@@ -235,7 +227,7 @@ TEST(SparseMatrixDiagonal, TheAddingPathChecksThePosition) {
               kOutOfRange);
 }
 
-// Property: any sequence of operations leaves what a map from positions to values would hold
+// Property: any sequence of operations gives the same values as on a map from positions to values.
 
 TEST(SparseMatrixAgainstMap, RandomOperationsAgree) {
     constexpr int rows = 6;

@@ -34,7 +34,7 @@ protected:
                         (name + "_Itr0_T0_P1_B" + std::to_string(block) + ".vtu"));
     }
 
-    /// The connectivity lines of a block's file.
+    /// The connectivity lines in the file of a block.
     std::string Cells(const std::string& name, int block) {
         const std::string text = BlockFile(name, block);
         const std::size_t begin = text.find('\n', text.find("\"connectivity\"")) + 1;
@@ -44,7 +44,7 @@ protected:
     TempDirectory dir;
 };
 
-/// The connectivity line of a cell: the host's ids less 1.
+/// The connectivity line of a cell: the ids of the host minus 1.
 std::string Line(const BoxHost& host, int cell) {
     std::string line = "\t\t\t\t";
     const int* row = host.fvm.cellNodes[cell];
@@ -54,7 +54,7 @@ std::string Line(const BoxHost& host, int cell) {
     return line + "\n";
 }
 
-TEST_F(CheckOutput, NeedsTheHost) {
+TEST_F(CheckOutput, FailsWithoutAHost) {
     BoxHost host(2, 1, 1);
     host.WithRootDir(dir.Text());
     art_nonmatching_tools tools;
@@ -71,7 +71,7 @@ TEST_F(CheckOutput, NeedsTheHost) {
     EXPECT_TRUE(fs::is_empty(dir.Path()));
 }
 
-TEST_F(CheckOutput, SortsTheCellsOfFlaggedFacesByTheOwnersCavity) {
+TEST_F(CheckOutput, GroupsTheCellsOfFlaggedFacesByTheCavityOfTheOwner) {
     BoxHost host(5, 1, 1);
     host.WithNonmatchingFaces({1, 2, 4}).WithRootDir(dir.Text());
     host.arrays.cavity = {-7777, 1, 0, 1, -2, 1};
@@ -88,10 +88,10 @@ TEST_F(CheckOutput, SortsTheCellsOfFlaggedFacesByTheOwnersCavity) {
     EXPECT_EQ(capture.Out(), "");
 }
 
-TEST_F(CheckOutput, OwnersStandOnceForEachFaceAndNeighborsOnce) {
+TEST_F(CheckOutput, ListsAnOwnerOncePerFaceAndANeighborOnce) {
     BoxHost host(3, 3, 1);
     host.WithRootDir(dir.Text());
-    // Two faces with owner 7 and neighbor 9; face 3 puts cell 7 among the neighbors as well.
+    // Two faces with owner 7 and neighbor 9; face 3 makes cell 7 a neighbor as well.
     for (int face : {1, 2}) {
         host.fvm.Ce23[0][face] = 7;
         host.fvm.Ce23[1][face] = 9;
@@ -109,7 +109,7 @@ TEST_F(CheckOutput, OwnersStandOnceForEachFaceAndNeighborsOnce) {
     EXPECT_EQ(Cells(nameBefore, 5), "");
 }
 
-TEST_F(CheckOutput, TheTwoNeighborListsAreMadeUniqueApart) {
+TEST_F(CheckOutput, EachOfTheTwoNeighborListsIsUniqueByItself) {
     BoxHost host(4, 1, 1);
     host.WithNonmatchingFaces({1, 2}).WithRootDir(dir.Text());
     host.arrays.cavity[2] = 0;
@@ -133,7 +133,7 @@ TEST_F(CheckOutput, OnlyTheValueOneIsAFlag) {
     }
 }
 
-TEST_F(CheckOutput, BehindThePreprocessShowsTheMeshAndFourEmptyBlocks) {
+TEST_F(CheckOutput, AfterThePreprocessWritesTheMeshAndFourEmptyBlocks) {
     BoxHost host(3, 2, 2);
     host.WithNonmatchingFaces({1, 2, 3}).WithRootDir(dir.Text());
     art_nonmatching_tools tools;
@@ -156,7 +156,7 @@ TEST_F(CheckOutput, BehindThePreprocessShowsTheMeshAndFourEmptyBlocks) {
     }
 }
 
-TEST_F(CheckOutput, LeavesTheRecordFileOfProcess1AndNoSeries) {
+TEST_F(CheckOutput, WritesTheRecordFileOfProcess1AndNoSeries) {
     BoxHost host(2, 1, 1);
     host.WithProcess(4);
 
@@ -172,7 +172,7 @@ TEST_F(CheckOutput, LeavesTheRecordFileOfProcess1AndNoSeries) {
     EXPECT_EQ(ReadFile(dir.Path() / (nameBefore + ".vtkcollection_1")), records);
 }
 
-TEST_F(CheckOutput, PublishesAllNodesInEveryBlock) {
+TEST_F(CheckOutput, WritesAllNodesInEveryBlock) {
     BoxHost host(2, 1, 1);
 
     Check(host, false);
@@ -186,7 +186,7 @@ TEST_F(CheckOutput, PublishesAllNodesInEveryBlock) {
     }
 }
 
-TEST_F(CheckOutput, ChangesNothingOfTheHost) {
+TEST_F(CheckOutput, DoesNotChangeTheHost) {
     BoxHost host(3, 2, 1);
     host.WithNonmatchingFaces({1, 4}).WithRootDir(dir.Text());
     const BoxHost before = host;
@@ -199,7 +199,7 @@ TEST_F(CheckOutput, ChangesNothingOfTheHost) {
     EXPECT_EQ(host.fvm.nxe[1], before.fvm.nxe[1]);
 }
 
-TEST_F(CheckOutput, AnswersTrueWithoutADirectoryToWriteTo) {
+TEST_F(CheckOutput, ReturnsTrueEvenIfTheDirectoryDoesNotExist) {
     BoxHost host(2, 1, 1);
     host.WithRootDir(dir.Text() + "/missing");
     OutputCapture capture;

@@ -23,7 +23,7 @@ BoxHost Row(int nCells, const std::vector<int>& flaggedFaces) {
     return host;
 }
 
-/// What the preprocess prints.
+/// Runs the preprocess and returns what it prints.
 std::string Preprocess(BoxHost& host) {
     art_nonmatching_tools tools;
     tools.SetFVM(&host.gv, &host.fvm);
@@ -40,7 +40,8 @@ std::string Report(int total, int ineffective) {
            "\nNon-matching Preprocess END.\n";
 }
 
-/// True if all three components of the area vector are exactly 1e-10 of those in `before`.
+/// Expects all three components of the area vector to be exactly 1e-10 of those in `before`, or
+/// unchanged.
 void ExpectArea(const BoxHost& host, const BoxHost& before, int face, bool shrunk) {
     const auto f = static_cast<std::size_t>(face);
     for (int i = 0; i < 3; ++i) {
@@ -56,7 +57,7 @@ TEST(NonmatchingTools, StartWithoutLinks) {
     EXPECT_EQ(tools.kvxFvm, nullptr);
 }
 
-TEST(NonmatchingTools, StoreTheLinksAndFreeNothing) {
+TEST(NonmatchingTools, StoreTheLinksAndReleaseNothing) {
     BoxHost host = Row(2, {});
     {
         art_nonmatching_tools tools;
@@ -68,7 +69,7 @@ TEST(NonmatchingTools, StoreTheLinksAndFreeNothing) {
     EXPECT_EQ(host.fvm.Nc, 2);
 }
 
-TEST(NonmatchingTools, ShowNoLinksOnceDestroyed) {
+TEST(NonmatchingTools, HaveNoLinksAfterDestruction) {
     BoxHost host = Row(2, {});
     Undestroyed<art_nonmatching_tools> tools;
     tools->SetFVM(&host.gv, &host.fvm);
@@ -107,7 +108,7 @@ TEST(NonmatchingPreprocess, ShrinksTheSmallerGroup) {
     }
 }
 
-TEST(NonmatchingPreprocess, ATieMakesTheOutsideFacesIneffective) {
+TEST(NonmatchingPreprocess, WithEqualGroupsTheOutsideFacesAreIneffective) {
     BoxHost host = Row(9, {1, 2, 3, 4, 5, 6, 7, 8});
     for (std::size_t cell = 1; cell <= 4; ++cell) {
         host.arrays.cavity[cell] = 0;
@@ -133,7 +134,7 @@ TEST(NonmatchingPreprocess, CavityIdsBelowOneAreOutside) {
     }
 }
 
-TEST(NonmatchingPreprocess, LooksAtTheOwnerAlone) {
+TEST(NonmatchingPreprocess, UsesTheCavityOfTheOwnerAlone) {
     BoxHost host = Row(3, {1, 2});
     host.arrays.cavity = {-7777, 1, 1, 0};
     const BoxHost before = host;
@@ -145,7 +146,7 @@ TEST(NonmatchingPreprocess, LooksAtTheOwnerAlone) {
     ExpectArea(host, before, 2, false);
 }
 
-TEST(NonmatchingPreprocess, ASecondRunFindsNothing) {
+TEST(NonmatchingPreprocess, ASecondRunFindsNoFlaggedFace) {
     BoxHost host = Row(4, {1, 2});
     host.arrays.cavity[1] = 0;
     Preprocess(host);
@@ -181,7 +182,7 @@ TEST(NonmatchingPreprocess, AnIneffectiveVectorIsShrunkAndNotZero) {
     EXPECT_EQ(host.arrays.faceArea[2][1], 0.1 * 1e-10);
 }
 
-TEST(NonmatchingPreprocess, WithoutInnerFacesRunsThrough) {
+TEST(NonmatchingPreprocess, AMeshWithoutInnerFacesIsAccepted) {
     BoxHost host(1, 1, 1);
 
     EXPECT_EQ(Preprocess(host), Report(0, 0));

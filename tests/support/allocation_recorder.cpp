@@ -59,7 +59,7 @@ bool AllocationRecorder::NextFails() {
     return failAfter-- == 0;
 }
 
-// The plain form does the work, so that a leak or an overrun still reaches the sanitizers.
+// The non-array form allocates, so that the sanitizers still detect leaks and overruns.
 void* operator new[](std::size_t bytes) {
     if (current != nullptr && current->NextFails()) {
         throw std::bad_alloc();

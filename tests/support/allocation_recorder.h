@@ -4,10 +4,11 @@
 #include <cstddef>
 #include <vector>
 
-/// Watches the array form of new and delete while it lives, and can make an allocation fail.
+/// Records the array form of new and delete during its lifetime, and can make an allocation fail.
 ///
-/// Only programs that link the target kvx3d_allocation_recorder get the replaced operators. One
-/// recorder at a time, one thread. Plain new, and so the standard containers, are not watched.
+/// Only programs that link the target kvx3d_allocation_recorder get the replaced operators. There
+/// may be one recorder at a time, in one thread. The non-array form of new, which the standard
+/// containers use, is not recorded.
 class AllocationRecorder {
 public:
     AllocationRecorder();
@@ -15,18 +16,20 @@ public:
     AllocationRecorder(const AllocationRecorder&) = delete;
     AllocationRecorder& operator=(const AllocationRecorder&) = delete;
 
-    /// Lets n more allocations succeed; the next one throws std::bad_alloc, later ones succeed.
+    /// The next n allocations succeed, the one after them throws std::bad_alloc, and later ones
+    /// succeed again.
     void FailAfter(int n) { failAfter = n; }
 
-    /// Bytes of every block allocated so far, in order, released ones included.
+    /// Sizes in bytes of all blocks allocated so far, in order, including released ones.
     std::vector<std::size_t> Sizes() const;
-    /// Bytes of a live block of the array form, or npos for anything else.
+    /// Size in bytes of a block of the array form that is not released, or npos for anything else.
     std::size_t SizeOf(const void* block) const;
-    /// True for a block allocated under this recorder and not yet released.
+    /// True for a block that was allocated during the lifetime of this recorder and not released.
     bool IsLive(const void* block) const { return SizeOf(block) != npos; }
-    /// Number of live blocks.
+    /// Number of blocks that are not released.
     int LiveBlocks() const;
-    /// Blocks released under this recorder, in order; those from before it included, null not.
+    /// Blocks released during the lifetime of this recorder, in order. They include blocks that
+    /// were allocated before, but not null.
     const std::vector<const void*>& Released() const { return released; }
 
     static constexpr std::size_t npos = static_cast<std::size_t>(-1);

@@ -38,7 +38,7 @@ std::size_t Index(const std::array<int, 3>& n, const std::array<int, 3>& at) {
     return static_cast<std::size_t>(at[0] - 1 + n[0] * (at[1] - 1 + n[1] * (at[2] - 1)));
 }
 
-/// Centre of the cell at `at`, moved by `half` half cells along axis d.
+/// Center of the cell at `at`, shifted by `half` half cells along axis d.
 BoxHost::Point CentreAt(const BoxHost::Point& origin, const BoxHost::Point& h,
                         const std::array<int, 3>& at, std::size_t axis, int half) {
     BoxHost::Point centre{};
@@ -61,7 +61,7 @@ void Append(std::vector<double> (&arrays)[3], const BoxHost::Point& point) {
 
 }  // namespace
 
-/// A face with a cell on one side only.
+/// A face with a cell on only one side.
 struct BoxHost::OuterFace {
     enum Kind { inlet, outlet, wall, symm, part } kind;
     int group;  ///< overset group, 0 for none
@@ -309,7 +309,7 @@ std::vector<BoxHost::OuterFace> BoxHost::OuterFaces() const {
         faces.insert(faces.end(), plainWalls.begin(), plainWalls.end());
     }
     faces.insert(faces.end(), bodyFaces.begin(), bodyFaces.end());
-    // Ghost cells are numbered in this order, kind by kind.
+    // Ghost cells are numbered in this order of the kinds.
     std::stable_sort(faces.begin(), faces.end(),
                      [](const OuterFace& a, const OuterFace& b) { return a.kind < b.kind; });
     return faces;

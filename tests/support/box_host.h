@@ -24,7 +24,7 @@ struct CellRange {
     std::array<int, 3> last{0, 0, 0};
 };
 
-/// A complete host for tests: a box of hexahedra, all arrays of both host records filled.
+/// A complete host for tests: a box of hexahedra, with all arrays of both host records filled.
 ///
 ///     BoxHost host(4, 3, 2);                  // unit cells from the origin
 ///     gv.getKvx3dGV(&host.gv, &host.fvm);
@@ -32,18 +32,20 @@ struct CellRange {
 ///     BoxHost host(8, 8, 4);                  // plus a component grid over its middle
 ///     host.WithComponentGrid(6, 6, 4, {2, 2, 0}, {4, 4, 4}, sideZMin | sideZMax);
 ///
-/// Geometry is exact: centres, areas and volumes are products of cell sizes, no differences of
-/// coordinates. Every array has exactly the entries its count names; slot 0 holds a poison (NaN or
-/// -7777) wherever it is not data, and row 0 of a table is null, so an off-by-one shows.
+/// Geometry is exact: centers, areas and volumes are products of cell sizes, not differences of
+/// coordinates. Every array has exactly as many entries as its count. Slot 0 holds NaN or -7777
+/// wherever it is not data, and row 0 of a table is null, so that an index that is off by one is
+/// detected.
 ///
-/// Numbering: cells block by block, x fastest, cells of a body left out; nodes likewise, all of
-/// the lattice. Inner faces by owner in ascending order, per owner in x, y, z; the owner is the
-/// lower cell. The background box has its inlet at x min, outlet at x max, walls at y min then max,
-/// symmetry at z min then max; within a side faces ascend by cell. Walls come block by block, in
-/// component grids the overset faces first, then physical walls; walls of a body last. Ghost cells
-/// follow the faces: inlet, outlet, wall, symmetry, partition.
+/// Numbering: cells are numbered block by block, x fastest, without the cells of a body; nodes in
+/// the same way, but for the whole lattice. Inner faces are ordered by owner, and for one owner in
+/// the order x, y, z; the owner is the cell with the lower number. The background box has its inlet
+/// at x min, its outlet at x max, walls at y min and then y max, symmetry planes at z min and then
+/// z max; within a side, faces are ordered by cell. Walls are ordered block by block: in component
+/// grids first the overset faces, then the physical walls; the walls of a body last. Ghost cells
+/// are numbered in the order inlet, outlet, wall, symmetry, partition.
 ///
-/// Every `With` call rebuilds all arrays, so make them before linking. Copies own their arrays;
+/// Every `With` function rebuilds all arrays, so call it before linking. Copies own their arrays;
 /// changes to `partition` are not copied.
 class BoxHost {
 public:
@@ -56,18 +58,19 @@ public:
     ~BoxHost() = default;
 
     /// Adds a block with nodes of its own in the next cavity. Its outer faces are the wall faces of
-    /// the next overset group, but for `wallSides` (BoxSide bits), which are physical walls.
+    /// the next overset group, except on `wallSides` (BoxSide bits), which are physical walls.
     BoxHost& WithComponentGrid(int nx, int ny, int nz, Point origin, Point size,
                                unsigned wallSides = 0);
     /// Adds a block in the next cavity, all of whose outer faces are physical walls.
     BoxHost& WithSeparateBlock(int nx, int ny, int nz, Point origin, Point size);
-    /// Takes cells out of a block (0 the background); the faces laid bare are physical walls.
+    /// Removes cells from a block (0 is the background); the faces that become boundary faces are
+    /// physical walls.
     BoxHost& WithBody(int block, CellRange cells);
     /// Sets nonmatchingFace to 1 on these inner faces.
     BoxHost& WithNonmatchingFaces(const std::vector<int>& faces);
     /// Turns the outlet of the background into partition-interface faces, served by `partition`.
     BoxHost& WithPartitionFaces();
-    /// Sets rootDir. The default is the empty text.
+    /// Sets rootDir. The default is the empty string.
     BoxHost& WithRootDir(const std::string& directory);
     /// Sets pProcessId[0]. The default is 0.
     BoxHost& WithProcess(int process);
@@ -81,7 +84,7 @@ public:
     CKVX3DFiniteVolumeMesh fvm;       ///< points into the vectors below
     CountingPartitionFace partition;  ///< no faces without WithPartitionFaces()
 
-    /// One kind of boundary face: centres, area vectors, real cell, ghost cell, 1-based.
+    /// One kind of boundary face: centers, area vectors, real cell, ghost cell, 1-based.
     struct Boundary {
         std::vector<double> centre[3];
         std::vector<double> area[3];
@@ -102,7 +105,8 @@ public:
         std::vector<std::vector<int>> cellNodes;
         Boundary inlet, outlet, wall, symm;
 
-        /// Fields over cell ids, ghosts included, taken at the cell or boundary-face centre:
+        /// Fields by cell id, ghost cells included, evaluated at the center of the cell or boundary
+        /// face:
         /// p = x + 2y + 3z, (u, v, w) = (1 + y, z / 2, -x).
         std::vector<double> pressure, velocity[3];
         std::vector<double> mu, cp, rho, k;  ///< 0.5, 2, 4 and 0.25 everywhere
@@ -123,7 +127,7 @@ private:
         int group;  ///< overset group of the outer faces, 0 for none
         unsigned wallSides;
         CellRange body;
-        std::vector<int> cellAt;  ///< lattice position to cell number, 0 in a body
+        std::vector<int> cellAt;  ///< cell number by lattice position, 0 in a body
     };
     struct OuterFace;
 

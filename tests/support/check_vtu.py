@@ -1,13 +1,13 @@
 #!/usr/bin/python3
-"""Checks .vtu and .pvd files more strictly than any reader does.
+"""Checks .vtu and .pvd files more strictly than readers do.
 
-Readers crash or stay silent where a check is wanted: a short array or a number beyond the range of
-its type ends VTK, a decimal comma is read as another number, a node id beyond the points passes.
-This one names every fault, needs nothing but Python, and follows a .pvd to its parts:
+Readers are no check: VTK crashes on a short array or a number outside the range of its type, reads
+a decimal comma as another number, and accepts a node id above the number of points. This script
+reports every fault, needs only Python, and checks the parts of a .pvd file too:
 
     check_vtu.py Run.pvd Run_0/*.vtu
 
-Exit code 0 and "ok", or 1 and a line for each fault.
+Exit code 0 and "ok", or exit code 1 and one line for each fault.
 """
 
 import math
@@ -20,7 +20,7 @@ NODES_OF_TYPE = {1: 1, 3: 2, 5: 3, 9: 4, 10: 4, 12: 8, 13: 6, 14: 5}  # VTK cell
 
 
 class Vtu:
-    """One .vtu file and the faults found in it."""
+    """One .vtu file and its faults."""
 
     def __init__(self, path):
         self.path = path
@@ -30,7 +30,7 @@ class Vtu:
         self.faults.append(f"{self.path}: {text}")
 
     def values(self, array, wanted, kind):
-        """The numbers of an array, which must be `wanted` many and all of their type."""
+        """The numbers of an array; reports a wrong number of them and values of another type."""
         name = array.get("Name")
         words = (array.text or "").split()
         if array.get("format") != "ascii":
@@ -56,7 +56,7 @@ class Vtu:
         types = self.values(arrays["types"], n_cells, int)
         counts = [b - a for a, b in zip([0] + offsets, offsets)]
         if any(count < 0 for count in counts):
-            self.say("offsets fall")
+            self.say("offsets decrease")
         if any(node < 0 or node >= n_points for node in nodes):
             self.say("node id out of range")
         for cell, (kind, count) in enumerate(zip(types, counts)):

@@ -9,7 +9,7 @@
 
 #include "host_link/host_interface.h"
 
-/// The accessors of CPartitionFace_DLL, in their order there.
+/// The accessors of CPartitionFace_DLL in the order of their declarations.
 enum class PartAccessor : std::size_t {
     NParInterFace,
     ijParCV,
@@ -24,19 +24,20 @@ enum class PartAccessor : std::size_t {
     IfPartitionFace_InvalidForNonMatching
 };
 
-/// Partition faces that count how often each accessor is called, and that can fail on demand.
+/// Partition faces that count the calls of each accessor, and of which one can be made to fail.
 ///
-/// The vectors are 1-based (slot 0 is not data) and may be filled by a test; Resize() makes them.
+/// The vectors are 1-based (slot 0 is not data) and may be filled by a test; Resize() allocates
+/// them.
 class CountingPartitionFace : public CPartitionFace_DLL {
 public:
     static constexpr std::size_t nAccessors = 11;
 
-    /// Makes all arrays for n faces: ids 0, vectors and centres 0, flags false.
+    /// Allocates all arrays for n faces: ids 0, vectors and centers 0, flags false.
     void Resize(int n);
 
-    /// Calls of one accessor so far.
+    /// Number of calls of one accessor so far.
     int Calls(PartAccessor accessor) const { return calls[static_cast<std::size_t>(accessor)]; }
-    /// Calls of all accessors but NParInterFace() so far.
+    /// Number of calls of all accessors except NParInterFace() so far.
     int CallsOfOthers() const;
     void ResetCalls() { calls.fill(0); }
 
@@ -52,7 +53,7 @@ public:
     int* FaceType_Partition() override;
     bool* IfPartitionFace_InvalidForNonMatching() override;
 
-    int count = 0;                    ///< what NParInterFace() answers
+    int count = 0;                    ///< the result of NParInterFace()
     std::vector<int> cell;            ///< ijParCV
     std::vector<int> ghost;           ///< ijPar
     std::vector<double> area[3];      ///< ijParSx, ijParSy, ijParSz
@@ -61,7 +62,7 @@ public:
     std::unique_ptr<bool[]> invalid;  ///< IfPartitionFace_InvalidForNonMatching
 
     std::optional<PartAccessor> failing;  ///< this accessor throws an int ...
-    int failingAfter = 0;                 ///< ... once it has answered so many calls
+    int failingAfter = 0;                 ///< ... after this number of successful calls
 
 private:
     void Count(PartAccessor accessor);

@@ -4,7 +4,7 @@
 #include <sstream>
 #include <string>
 
-/// Takes over std::cout and std::cerr for its lifetime and keeps what is written to each.
+/// Redirects std::cout and std::cerr during its lifetime and stores what is written to each.
 class OutputCapture {
 public:
     OutputCapture();
@@ -14,7 +14,7 @@ public:
 
     std::string Out() const { return out.str(); }
     std::string Err() const { return err.str(); }
-    /// The part of Out() that was flushed so far; any write to std::cerr flushes std::cout too.
+    /// The part of Out() that was flushed so far. Any output to std::cerr also flushes std::cout.
     std::string FlushedOut() const { return out.flushed; }
 
 private:

@@ -1,16 +1,16 @@
 #ifndef KVX3D_TESTS_SUPPORT_PRIVATE_ACCESS_H
 #define KVX3D_TESTS_SUPPORT_PRIVATE_ACCESS_H
 
-/// Reaches a private member from a test without touching the class: an explicit instantiation may
-/// name private members, and hands the pointer to a friend function.
+/// Gives a test access to a private member without a change of the class: an explicit
+/// instantiation may name private members, and a friend function returns the pointer.
 ///
 ///     KVX3D_EXPOSE(InnerProduct, &CKVX_ART_HoleCutting::Innerproduct,
 ///                  double (CKVX_ART_HoleCutting::*)(double*, double*));
 ///     ...
 ///     EXPECT_EQ((cutting.*MemberOf(InnerProduct()))(a, b), 32.0);
 ///
-/// Works for data members too (`int Class::*`). Use it at namespace scope, outside anonymous
-/// namespaces, with a name that no other file of the same program uses.
+/// It works for data members too (`int Class::*`). Use it at namespace scope, outside anonymous
+/// namespaces, with a name that is unique in the test program.
 template <typename Tag, typename Tag::type member>
 struct ExposeMember {
     friend typename Tag::type MemberOf(Tag) { return member; }

@@ -4,8 +4,8 @@
 #include <new>
 #include <utility>
 
-/// An object whose destructor never runs: a copy that shares its arrays with another object, which
-/// releases them.
+/// An object whose destructor never runs, for a copy that shares its arrays with another object,
+/// which releases them.
 template <typename T>
 struct Undestroyed {
     template <typename... Arguments>

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Damages a good .vtu file in every way the checker must notice, one at a time:
+"""Makes one fault after another in a good .vtu file and expects the checker to report each:
 
     check_vtu_test.py <file of the shapes sample>
 """
@@ -17,13 +17,13 @@ DAMAGES = {
     "not a number": ("0.5 0.5 2", "nan 0.5 2"),
     "infinite": ("0.5 0.5 2", "-inf 0.5 2"),
     "beyond Float32": ("0.5 0.5 2", "1e+300 0.5 2"),
-    "node id beyond the points": ("4 5 6 7 8\n", "4 5 6 7 9\n"),
+    "node id above the number of points": ("4 5 6 7 8\n", "4 5 6 7 9\n"),
     "node id below zero": ("4 5 6 7 8\n", "4 5 6 7 -1\n"),
-    "offsets fall": ("8 14 19", "8 19 14"),
+    "offsets decrease": ("8 14 19", "8 19 14"),
     "type does not fit the nodes": ("12 13 14", "12 12 14"),
     "no components": ('Name="Height" NumberOfComponents="1"', 'Name="Height" NumberOfComponents="0"'),
     "unescaped character": ('Name="Height"', 'Name="<Height"'),
-    "cut file": ("</VTKFile>", ""),
+    "truncated file": ("</VTKFile>", ""),
 }
 
 

@@ -10,7 +10,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A run directory, a block and an initialised tool; messages are captured.
+/// A run directory, a block and an initialized tool, with captured output.
 class Collection : public testing::Test {
 protected:
     explicit Collection(int processId = 0) {
@@ -48,7 +48,7 @@ TEST_F(Collection, ASecondInitializeDoublesThePath) {
     EXPECT_EQ(tool.settings->stepDir, In("Run_0") + In("Run_0"));
 }
 
-TEST_F(Collection, InitializeTruncatesTheRecordsOfAFormerRun) {
+TEST_F(Collection, InitializeTruncatesTheRecordsOfAnEarlierRun) {
     tool.newBlockData(&one.block);
     tool.OutputRun(0.5, 20);
 
@@ -59,7 +59,7 @@ TEST_F(Collection, InitializeTruncatesTheRecordsOfAFormerRun) {
     EXPECT_EQ(Names(In("Run_0")).size(), 1u);
 }
 
-TEST_F(Collection, AFileNamedAsTheDataDirectoryPassesAsIt) {
+TEST_F(Collection, AFileWithTheNameOfTheDataDirectoryIsAccepted) {
     WriteFile(In("Other_0"), "x");
     CKVX_ART_VTK_Tool other;
 
@@ -77,7 +77,7 @@ TEST_F(Collection, NamesStepFilesByIterationTimeProcessAndBlock) {
     EXPECT_EQ(capture.Out(), "");
 }
 
-TEST_F(Collection, PrintsTimesInSixDigits) {
+TEST_F(Collection, PrintsTimesWithSixDigits) {
     tool.newBlockData(&one.block);
 
     tool.OutputRun(1.0 / 3, 1);
@@ -89,7 +89,7 @@ TEST_F(Collection, PrintsTimesInSixDigits) {
                                                             "Run_Itr3_T1.23457e+07_P0_B1.vtu"}));
 }
 
-TEST_F(Collection, TimesThatAgreeToSixDigitsShareAFileAndMakeTwoRecords) {
+TEST_F(Collection, TimesEqualToSixDigitsShareAFileAndHaveTwoRecords) {
     one.block.addCellsData(&one.cellData);
     tool.newBlockData(&one.block);
 
@@ -124,7 +124,7 @@ TEST_F(Collection, ABlockOfAnotherTypeHasARecordWithoutExtensionAndNoFile) {
     EXPECT_EQ(ReadFile(In("Run.vtkcollection_0")), "1\t0\t0\t1\tRun_0/Run_Itr1_T0_P0_B1\n");
 }
 
-TEST_F(Collection, AStepFileThatDoesNotOpenEndsTheStep) {
+TEST_F(Collection, AStepFileThatCannotBeOpenedEndsTheStep) {
     tool.newBlockData(&one.block);
     tool.newBlockData(&one.block);
     tool.newBlockData(&one.block);
@@ -185,7 +185,7 @@ TEST_F(CollectionWithoutDirectory, EachStepPrintsTheTwoOpenErrors) {
     EXPECT_EQ(capture.Out(), "Opne File: " + file + " With Error\nFile: " + file + " Open Error\n");
 }
 
-TEST_F(CollectionWithoutDirectory, ARecordFileThatDoesNotOpenLosesTheRecordsOnly) {
+TEST_F(CollectionWithoutDirectory, WithoutARecordFileOnlyTheRecordsAreLost) {
     OutputCapture capture;
     fs::create_directory(dir.Path() / "Run.vtkcollection_0");
     tool.newBlockData(&one.block);
@@ -197,7 +197,7 @@ TEST_F(CollectionWithoutDirectory, ARecordFileThatDoesNotOpenLosesTheRecordsOnly
     EXPECT_EQ(capture.Out(), "");
 }
 
-TEST_F(CollectionWithoutDirectory, AStepBeforeInitializeGoesBelowTheFileSystemsRoot) {
+TEST_F(CollectionWithoutDirectory, AStepBeforeInitializeWritesToTheRootOfTheFileSystem) {
     OutputCapture capture;
     tool.settings->project = "missing/Run";
     tool.newBlockData(&one.block);
@@ -244,7 +244,7 @@ TEST_F(Collection, ARunWithoutBlocksHasAnEmptySeries) {
     EXPECT_EQ(ReadFile(In("Run.pvd")), pvdHead + pvdEnd);
 }
 
-TEST_F(Collection, OtherRanksLeaveTheirRecordsForRankZero) {
+TEST_F(Collection, OtherRanksKeepTheirRecordsForRankZero) {
     tool.newBlockData(&one.block);
     tool.OutputRun(0, 1);
 
@@ -263,7 +263,7 @@ TEST_F(Collection, RankZeroWaitsBeforeTheMerge) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
 }
 
-TEST_F(Collection, StepsBehindThePostRunLoseTheirRecords) {
+TEST_F(Collection, StepsAfterThePostRunLoseTheirRecords) {
     tool.newBlockData(&one.block);
     tool.PostRun_Single_SMP(0);
 
@@ -273,7 +273,7 @@ TEST_F(Collection, StepsBehindThePostRunLoseTheirRecords) {
     EXPECT_EQ(Names(dir.Path()), (std::vector<std::string>{"Run.pvd", "Run_0"}));
 }
 
-TEST_F(Collection, ATwinToolInTheSameRootIsMergedToo) {
+TEST_F(Collection, ASecondToolInTheSameRootIsMergedToo) {
     WriteFile(In("Other.vtkcollection_7"), "3\t0.75\t7\t2\tOther_7/x.vtu\n");
 
     tool.PostRun_Single_SMP(0);
@@ -285,7 +285,7 @@ TEST_F(Collection, ATwinToolInTheSameRootIsMergedToo) {
     EXPECT_FALSE(fs::exists(In("Other.vtkcollection_7")));
 }
 
-TEST_F(Collection, PvdThatDoesNotOpenStillCostsTheRecords) {
+TEST_F(Collection, TheRecordsAreDeletedEvenIfThePvdCannotBeOpened) {
     tool.newBlockData(&one.block);
     tool.OutputRun(0, 1);
     fs::create_directory(In("Run.pvd"));
@@ -306,7 +306,7 @@ TEST_F(Collection, ClosingAPvdThatIsNotOpenFails) {
     EXPECT_EQ(ReadFile(In("Run.pvd")), pvdHead + pvdEnd);
 }
 
-TEST_F(Collection, DestructionLeavesRecordsAndWritesNoSeries) {
+TEST_F(Collection, DestructionKeepsRecordsAndWritesNoSeries) {
     {
         CKVX_ART_VTK_Tool aborted;
         aborted.Initialize(Chars(dir.Text()), Chars("Aborted"), 0);

@@ -23,7 +23,7 @@ static_assert(offsetof(VTK_DirIterator, handle) > offsetof(VTK_DirIterator, hasN
 static_assert(offsetof(VTK_DirIterator, findData) > offsetof(VTK_DirIterator, handle));
 static_assert(sizeof VTK_DirEntry::path == 260 && sizeof VTK_DirEntry::name == 256);
 
-/// All entries of a directory by the loop that every user writes, sorted by name.
+/// All entries of a directory, read with the usual loop and sorted by name.
 std::vector<VTK_DirEntry> Walk(const char* path) {
     std::vector<VTK_DirEntry> entries;
     VTK_DirIterator dir;
@@ -39,14 +39,14 @@ std::vector<VTK_DirEntry> Walk(const char* path) {
         return std::strcmp(a.name, b.name) < 0;
     });
     for (VTK_DirEntry& entry : entries) {
-        // A copied entry still points into its source.
+        // The extension of a copied entry points into the source of the copy.
         const char* dot = std::strrchr(entry.name, '.');
         entry.extension = entry.name + (dot ? dot + 1 - entry.name : std::strlen(entry.name));
     }
     return entries;
 }
 
-TEST(DirIterator, ListsEveryNameDotsIncluded) {
+TEST(DirIterator, ListsEveryNameWithDotAndDotDot) {
     TempDirectory dir;
     WriteFile(dir.Path() / "a.vtu", "x");
     std::filesystem::create_directory(dir.Path() / "sub");
@@ -60,7 +60,7 @@ TEST(DirIterator, ListsEveryNameDotsIncluded) {
     EXPECT_STREQ(entries[3].name, "sub");
 }
 
-TEST(DirIterator, TellsDirectoriesFromPlainFiles) {
+TEST(DirIterator, DistinguishesDirectoriesFromRegularFiles) {
     TempDirectory dir;
     WriteFile(dir.Path() / "a", "x");
     std::filesystem::create_directory(dir.Path() / "sub");
@@ -74,7 +74,7 @@ TEST(DirIterator, TellsDirectoriesFromPlainFiles) {
     }
 }
 
-TEST(DirIterator, FollowsLinksAndFindsDevicesNotPlain) {
+TEST(DirIterator, FollowsLinksAndDevicesAreNotRegularFiles) {
     TempDirectory dir;
     std::filesystem::create_directory(dir.Path() / "sub");
     std::filesystem::create_directory_symlink("sub", dir.Path() / "toDirectory");
@@ -97,7 +97,7 @@ TEST(DirIterator, JoinsPathAndNameWithASlash) {
     EXPECT_EQ(entries[2].path, dir.Text() + "/a.vtu");
 }
 
-TEST(DirIterator, ExtensionStandsBehindTheLastDot) {
+TEST(DirIterator, ExtensionIsTheTextAfterTheLastDot) {
     TempDirectory dir;
     WriteFile(dir.Path() / "a.b.vtu", "");
     WriteFile(dir.Path() / "b.", "");
@@ -123,7 +123,7 @@ TEST(DirIterator, ExtensionStandsBehindTheLastDot) {
 
 class TrailingSeparator : public testing::TestWithParam<const char*> {};
 
-TEST_P(TrailingSeparator, IsCutOnce) {
+TEST_P(TrailingSeparator, IsRemovedOnce) {
     TempDirectory dir;
     WriteFile(dir.Path() / "a", "");
     const std::string path = dir.Text() + GetParam();
@@ -147,7 +147,7 @@ TEST(DirIterator, KeepsASingleSeparator) {
     walk.Close();
 }
 
-TEST(DirIterator, RefusesAnEmptyPath) {
+TEST(DirIterator, RejectsAnEmptyPath) {
     VTK_DirIterator walk;
 
     for (const char* path : {static_cast<const char*>(nullptr), ""}) {
@@ -158,7 +158,7 @@ TEST(DirIterator, RefusesAnEmptyPath) {
     }
 }
 
-TEST(DirIterator, RefusesALongPath) {
+TEST(DirIterator, RejectsALongPath) {
     VTK_DirIterator walk;
 
     errno = 0;
@@ -182,7 +182,7 @@ TEST(DirIterator, OpensTheLongestPath) {
     walk.Close();
 }
 
-TEST(DirIterator, AMissingDirectoryReadsAsEmpty) {
+TEST(DirIterator, AMissingDirectoryLooksEmpty) {
     TempDirectory dir;
     VTK_DirIterator walk;
 
@@ -208,7 +208,7 @@ TEST(DirIterator, ReadingNeedsATargetAndAnOpenDirectory) {
     EXPECT_EQ(errno, 2);
 }
 
-TEST(DirIterator, ReadingRefusesAPathThatDoesNotFit) {
+TEST(DirIterator, ReadingRejectsAPathThatIsTooLong) {
     VTK_DirIterator walk;
     ASSERT_TRUE(walk.Open("/"));
     std::memset(walk.path, 'p', 200);
@@ -227,7 +227,7 @@ TEST(DirIterator, ReadingRefusesAPathThatDoesNotFit) {
     walk.Close();
 }
 
-TEST(DirIterator, ReadingRefusesANameThatDoesNotFit) {
+TEST(DirIterator, ReadingRejectsANameThatIsTooLong) {
     VTK_DirIterator walk;
     ASSERT_TRUE(walk.Open("/"));
     walk.path[0] = '\0';
@@ -244,9 +244,9 @@ TEST(DirIterator, ReadingRefusesANameThatDoesNotFit) {
     walk.Close();
 }
 
-class PlainFileBits : public testing::TestWithParam<std::pair<unsigned, int>> {};
+class RegularFileBits : public testing::TestWithParam<std::pair<unsigned, int>> {};
 
-TEST_P(PlainFileBits, DecideIsReg) {
+TEST_P(RegularFileBits, DecideIsReg) {
     VTK_DirIterator walk;
     ASSERT_TRUE(walk.Open("/"));
     walk.findData.dwFileAttributes = GetParam().first;
@@ -259,7 +259,7 @@ TEST_P(PlainFileBits, DecideIsReg) {
     walk.Close();
 }
 
-INSTANTIATE_TEST_SUITE_P(Attributes, PlainFileBits,
+INSTANTIATE_TEST_SUITE_P(Attributes, RegularFileBits,
                          testing::Values(std::pair(0u, 1), std::pair(32u, 1), std::pair(1u, 1),
                                          std::pair(128u, 1), std::pair(128u | 16u, 1),
                                          std::pair(64u, 0), std::pair(16u, 0), std::pair(16384u, 0),
@@ -267,7 +267,7 @@ INSTANTIATE_TEST_SUITE_P(Attributes, PlainFileBits,
                                          std::pair(4096u, 0), std::pair(256u, 0),
                                          std::pair(256u | 32u, 0)));
 
-TEST(DirIterator, SteppingBehindTheEndFails) {
+TEST(DirIterator, SteppingAfterTheEndFails) {
     TempDirectory dir;
     VTK_DirIterator walk;
     ASSERT_TRUE(walk.Open(dir.Text().c_str()));
@@ -288,7 +288,7 @@ TEST(DirIterator, AReadErrorResetsTheIterator) {
     TempDirectory dir;
     VTK_DirIterator walk;
     ASSERT_TRUE(walk.Open(dir.Text().c_str()));
-    // The entries read ahead are still handed out; the next look at the directory fails.
+    // Entries that were already read from the directory are still returned; the next read fails.
     ASSERT_EQ(close(dirfd(static_cast<DIR*>(walk.handle))), 0);
 
     bool stepped = true;
@@ -306,7 +306,7 @@ TEST(DirIterator, AReadErrorResetsTheIterator) {
 }
 #endif
 
-TEST(DirIterator, ClosingTwiceIsHarmless) {
+TEST(DirIterator, ClosingTwiceHasNoEffect) {
     TempDirectory dir;
     VTK_DirIterator walk;
     ASSERT_TRUE(walk.Open(dir.Text().c_str()));

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 const std::string openError = ">> Error: Open File Error!\n";
 
-/// One process with a root of its own, which has written one step of one block.
+/// One process with its own root directory, which has written one step of one block.
 struct Process {
     explicit Process(int id) {
         tool.Initialize(Chars(root.Text()), Chars("Run"), id);
@@ -54,7 +54,7 @@ TEST(DistributedPostRun, CollectsEveryProcessInTheTarget) {
     EXPECT_EQ(capture.Err(), "");
 }
 
-TEST(DistributedPostRun, OnlyRankZeroTakesTheTargetAsItsRoot) {
+TEST(DistributedPostRun, OnlyRankZeroUsesTheTargetAsItsRoot) {
     TempDirectory target;
     Process zero(0);
     Process one(1);
@@ -69,7 +69,7 @@ TEST(DistributedPostRun, OnlyRankZeroTakesTheTargetAsItsRoot) {
     EXPECT_EQ(zero.tool.settings->stepDir, stepDir);
 }
 
-TEST(DistributedPostRun, TheRankNeedNotBeTheProcessNumber) {
+TEST(DistributedPostRun, TheRankMayDifferFromTheProcessNumber) {
     TempDirectory target;
     Process seven(7);
     OutputCapture capture;
@@ -103,7 +103,7 @@ TEST(DistributedPostRun, RankZeroWaitsBeforeTheMerge) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
 }
 
-TEST(DistributedPostRun, OverwritesDataOfAFormerRun) {
+TEST(DistributedPostRun, OverwritesDataOfAnEarlierRun) {
     TempDirectory target;
     Process zero(0);
     OutputCapture capture;
@@ -117,7 +117,7 @@ TEST(DistributedPostRun, OverwritesDataOfAFormerRun) {
     EXPECT_EQ(ReadFile(target.Path() / "Run_0/older.vtu"), "stays");
 }
 
-TEST(DistributedPostRun, WithoutATargetEveryFileStays) {
+TEST(DistributedPostRun, WithoutATargetNoFileIsMoved) {
     Process zero(0);
     Process one(1);
     TempDirectory dir;
@@ -139,7 +139,7 @@ TEST(DistributedPostRun, WithoutATargetEveryFileStays) {
     EXPECT_EQ(Names(one.root.Path() / "Run_1").size(), 1u);
 }
 
-TEST(DistributedPostRun, TheRootAsTargetLosesEverythingToItsOwnTruncation) {
+TEST(DistributedPostRun, TheRootAsTargetTruncatesEveryFile) {
     Process zero(0);
     OutputCapture capture;
 
@@ -150,7 +150,7 @@ TEST(DistributedPostRun, TheRootAsTargetLosesEverythingToItsOwnTruncation) {
     EXPECT_FALSE(fs::exists(zero.root.Path() / "Run.vtkcollection_0"));
 }
 
-TEST(MoveOfRecords, AnswersTrueWhateverHappens) {
+TEST(MoveOfRecords, AlwaysReturnsTrue) {
     Process zero(0);
     zero.tool.collectionWriter->recordFile.close();
     OutputCapture capture;
@@ -182,7 +182,7 @@ TEST_F(MoveOfData, ASubdirectoryEndsTheMove) {
     EXPECT_EQ(ReadFile(target.Path() / "Run_0/sub"), "");
 }
 
-TEST_F(MoveOfData, ANameTooLongToReadEndsTheMove) {
+TEST_F(MoveOfData, ANameThatIsTooLongEndsTheMove) {
     const std::string longName(250, 'n');
     WriteFile(Step(longName), "x");
 
@@ -192,7 +192,7 @@ TEST_F(MoveOfData, ANameTooLongToReadEndsTheMove) {
     EXPECT_EQ(ReadFile(Step(longName)), "x");
 }
 
-TEST_F(MoveOfData, FilesMovedBeforeAFailureStayMoved) {
+TEST_F(MoveOfData, FilesMovedBeforeAFailureRemainMoved) {
     for (int file = 0; file < 20; ++file) {
         WriteFile(Step("f" + std::to_string(file)), "x");
     }
@@ -200,11 +200,11 @@ TEST_F(MoveOfData, FilesMovedBeforeAFailureStayMoved) {
 
     EXPECT_FALSE(tool_access::MoveDataFolder(process.tool, target.Text()));
 
-    // 20 files, the step file and "sub": each is here or there, and "sub" is in both places.
+    // 20 files, the step file and "sub": each is in one of the two places, and "sub" is in both.
     EXPECT_EQ(Names(Step("")).size() + Names(target.Path() / "Run_0").size(), 23u);
 }
 
-TEST(MoveOfDataBlocked, AtAnyFileKeepsThatFileAndLosesNone) {
+TEST(MoveOfDataBlocked, NoFileIsLostWhicheverFileEndsTheMove) {
     for (int blocked = 0; blocked < 6; ++blocked) {
         SCOPED_TRACE(blocked);
         Process process(0);
@@ -234,7 +234,7 @@ TEST(MoveOfDataBlocked, AtAnyFileKeepsThatFileAndLosesNone) {
     }
 }
 
-TEST_F(MoveOfData, AFileInPlaceOfTheTargetDirectoryFailsEachMove) {
+TEST_F(MoveOfData, AFileInPlaceOfTheTargetDirectoryEndsTheMove) {
     WriteFile(target.Path() / "Run_0", "x");
 
     EXPECT_FALSE(tool_access::MoveDataFolder(process.tool, target.Text()));

@@ -19,14 +19,14 @@ protected:
     CKVX_ART_VTK_Tool tool;
 };
 
-TEST_F(Directories, OpenDirMakesTheLastLevelOnly) {
+TEST_F(Directories, OpenDirCreatesTheLastLevelOnly) {
     EXPECT_TRUE(tool_access::OpenDir(tool, In("a")));
     EXPECT_TRUE(fs::is_directory(In("a")));
     EXPECT_FALSE(tool_access::OpenDir(tool, In("b/c")));
     EXPECT_FALSE(fs::exists(In("b")));
 }
 
-TEST_F(Directories, OpenDirTakesWhatIsThere) {
+TEST_F(Directories, OpenDirAcceptsWhatExists) {
     WriteFile(In("file"), "x");
 
     EXPECT_TRUE(tool_access::OpenDir(tool, dir.Text()));
@@ -55,11 +55,11 @@ TEST_F(Directories, DeleteDirRemovesAnEmptyDirectory) {
     EXPECT_FALSE(fs::exists(In("a")));
 }
 
-TEST_F(Directories, DeleteDirIsContentWithoutADirectory) {
+TEST_F(Directories, DeleteDirSucceedsWithoutADirectory) {
     EXPECT_TRUE(tool_access::DeleteDir(tool, In("missing")));
 }
 
-TEST_F(Directories, DeleteDirLeavesAFullDirectoryAndAFile) {
+TEST_F(Directories, DeleteDirRemovesNeitherAFullDirectoryNorAFile) {
     fs::create_directory(In("a"));
     WriteFile(In("a/file"), "x");
 
@@ -89,7 +89,7 @@ TEST_F(FileMove, DoublesTheOnlyByte) {
     EXPECT_EQ(ReadFile(In("to")), std::string(2, '\0'));
 }
 
-TEST_F(FileMove, MakesOneByteOfAnEmptyFile) {
+TEST_F(FileMove, TurnsAnEmptyFileIntoOneByte) {
     WriteFile(In("from"), "");
 
     EXPECT_TRUE(tool_access::Move(tool, In("from"), In("to")));
@@ -127,7 +127,7 @@ TEST_F(FileMove, TruncatesAnExistingTarget) {
     EXPECT_EQ(ReadFile(In("to")), "neww");
 }
 
-TEST_F(FileMove, AMissingSourceTruncatesTheTargetAllTheSame) {
+TEST_F(FileMove, AMissingSourceStillTruncatesTheTarget) {
     WriteFile(In("to"), "old");
     OutputCapture capture;
 
@@ -137,7 +137,7 @@ TEST_F(FileMove, AMissingSourceTruncatesTheTargetAllTheSame) {
     EXPECT_EQ(capture.FlushedOut(), ">> Error: Open File Error!\n");
 }
 
-TEST_F(FileMove, ADirectoryCountsAsASourceThatDoesNotOpen) {
+TEST_F(FileMove, ADirectoryCountsAsASourceThatCannotBeOpened) {
     fs::create_directory(In("from"));
     OutputCapture capture;
 
@@ -148,7 +148,7 @@ TEST_F(FileMove, ADirectoryCountsAsASourceThatDoesNotOpen) {
     EXPECT_EQ(capture.Out(), ">> Error: Open File Error!\n");
 }
 
-TEST_F(FileMove, KeepsTheSourceIfTheTargetDoesNotOpen) {
+TEST_F(FileMove, KeepsTheSourceIfTheTargetCannotBeOpened) {
     WriteFile(In("from"), "bytes");
     OutputCapture capture;
 
@@ -159,7 +159,7 @@ TEST_F(FileMove, KeepsTheSourceIfTheTargetDoesNotOpen) {
     EXPECT_EQ(capture.Out(), ">> Error: Open File Error!\n>> Error: Open File Error!\n");
 }
 
-TEST_F(FileMove, OntoItselfLosesTheFile) {
+TEST_F(FileMove, AMoveOntoItselfLosesTheFile) {
     WriteFile(In("same"), "bytes");
     OutputCapture capture;
 
@@ -170,10 +170,10 @@ TEST_F(FileMove, OntoItselfLosesTheFile) {
 }
 
 #ifdef __linux__
-TEST_F(FileMove, ASourceThatCannotBeDeletedIsToldAndCountsAsMoved) {
+TEST_F(FileMove, ASourceThatCannotBeDeletedIsReportedAndCountsAsMoved) {
     OutputCapture capture;
 
-    // The kernel's files cannot be unlinked, by root neither.
+    // Nobody can delete the files of the kernel, not even root.
     EXPECT_TRUE(tool_access::Move(tool, "/proc/sys/kernel/ostype", In("to")));
 
     EXPECT_EQ(ReadFile(In("to")), "Linux\n\n");

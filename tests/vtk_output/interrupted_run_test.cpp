@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Runs `action` in a child process that is then killed without any chance to tidy up.
+/// Runs `action` in a child process that is then killed, so that no destructor runs.
 template <class Action>
 void RunAndKill(Action action) {
     const pid_t child = fork();
@@ -29,7 +29,7 @@ void RunAndKill(Action action) {
     ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
 }
 
-TEST(InterruptedRun, KeepsEveryRecordSoFar) {
+TEST(InterruptedRun, KeepsEveryRecordWrittenSoFar) {
     TempDirectory dir;
 
     RunAndKill([&] {
@@ -48,7 +48,7 @@ TEST(InterruptedRun, KeepsEveryRecordSoFar) {
               "3\t3\t0\t1\tRun_0/Run_Itr3_T3_P0_B1.vtu\n");
 }
 
-TEST(InterruptedRun, KeepsEverySeriesLineSoFar) {
+TEST(InterruptedRun, KeepsEveryLineOfTheSeriesWrittenSoFar) {
     TempDirectory dir;
 
     RunAndKill([&] {
@@ -69,7 +69,7 @@ TEST(InterruptedRun, KeepsEveryWholeLineOfAStepFile) {
     TempDirectory dir;
     const std::string path = dir.Text() + "/file.vtu";
 
-    // A row that may not be read kills the writer in the middle of the connectivity.
+    // A row in unreadable memory kills the writer in the middle of the connectivity.
     void* unreadable = mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(unreadable, MAP_FAILED);
     const pid_t child = fork();

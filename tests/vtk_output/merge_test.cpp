@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A run directory without records and a tool that merges into it; messages are captured.
+/// A run directory without records and a tool that merges there, with captured output.
 class Merge : public testing::Test {
 protected:
     Merge() {
@@ -21,7 +21,7 @@ protected:
 
     std::string In(const std::string& name) { return dir.Text() + "/" + name; }
 
-    /// The `.pvd` lines that a record file with these bytes brings.
+    /// The `.pvd` lines that result from a record file with these bytes.
     std::string Merged(const std::string& records) {
         WriteFile(In("x.vtkcollection"), records);
         tool.pvdWriter->openPvd();
@@ -41,7 +41,7 @@ std::string DataSet(const std::string& time, int group, int part, const std::str
            std::to_string(part) + "\" file=\"" + file + "\"/>\n";
 }
 
-TEST_F(Merge, TakesNamesThatHoldTheWholeText) {
+TEST_F(Merge, IncludesNamesThatContainTheText) {
     for (const char* name :
          {".vtkcollection", ".vtkcollectio", "vtkcollection_12", "a.vtkcollection",
           "a.vtkcollection_0", "b.vtkcollection.bak", "c.VTKCollection_0"}) {
@@ -57,7 +57,7 @@ TEST_F(Merge, TakesNamesThatHoldTheWholeText) {
                                         "b.vtkcollection.bak", "dir.vtkcollection_1"}));
 }
 
-TEST_F(Merge, LeavesOutANameTooLongToRead) {
+TEST_F(Merge, IgnoresANameThatIsTooLong) {
     const std::string longName = ".vtkcollection_" + std::string(230, '1');
     WriteFile(In(longName), "1 0 1 1 f\n");
     WriteFile(In("Run.vtkcollection_2"), "1 0 2 1 f\n");
@@ -69,14 +69,14 @@ TEST_F(Merge, LeavesOutANameTooLongToRead) {
     EXPECT_EQ(Names(dir.Path()), std::vector<std::string>{longName});
 }
 
-TEST_F(Merge, AMissingRootHoldsNoNames) {
+TEST_F(Merge, AMissingRootHasNoRecordFiles) {
     tool.settings->rootDir = In("missing");
 
     EXPECT_TRUE(tool.pvdWriter->findCollectionFiles().empty());
     EXPECT_TRUE(tool.pvdWriter->mergeCollections());
 }
 
-TEST_F(Merge, GoesInTheSystemsOrder) {
+TEST_F(Merge, UsesTheOrderOfTheSystem) {
     for (int process = 0; process < 12; ++process) {
         WriteFile(In("Run.vtkcollection_" + std::to_string(process)),
                   "1 0 " + std::to_string(process) + " 1 f\n");
@@ -93,12 +93,12 @@ TEST_F(Merge, GoesInTheSystemsOrder) {
     EXPECT_EQ(ReadFile(In("Run.pvd")), pvdHead + expected + pvdEnd);
 }
 
-TEST_F(Merge, ReadsAnyWhitespaceAndDropsTheIteration) {
+TEST_F(Merge, ReadsAnyWhitespaceAndIgnoresTheIteration) {
     EXPECT_EQ(Merged("1 0.5\n2   3\ta/b.vtu 7\t1e3\t0\t1\tc"),
               DataSet("0.5", 3, 2, "a/b.vtu") + DataSet("1000", 1, 0, "c"));
 }
 
-TEST_F(Merge, EndsAtTheFirstWordThatDoesNotParse) {
+TEST_F(Merge, EndsAtTheFirstWordThatCannotBeParsed) {
     const std::string good = "1\t0.5\t0\t1\ta\n";
 
     EXPECT_EQ(Merged(good + "x\t0.5\t0\t1\tb\n" + good), DataSet("0.5", 1, 0, "a"));
@@ -108,13 +108,13 @@ TEST_F(Merge, EndsAtTheFirstWordThatDoesNotParse) {
     EXPECT_EQ(Merged(""), "");
 }
 
-TEST_F(Merge, ABlankInTheProjectNameEndsTheFileAtIt) {
+TEST_F(Merge, ABlankInTheProjectNameEndsTheMergeOfTheFile) {
     const std::string record = "1\t0.5\t0\t1\tMy Run_0/My Run_Itr1_T0.5_P0_B1.vtu\n";
 
     EXPECT_EQ(Merged(record + record), DataSet("0.5", 1, 0, "My"));
 }
 
-TEST_F(Merge, SkipsASecondLineEndLeftByAMove) {
+TEST_F(Merge, SkipsTheSecondNewlineThatAMoveAdds) {
     EXPECT_EQ(Merged("1\t0.5\t0\t1\ta\n\n"), DataSet("0.5", 1, 0, "a"));
 }
 
@@ -131,14 +131,14 @@ TEST_F(Merge, ReadsWithADecimalPointWhateverTheLocale) {
     EXPECT_EQ(lines, DataSet("0.5", 1, 1234, "a"));
 }
 
-TEST_F(Merge, PrintsThePathAndFailsOnAFileThatIsNotThere) {
+TEST_F(Merge, PrintsThePathAndFailsForAMissingFile) {
     EXPECT_FALSE(tool.pvdWriter->mergeCollectionFile("gone.vtkcollection_1"));
 
     EXPECT_EQ(capture.FlushedOut(), In("gone.vtkcollection_1") + "\n");
 }
 
 TEST_F(Merge, StopsAtTheFirstFileThatCannotBeDeleted) {
-    // A directory with something in it opens, reads as nothing and stays.
+    // A directory that is not empty can be opened, contains no records and cannot be deleted.
     fs::create_directory(In("full.vtkcollection_0"));
     WriteFile(In("full.vtkcollection_0/file"), "x");
     for (int process = 1; process <= 5; ++process) {
@@ -154,7 +154,7 @@ TEST_F(Merge, StopsAtTheFirstFileThatCannotBeDeleted) {
     }
 }
 
-/// Makes a directory the current one while it lives.
+/// Changes the current directory during its lifetime.
 class CurrentDirectory {
 public:
     explicit CurrentDirectory(const fs::path& directory) : before(fs::current_path()) {
@@ -166,7 +166,7 @@ private:
     fs::path before;
 };
 
-TEST(Listing, NamesEntriesWithTheText) {
+TEST(Listing, PrintsTheEntriesThatContainTheText) {
     TempDirectory dir;
     WriteFile(dir.Path() / "myACMTfile", "");
     WriteFile(dir.Path() / "acmt", "");

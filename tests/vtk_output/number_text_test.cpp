@@ -11,12 +11,14 @@
 #include <random>
 #include <sstream>
 
+using kvx3d::detail::numberText;
+
 namespace {
 
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-/// What a default-formatted stream prints.
+/// The text that a stream with default format prints.
 template <class Number>
 std::string StreamText(Number value) {
     std::ostringstream out;
@@ -25,13 +27,13 @@ std::string StreamText(Number value) {
     return out.str();
 }
 
-/// Checks one value against the stream with its sign both ways.
+/// Compares a value and its negative with the text of the stream.
 void CheckBothSigns(double value) {
     ASSERT_EQ(numberText(value), StreamText(value));
     ASSERT_EQ(numberText(-value), StreamText(-value));
 }
 
-TEST(NumberText, IsThatOfTheStream) {
+TEST(NumberText, IsTheTextOfTheStream) {
     EXPECT_EQ(numberText(0), "0");
     EXPECT_EQ(numberText(-2147483647 - 1), "-2147483648");
     EXPECT_EQ(numberText(0.1), "0.1");
@@ -46,7 +48,7 @@ TEST(NumberText, IsThatOfTheStream) {
     EXPECT_EQ(numberText(1e300), "1e+300");
 }
 
-TEST(NumberText, KeepsTheSignOfZeroAndOfNotANumber) {
+TEST(NumberText, KeepsTheSignOfZeroAndOfNaN) {
     EXPECT_EQ(numberText(0.0), "0");
     EXPECT_EQ(numberText(-0.0), "-0");
     EXPECT_EQ(numberText(inf), "inf");
@@ -55,7 +57,7 @@ TEST(NumberText, KeepsTheSignOfZeroAndOfNotANumber) {
     EXPECT_EQ(numberText(std::copysign(nan, -1.0)), StreamText(std::copysign(nan, -1.0)));
 }
 
-TEST(NumberText, RoundsTiesAsTheStreamDoes) {
+TEST(NumberText, RoundsTiesLikeTheStream) {
     for (const double tie : {100000.5, 100001.5, 1000.125, 1000.375, 0.5, 2.5, 123456.5, 999999.5,
                              12345.25, 1048576.5, 4503599627370497.5}) {
         CheckBothSigns(tie);
@@ -76,7 +78,7 @@ TEST(NumberText, AgreesAroundEveryPowerOfTen) {
     }
 }
 
-TEST(NumberText, AgreesOnTheEndsOfTheRange) {
+TEST(NumberText, AgreesAtTheEndsOfTheRange) {
     using Limits = std::numeric_limits<double>;
     for (const double value :
          {Limits::max(), Limits::min(), Limits::denorm_min(), std::nextafter(Limits::min(), 0.0)}) {
@@ -84,7 +86,7 @@ TEST(NumberText, AgreesOnTheEndsOfTheRange) {
     }
 }
 
-TEST(NumberTextAgainstStream, AgreesOnRandomBits) {
+TEST(NumberTextAgainstStream, AgreesOnNumbersWithRandomBits) {
     std::mt19937_64 random(101);
     for (int i = 0; i < 200000; ++i) {
         const std::uint64_t bits = random();
@@ -94,7 +96,7 @@ TEST(NumberTextAgainstStream, AgreesOnRandomBits) {
     }
 }
 
-TEST(NumberTextAgainstStream, AgreesOnNumbersOfEverydaySize) {
+TEST(NumberTextAgainstStream, AgreesOnNumbersOfOrdinarySize) {
     std::mt19937_64 random(102);
     std::uniform_real_distribution<double> mantissa(1, 10);
     for (int i = 0; i < 400000; ++i) {

@@ -11,7 +11,7 @@
 #include "vtk_output/vtk_data.h"
 #include "vtk_output/vtk_tool.h"
 
-/// A text as the `char*` that the tool's interface takes, for the length of one call.
+/// A text as the `char*` that the interface of the tool needs, for the duration of one call.
 class Chars {
 public:
     explicit Chars(std::string characters) : text(std::move(characters)) {}
@@ -28,8 +28,8 @@ inline const std::string pvdHead =
     "<Collection>\n";
 inline const std::string pvdEnd = "</Collection>\n</VTKFile>\n";
 
-/// One tetrahedron with all four arrays a block can tell apart: a scalar and a vector, over points
-/// and over cells. Nothing is added to the block yet.
+/// One tetrahedron with all four kinds of arrays: a scalar and a vector, over points and over
+/// cells. They are not added to the block.
 struct Tetrahedron {
     double x[4] = {0, 1, 0, 0};
     double y[4] = {0, 0, 1, 0};
@@ -56,7 +56,7 @@ struct Tetrahedron {
     Tetrahedron& operator=(const Tetrahedron&) = delete;
 };
 
-/// Names in a directory, sorted.
+/// The names in a directory, sorted.
 inline std::vector<std::string> Names(const std::filesystem::path& directory) {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(directory)) {

@@ -14,6 +14,8 @@
 #include "tests/vtk_output/output_support.h"
 #include "vtk_output/detail/number_text.h"
 
+using kvx3d::detail::numberText;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -22,7 +24,7 @@ const std::string project = "VTK_Overset_Flow_Results";
 constexpr int nonActive = 1;
 constexpr int undefined = 0;
 
-/// A background box with a component grid over its middle, set up as a host does it.
+/// A background box with a component grid over its middle, set up like in a host.
 class OversetResults : public testing::Test {
 protected:
     OversetResults() : host(12, 12, 2) {
@@ -49,7 +51,7 @@ protected:
         return dir.Path() / (project + "_3") / (project + iterationAndTime + "_P3_B1.vtu");
     }
 
-    /// The lines of an array in a step file, tabs and all.
+    /// The lines of an array in a step file, with their tabs.
     std::string Array(const std::string& iterationAndTime, const std::string& name) {
         const std::string text = ReadFile(StepFile(iterationAndTime));
         const std::size_t begin = text.find('\n', text.find("Name=\"" + name + "\"")) + 1;
@@ -62,7 +64,7 @@ protected:
     CKVXOversetMesh mesh;
 };
 
-TEST_F(OversetResults, PublishTheActiveCellsWithPressureAndVelocity) {
+TEST_F(OversetResults, ContainTheActiveCellsWithPressureAndVelocity) {
     const std::vector<int> published = PublishedCells();
     ASSERT_GT(published.size(), 0u);
     ASSERT_LT(published.size(), static_cast<std::size_t>(host.fvm.Nc));
@@ -90,7 +92,7 @@ TEST_F(OversetResults, PublishTheActiveCellsWithPressureAndVelocity) {
     EXPECT_EQ(Array("_Itr20_T0.5", "Velocity"), velocity);
 }
 
-TEST_F(OversetResults, HaveCellDataInTheirOrderAndNoPointData) {
+TEST_F(OversetResults, HaveCellDataInOrderAndNoPointData) {
     mesh.InitializeVTKTool();
     mesh.OutputVTKDataInEachTimeStep(0, 1);
 
@@ -122,7 +124,7 @@ TEST_F(OversetResults, CountTheActiveCellsAndCompressTheirValues) {
     }
 }
 
-TEST_F(OversetResults, FillTheRecordsOfTheImplementation) {
+TEST_F(OversetResults, AreDescribedByTheRecordsOfTheImplementation) {
     mesh.InitializeVTKTool();
 
     const CKVXOversetMesh_Impl& impl = *mesh.impl;
@@ -141,7 +143,7 @@ TEST_F(OversetResults, FillTheRecordsOfTheImplementation) {
     EXPECT_EQ(impl.vtkTool->collectionWriter->blocks, std::vector<VTK_Block*>{impl.vtkBlock});
 }
 
-TEST_F(OversetResults, WithoutCutCellsPublishAllOfThem) {
+TEST_F(OversetResults, WithoutCutCellsContainAllCells) {
     std::fill_n(&Grid().cellState[1], Grid().Nc, 2);
     Grid().cellState[5] = undefined;
 
@@ -154,7 +156,7 @@ TEST_F(OversetResults, WithoutCutCellsPublishAllOfThem) {
     }
 }
 
-TEST_F(OversetResults, WithoutCellsWriteAFileWithoutCells) {
+TEST_F(OversetResults, OfAMeshWithoutCellsAreAFileWithoutCells) {
     Grid().Nc = 0;
 
     mesh.InitializeVTKTool();
@@ -164,7 +166,7 @@ TEST_F(OversetResults, WithoutCellsWriteAFileWithoutCells) {
     EXPECT_EQ(Array("_Itr1_T0", "Pressure"), "");
 }
 
-TEST_F(OversetResults, FlushTinyValuesToZeroInTheHostsArrays) {
+TEST_F(OversetResults, SetTinyValuesToZeroInTheArraysOfTheHost) {
     const int cell = PublishedCells().front();
     double* const* fields = host.gv.flowVariables;
     fields[0][cell] = 5e-11;
@@ -186,7 +188,7 @@ TEST_F(OversetResults, FlushTinyValuesToZeroInTheHostsArrays) {
     EXPECT_EQ(Array("_Itr1_T0", "Velocity").substr(0, 19), "\t\t\t\t0 1e-10 -1e-10\n");
 }
 
-TEST_F(OversetResults, LeaveCutCellsGhostCellsAndNotANumbersAlone) {
+TEST_F(OversetResults, DoNotChangeCutCellsGhostCellsAndNaN) {
     const int active = PublishedCells().front();
     int cut = 0;
     for (int cell = 1; cell <= Grid().Nc && cut == 0; ++cell) {
@@ -206,7 +208,7 @@ TEST_F(OversetResults, LeaveCutCellsGhostCellsAndNotANumbersAlone) {
     EXPECT_EQ(p[host.fvm.NcAll], 1e-20);
 }
 
-TEST_F(OversetResults, ShowTheValuesOfEachStep) {
+TEST_F(OversetResults, ContainTheValuesOfEachStep) {
     const int cell = PublishedCells().front();
     mesh.InitializeVTKTool();
 
@@ -267,7 +269,7 @@ TEST_F(OversetResults, DoNotStopTheSolverWhenTheyFail) {
                                  " Open Error\nPVD File Open Error\n");
 }
 
-TEST_F(OversetResults, RunNoPostRunAtDestruction) {
+TEST_F(OversetResults, AreNotMergedAtDestruction) {
     {
         CKVXOversetMesh other;
         other.SetFVM(&host.gv, &host.fvm);

@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""Reads every part of a .pvd with VTK's own reader and prints what it found, one line a part:
+"""Reads every part of a .pvd file with the reader of VTK and prints one line for each part:
 
     <file> <points> <cells> <type of cell 0, - for none> <array>:<components>:<min>:<max> ...
 
-A part that makes the reader report an error ends the script with exit code 1.
+If the reader reports an error for a part, the script ends with exit code 1.
 """
 
 import os

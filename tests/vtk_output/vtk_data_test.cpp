@@ -39,7 +39,7 @@ INSTANTIATE_TEST_SUITE_P(Shapes, CellType,
                                          Shape{9, true, 0}, Shape{20, false, 0},
                                          Shape{-1, false, 0}));
 
-TEST(MeshCellValue, TwoArgumentsMakeAVolumeCell) {
+TEST(MeshCellValue, TwoArgumentsGiveAVolumeCell) {
     int nodes[] = {1, 2, 3, 4};
     MeshCell cell(nodes, 4);
 
@@ -61,7 +61,7 @@ TEST(MeshCellValue, AssignmentCopiesTheWholeRecord) {
     EXPECT_TRUE(cell.isSurface);
 }
 
-TEST(MeshCellValue, FieldsStandInTheirOrder) {
+TEST(MeshCellValue, FieldsAreInTheirOrder) {
     EXPECT_EQ(offsetof(MeshCell, nodes), 0u);
     EXPECT_LT(offsetof(MeshCell, nodes), offsetof(MeshCell, count));
     EXPECT_LT(offsetof(MeshCell, count), offsetof(MeshCell, isSurface));
@@ -86,7 +86,7 @@ TEST(VtkBlock, StartsAsAnUnstructuredGridWithoutArrays) {
     EXPECT_TRUE(block.cellsData.empty());
 }
 
-TEST(VtkBlock, TakesArraysInOrderAndWithoutAnyCheck) {
+TEST(VtkBlock, StoresArraysInOrderWithoutChecks) {
     Tetrahedron one;
     VTK_Data sameName("Pressure");
 
@@ -118,7 +118,7 @@ TEST(VtkBlock, CopiesShareTheRecords) {
     }
 }
 
-TEST(VtkBlock, DestructionLeavesTheRecordsUsable) {
+TEST(VtkBlock, DestructionDoesNotReleaseTheRecords) {
     Tetrahedron one;
     auto* block = new VTK_Block(&one.points, &one.cells);
     block->addCellsData(&one.cellData);
@@ -131,7 +131,7 @@ TEST(VtkBlock, DestructionLeavesTheRecordsUsable) {
     EXPECT_EQ(one.points.count, 4);
 }
 
-TEST(VtkBlock, ADestroyedBlockShowsNoRecords) {
+TEST(VtkBlock, ADestroyedBlockHasNoRecords) {
     Tetrahedron one;
     Undestroyed<VTK_Block> block(&one.points, &one.cells);
     const std::size_t at = offsetof(VTK_Block, points);
@@ -144,7 +144,7 @@ TEST(VtkBlock, ADestroyedBlockShowsNoRecords) {
     EXPECT_EQ(records[1], nullptr);
 }
 
-TEST(VtkTool, StartsEmptyWithTheSystemsSeparator) {
+TEST(VtkTool, StartsEmptyWithTheSeparatorOfTheSystem) {
     CKVX_ART_VTK_Tool tool;
 
 #ifdef _WIN32
@@ -165,7 +165,7 @@ TEST(VtkTool, StartsEmptyWithTheSystemsSeparator) {
     EXPECT_FALSE(tool.pvdWriter->pvdFile.is_open());
 }
 
-TEST(VtkTool, NumbersBlocksFromOneAndTakesOneTwice) {
+TEST(VtkTool, NumbersBlocksFromOneAndAcceptsABlockTwice) {
     Tetrahedron one;
     VTK_Block other(&one.points, &one.cells);
     CKVX_ART_VTK_Tool tool;
@@ -179,7 +179,7 @@ TEST(VtkTool, NumbersBlocksFromOneAndTakesOneTwice) {
 
 TEST(VtkTool, CopiesShareTheParts) {
     auto* tool = new CKVX_ART_VTK_Tool;
-    // Never destroyed, as only one of the copies may be.
+    // Never destroyed, because only one of the copies may be.
     alignas(CKVX_ART_VTK_Tool) unsigned char room[2][sizeof(CKVX_ART_VTK_Tool)];
     auto* copy = new (room[0]) CKVX_ART_VTK_Tool(*tool);
     auto* assigned = new (room[1]) CKVX_ART_VTK_Tool(*copy);
@@ -194,13 +194,14 @@ TEST(VtkTool, CopiesShareTheParts) {
     delete tool;
 }
 
-TEST(VtkTool, ADestroyedToolShowsNoParts) {
+TEST(VtkTool, ADestroyedToolHasNoParts) {
     Undestroyed<CKVX_ART_VTK_Tool> tool;
     const void* parts[3] = {&tool, &tool, &tool};
 
     tool->~CKVX_ART_VTK_Tool();
 
-    std::memcpy(parts, tool.storage + sizeof(void*), sizeof(parts));  // behind the table pointer
+    std::memcpy(parts, tool.storage + sizeof(void*),
+                sizeof(parts));  // after the virtual table pointer
     for (const void* part : parts) {
         EXPECT_EQ(part, nullptr);
     }

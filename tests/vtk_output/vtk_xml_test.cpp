@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(XmlNode, RendersTabsNameAndAttributesInOrder) {
+TEST(XmlNode, WritesTabsNameAndAttributesInOrder) {
     VTK_XmlNode node("VTKFile", 2);
     node.addAttribute("type", std::string("UnstructuredGrid"));
     node.addAttribute("version", 0.1);
@@ -24,7 +24,7 @@ TEST(XmlNode, HasNoEmptyElementForm) {
     EXPECT_EQ(node.closeTag(), "</Points>");
 }
 
-TEST(XmlNode, WritesItsIndentAlone) {
+TEST(XmlNode, WritesItsIndentationAlone) {
     VTK_XmlNode node("Points", 3);
     std::ostringstream out;
 
@@ -33,7 +33,7 @@ TEST(XmlNode, WritesItsIndentAlone) {
     EXPECT_EQ(out.str(), "\t\t\t");
 }
 
-TEST(XmlNode, AddsAnEqualKeyAgain) {
+TEST(XmlNode, AddsAnAttributeWithAnEqualKeyAgain) {
     VTK_XmlNode node("a", 0);
     node.addAttribute("k", 1);
     node.addAttribute("k", 2);
@@ -41,7 +41,7 @@ TEST(XmlNode, AddsAnEqualKeyAgain) {
     EXPECT_EQ(node.openTag(), "<a k=\"1\" k=\"2\">");
 }
 
-TEST(XmlNode, SettingKeepsTheAttributesPlace) {
+TEST(XmlNode, SettingKeepsThePlaceOfTheAttribute) {
     VTK_XmlNode node("a", 0);
     node.addAttribute("first", 1);
     node.addAttribute("second", 2);
@@ -90,7 +90,7 @@ TEST(XmlNode, CopiesAreIndependent) {
     EXPECT_EQ(copy.openTag(), "\t<a k=\"2\">");
 }
 
-TEST(XmlNode, ConvertsNumbersAsADefaultStream) {
+TEST(XmlNode, ConvertsNumbersLikeAStreamWithDefaultFormat) {
     VTK_XmlNode node("a", 0);
     node.addAttribute("real", 1234567.0);
     node.addAttribute("whole", -1234567);
@@ -100,7 +100,7 @@ TEST(XmlNode, ConvertsNumbersAsADefaultStream) {
     EXPECT_EQ(node.attributes[1].value, "-1234567");
 }
 
-TEST(FileExtension, BelongsToTheUnstructuredGridAlone) {
+TEST(FileExtension, ExistsForTheUnstructuredGridOnly) {
     EXPECT_EQ(fileExtension(0), ".vtu");
     EXPECT_EQ(fileExtension(1), "");
     EXPECT_EQ(fileExtension(-1), "");

@@ -22,13 +22,13 @@ std::string Written(VTK_Block& block) {
     return ReadFile(path);
 }
 
-/// The text between the line with `from` and the line with `to`, both left out.
+/// The text between the line with `from` and the line with `to`, without these lines.
 std::string LinesBetween(const std::string& text, const std::string& from, const std::string& to) {
     const std::size_t begin = text.find('\n', text.find(from)) + 1;
     return text.substr(begin, text.find(to, begin) - begin);
 }
 
-/// Compares texts line by line: the first line that differs tells more than two files.
+/// Compares texts line by line and reports the first line that differs.
 void ExpectSameLines(const std::string& actual, const std::string& expected) {
     if (actual == expected) {
         return;
@@ -40,10 +40,10 @@ void ExpectSameLines(const std::string& actual, const std::string& expected) {
     for (int line = 1; std::getline(a, lineA) && std::getline(b, lineB); ++line) {
         ASSERT_EQ(lineA, lineB) << "line " << line;
     }
-    FAIL() << "one file ends early, or the last line end differs";
+    FAIL() << "one file is shorter, or the last newline differs";
 }
 
-TEST(VtuFile, HasTheseBytes) {
+TEST(VtuFile, HasTheExpectedBytes) {
     Tetrahedron one;
     VTK_Data velocity("Velocity");
     velocity.components = {one.cellValue, one.x, one.z};
@@ -114,7 +114,7 @@ TEST(VtuFile, HasNoDataSectionsWithoutArrays) {
     EXPECT_NE(text.find("\t\t\t</Cells>\n\t\t</Piece>\n"), std::string::npos);
 }
 
-TEST(VtuFile, WithoutCellsHasTabsButNoLineEndInOffsetsAndTypes) {
+TEST(VtuFile, WithoutCellsHasTabsButNoNewlineInOffsetsAndTypes) {
     Tetrahedron one;
     one.cells.clear();
     one.block.addCellsData(&one.cellData);
@@ -167,7 +167,7 @@ TEST(VtuFile, ACellWithoutNodesKeepsTheRunningOffset) {
     EXPECT_EQ(LinesBetween(text, "\"types\"", "</DataArray>"), "\t\t\t\t10 0 5\n\t\t\t\t");
 }
 
-TEST(VtuFile, PassesNamesThroughUnescaped) {
+TEST(VtuFile, DoesNotEscapeNames) {
     Tetrahedron one;
     one.cellData.name = "p < \"q\" & r";
     one.block.addCellsData(&one.cellData);
@@ -176,7 +176,7 @@ TEST(VtuFile, PassesNamesThroughUnescaped) {
               std::string::npos);
 }
 
-TEST(VtuFile, ShowsWhatTheArraysHoldAtEachWriting) {
+TEST(VtuFile, ContainsTheCurrentValuesOfTheArrays) {
     Tetrahedron one;
     one.block.addCellsData(&one.cellData);
 
@@ -188,7 +188,7 @@ TEST(VtuFile, ShowsWhatTheArraysHoldAtEachWriting) {
     EXPECT_EQ(LinesBetween(second, "\"Pressure\"", "</DataArray>"), "\t\t\t\t-0\n\t\t\t\t");
 }
 
-TEST(VtuFile, TruncatesWhatWasThere) {
+TEST(VtuFile, ReplacesAnExistingFile) {
     Tetrahedron one;
     TempDirectory dir;
     const std::string path = dir.Text() + "/file.vtu";
@@ -199,7 +199,7 @@ TEST(VtuFile, TruncatesWhatWasThere) {
     EXPECT_EQ(ReadFile(path), Written(one.block));
 }
 
-TEST(VtuFile, ReportsAPathThatDoesNotOpen) {
+TEST(VtuFile, ReportsAPathThatCannotBeOpened) {
     Tetrahedron one;
     TempDirectory dir;
     const std::string path = dir.Text() + "/missing/file.vtu";
@@ -213,7 +213,7 @@ TEST(VtuFile, ReportsAPathThatDoesNotOpen) {
     EXPECT_TRUE(Names(dir.Path()).empty());
 }
 
-TEST(VtuFile, ADirectoryInPlaceOfTheFileDoesNotOpen) {
+TEST(VtuFile, ADirectoryInPlaceOfTheFileCannotBeOpened) {
     Tetrahedron one;
     TempDirectory dir;
     OutputCapture capture;
@@ -222,7 +222,7 @@ TEST(VtuFile, ADirectoryInPlaceOfTheFileDoesNotOpen) {
 }
 
 #ifdef __linux__
-TEST(VtuFile, CountsAsWrittenOnAFullDisk) {
+TEST(VtuFile, IsReportedAsWrittenOnAFullDisk) {
     Tetrahedron one;
     OutputCapture capture;
 
@@ -231,7 +231,7 @@ TEST(VtuFile, CountsAsWrittenOnAFullDisk) {
 }
 #endif
 
-/// A decimal comma and grouped integers.
+/// A locale with a decimal comma and grouped integers.
 class Comma : public std::numpunct<char> {
 protected:
     char do_decimal_point() const override { return ','; }
@@ -239,7 +239,7 @@ protected:
     std::string do_grouping() const override { return "\1"; }
 };
 
-TEST(VtuFile, DoesNotFollowTheHostsLocale) {
+TEST(VtuFile, IgnoresTheLocaleOfTheHost) {
     Tetrahedron one;
     one.block.addPointsData(&one.pointData);
     const std::string expected = Written(one.block);
@@ -251,8 +251,8 @@ TEST(VtuFile, DoesNotFollowTheHostsLocale) {
     EXPECT_EQ(text, expected);
 }
 
-/// Doubles of every kind: random bits (infinities and not-a-numbers among them), denormals, zeros
-/// of both signs, everyday sizes and ties of the sixth digit.
+/// Doubles of every kind: random bits (with infinities and NaN), denormals, zeros of both signs,
+/// ordinary sizes and ties of the sixth digit.
 std::vector<double> MixedDoubles(std::size_t n, unsigned seed) {
     std::mt19937_64 random(seed);
     std::normal_distribution<double> everyday(0, 30);
@@ -322,14 +322,14 @@ TEST(VtuFileAgainstPlainWriter, HasTheSameBytesOnRandomBlocks) {
         block.addCellsData(&wide);
 
         ASSERT_TRUE(writeVTUFile(dir.Text() + "/ours.vtu", &block));
-        PlainVtuWriter(dir.Text() + "/plain.vtu").Write(block);
+        plain::VtuWriter(dir.Text() + "/plain.vtu").Write(block);
 
         ExpectSameLines(ReadFile(dir.Path() / "ours.vtu"), ReadFile(dir.Path() / "plain.vtu"));
         ASSERT_FALSE(HasFailure()) << "run " << run;
     }
 }
 
-TEST(VtuFileAgainstPlainWriter, HasTheSameBytesOnLinesBeyondTheBuffer) {
+TEST(VtuFileAgainstPlainWriter, HasTheSameBytesOnLinesLongerThanTheBuffer) {
     Tetrahedron one;
     std::vector<double*> components(3000, one.pointValue);
     one.pointData.components = components;
@@ -339,7 +339,7 @@ TEST(VtuFileAgainstPlainWriter, HasTheSameBytesOnLinesBeyondTheBuffer) {
     }
     TempDirectory dir;
 
-    PlainVtuWriter(dir.Text() + "/plain.vtu").Write(one.block);
+    plain::VtuWriter(dir.Text() + "/plain.vtu").Write(one.block);
 
     ExpectSameLines(Written(one.block), ReadFile(dir.Path() / "plain.vtu"));
 }

@@ -1,9 +1,9 @@
-/// Writes the runs that the checker and VTK's reader are then let loose on:
-///
-///     vtk_write_samples <empty directory>
-///
-/// Shapes.pvd: one cell of each shape, with point and cell data, in two steps, and a block without
-/// cells. VTK_Overset_Flow_Results.pvd: an overset run through the facade.
+// Writes the runs that the checker and the reader of VTK are tested with:
+//
+//     vtk_write_samples <empty directory>
+//
+// Shapes.pvd: one cell of each shape with point and cell data in two steps, and a block without
+// cells. VTK_Overset_Flow_Results.pvd: an overset run through CKVXOversetMesh.
 
 #include <filesystem>
 #include <iostream>
@@ -15,7 +15,7 @@
 
 namespace {
 
-/// The corners of a unit cube, two levels of four, and a tip above it.
+/// The corners of a unit cube, two levels of four, and a point above it.
 struct Shapes {
     double x[9] = {0, 1, 1, 0, 0, 1, 1, 0, 0.5};
     double y[9] = {0, 0, 1, 1, 0, 0, 1, 1, 0.5};

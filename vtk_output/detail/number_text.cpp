@@ -5,16 +5,28 @@
 #include <cstdint>
 #include <cstring>
 
+// A double is written in these steps, here for 0.00123456789:
+//
+//     ExponentGuess    -3                the decimal exponent, from the binary exponent
+//     Scaled           123456.789        six digits before the point, rounded once
+//     SixDigits        123457            rounded to an integer; a tie goes to the standard library
+//     DigitText        "123457"          as characters, without zeros at the end
+//     WriteGeneral     "0.00123457"      with the point, and with an exponent if necessary
+//
+// The plain form is the formatted insertion into a stream, as in plain/plain_vtu_writer.h.
+
+namespace kvx3d::detail {
+
 namespace {
 
 constexpr int digitsN = 6;
 
-/// Powers of ten that a double holds exactly; larger scales are left to the standard library.
+/// All powers of ten that a double holds exactly; the standard library handles larger ones.
 constexpr double powerOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                  1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
-/// Decimal exponent of a normal positive `a`, or one less.
+/// Decimal exponent of a normal positive `a`, or that exponent minus 1.
 int ExponentGuess(double a) {
     std::uint64_t bits;
     std::memcpy(&bits, &a, sizeof bits);
@@ -25,15 +37,17 @@ int ExponentGuess(double a) {
     return product >= 0 ? product / scale : -((scale - 1 - product) / scale);
 }
 
-/// a / 10^(exponent - 5): six digits before the point if `exponent` is that of `a`. Rounded once.
+/// a / 10^(exponent - 5), rounded once: six digits before the point if `exponent` is that of `a`.
 double Scaled(double a, int exponent) {
     const int shift = digitsN - 1 - exponent;
     return shift >= 0 ? a * powerOfTen[shift] : a / powerOfTen[-shift];
 }
 
 /// Decimal exponent and the six rounded digits of `a`, which lies between 1e-12 and 1e15.
-/// False if Scaled() came out on a tie, where its own rounding hides the side that `a` lies on. It
-/// is monotonic and a tie is a double, so everywhere else the side is the right one.
+///
+/// Returns false if the result of Scaled() is exactly halfway between two integers: its own
+/// rounding may then hide on which side of the tie `a` lies. Everywhere else the side is correct,
+/// because Scaled() is monotonic and a tie is itself a double.
 bool SixDigits(double a, int& exponent, int& digits) {
     exponent = ExponentGuess(a);
     double scaled = Scaled(a, exponent);
@@ -53,7 +67,7 @@ bool SixDigits(double a, int& exponent, int& digits) {
     return true;
 }
 
-/// The six digits as text, and how many are left without the zeros at the end.
+/// Writes the six digits as text and returns their number without the zeros at the end.
 int DigitText(int digits, char* text) {
     for (int i = digitsN - 1; i >= 0; --i, digits /= 10) {
         text[i] = static_cast<char>('0' + digits % 10);
@@ -65,8 +79,8 @@ int DigitText(int digits, char* text) {
     return n;
 }
 
-/// The first `n` of six digits with a point behind the first `before`. Writes a fixed number of
-/// bytes, which is quicker than the right one; the end tells what counts.
+/// Writes the first `n` of six digits with a point after the first `before` and returns the end of
+/// the text. Always copies the same number of bytes, which is faster than copying `n`.
 char* WriteWithPoint(char* out, const char* text, int n, int before) {
     std::memcpy(out, text, digitsN);
     if (n <= before) {
@@ -77,7 +91,7 @@ char* WriteWithPoint(char* out, const char* text, int n, int before) {
     return out + n + 1;
 }
 
-/// General notation: fixed for exponents -4 to 5, else scientific.
+/// Writes in general notation: fixed for exponents -4 to 5, otherwise scientific.
 char* WriteGeneral(char* out, int digits, int exponent) {
     char text[2 * digitsN] = {};
     const int n = DigitText(digits, text);
@@ -114,8 +128,8 @@ char* writeNumberText(char* out, int value) {
     return std::to_chars(out, out + maxNumberText, value).ptr;
 }
 
-// The shortcut gives the digits of std::to_chars at a fraction of its cost for numbers of everyday
-// size, and hands over whenever it cannot be sure of the last digit.
+// For numbers of ordinary size the method above gives the digits of std::to_chars in a fraction of
+// the time. std::to_chars handles all other numbers, and those whose last digit is not certain.
 char* writeNumberText(char* out, double value) {
     const double a = std::fabs(value);
     int exponent;
@@ -130,3 +144,5 @@ char* writeNumberText(char* out, double value) {
     }
     return std::to_chars(out, out + maxNumberText, value, std::chars_format::general, digitsN).ptr;
 }
+
+}  // namespace kvx3d::detail

@@ -3,18 +3,23 @@
 
 #include <string>
 
-/// Numbers as text, in files and in file names: byte for byte what a default-formatted stream
-/// prints in the classic locale (six significant digits for a double). The host's global locale
-/// plays no part: a reader would take "0,5" for 0 and "1.000" for 1.
+namespace kvx3d::detail {
+
+/// Numbers as text, for files and file names: byte for byte what a stream with default format
+/// prints in the classic locale (six significant digits for a double). The global locale of the
+/// host has no influence, because readers would take "0,5" for 0 and "1.000" for 1.
 std::string numberText(int value);
 std::string numberText(double value);
 
-/// Room that one number needs at most, six digits, sign, point and exponent included.
+/// Largest number of characters that one number needs: six digits, sign, point and exponent.
 constexpr int maxNumberText = 16;
 
-/// The same text written to `out`, without a zero behind it.
+/// Writes the same text to `out`, which must have room for maxNumberText characters. No
+/// terminating zero is written.
 /// @return the end of the text
 char* writeNumberText(char* out, int value);
 char* writeNumberText(char* out, double value);
+
+}  // namespace kvx3d::detail
 
 #endif

@@ -16,17 +16,25 @@
 #include <unistd.h>
 #endif
 
-namespace vtk_platform {
+using vtk_platform::FindData;
+using vtk_platform::FindHandle;
+using vtk_platform::InvalidHandle;
+
+FindHandle vtk_platform::InvalidHandle() {
+#ifdef _WIN32
+    return INVALID_HANDLE_VALUE;
+#else
+    return nullptr;
+#endif
+}
+
+namespace kvx3d::detail {
 
 int Remove(const char* path) {
     return std::remove(path);
 }
 
 #ifdef _WIN32
-
-FindHandle InvalidHandle() {
-    return INVALID_HANDLE_VALUE;
-}
 
 FindHandle FindFirst(const char* pattern, FindData* data) {
     return FindFirstFileA(pattern, data);
@@ -70,9 +78,10 @@ bool IsDirectory(const char* path) {
 namespace {
 
 constexpr std::uint32_t attributeDirectory = 16;
-constexpr std::uint32_t attributeDevice = 64;  // neither directory nor plain file
+constexpr std::uint32_t attributeDevice = 64;  // neither a directory nor a regular file
 constexpr std::uint32_t attributeNormal = 128;
 
+/// Attribute bits of an entry, with the values that Windows gives them.
 std::uint32_t Attributes(DIR* dir, const char* name) {
     struct stat status;
     if (fstatat(dirfd(dir), name, &status, 0) != 0) {
@@ -86,13 +95,9 @@ std::uint32_t Attributes(DIR* dir, const char* name) {
 
 }  // namespace
 
-FindHandle InvalidHandle() {
-    return nullptr;
-}
-
 FindHandle FindFirst(const char* pattern, FindData* data) {
     char path[260];
-    const std::size_t length = std::strlen(pattern) - 2;  // less the backslash and the star
+    const std::size_t length = std::strlen(pattern) - 2;  // without the backslash and the star
     if (length >= sizeof path) {
         return InvalidHandle();
     }
@@ -113,7 +118,7 @@ FindHandle FindFirst(const char* pattern, FindData* data) {
 int FindNext(FindHandle handle, FindData* data) {
     DIR* dir = static_cast<DIR*>(handle);
     const int before = errno;
-    errno = 0;  // the end and an error are told apart by nothing else
+    errno = 0;  // the only difference between the end and an error
     const dirent* entry = readdir(dir);
     if (entry == nullptr) {
         return 0;
@@ -155,4 +160,4 @@ bool IsDirectory(const char* path) {
 
 #endif
 
-}  // namespace vtk_platform
+}  // namespace kvx3d::detail
