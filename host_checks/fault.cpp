@@ -10,6 +10,8 @@ const char* Name(Rule rule) {
             return "ghost count";
         case Rule::NullPointer:
             return "null pointer";
+        case Rule::Coordinates:
+            return "coordinates";
         case Rule::CellVolume:
             return "cell volume";
         case Rule::CellNodes:

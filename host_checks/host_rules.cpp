@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <set>
 #include <string>
 #include <utility>
@@ -110,6 +111,22 @@ std::vector<Fault> PointerFaults(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMes
         }
     }
     return faults;
+}
+
+void CheckCoordinates(const CKVX3DFiniteVolumeMesh& m, std::vector<Fault>& faults) {
+    FaultCounter infinite(Rule::Coordinates);
+    const auto check = [&](const char* name, int id, double x, double y, double z) {
+        if (!std::isfinite(x) || !std::isfinite(y) || !std::isfinite(z)) {
+            infinite.Add(id, [&] { return name + std::to_string(id) + " is " + At({x, y, z}); });
+        }
+    };
+    for (int cell = 1; cell <= m.Nc; ++cell) {
+        check("the center of cell ", cell, m.xc[cell], m.yc[cell], m.zc[cell]);
+    }
+    for (int node = 1; node <= m.Nn; ++node) {
+        check("node ", node, m.xn[node], m.yn[node], m.zn[node]);
+    }
+    infinite.AppendTo(faults, "coordinates must be finite");
 }
 
 void CheckCells(const CKVX3DFiniteVolumeMesh& m, std::vector<Fault>& faults) {
@@ -237,6 +254,7 @@ std::vector<Fault> HostFaults(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& 
     if (!faults.empty()) {
         return faults;  // the other rules would read out of range
     }
+    CheckCoordinates(fvm, faults);
     CheckCells(fvm, faults);
     CheckInnerFaces(gv, fvm, faults);
     CheckBoundaryFaces(fvm, faults);

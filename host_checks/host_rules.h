@@ -14,9 +14,9 @@ namespace kvx3d::checks {
 /// before donors are written into Ce23.
 ///
 /// Checks counts and pointers first and stops there if they are wrong, because all other rules read
-/// the arrays. Then ids of nodes, cells and ghost cells, volumes, node lists, area vectors and
-/// cavity ids; with more than one cavity, once all of these hold, the inlet of the background and
-/// the overset groups.
+/// the arrays. Then coordinates, ids of nodes, cells and ghost cells, volumes, node lists, area
+/// vectors and cavity ids; with more than one cavity, once all of these hold, the inlet of the
+/// background and the overset groups.
 ///
 /// Array lengths cannot be checked: each array must have one slot more than its count.
 ///

@@ -4,14 +4,14 @@
 #include <string>
 
 #include "host_checks/detail/boundary_shape_rules.h"
+#include "host_checks/detail/box_tree.h"
 #include "host_checks/detail/messages.h"
 #include "host_checks/detail/outer_boundary.h"
-#include "host_checks/point_tree.h"
 
 namespace kvx3d::checks {
 namespace {
 
-PointTree TreeOfWallFaces(const MeshView& mesh, const std::vector<int>& faces) {
+BoxTree TreeOfWallFaces(const MeshView& mesh, const std::vector<int>& faces) {
     return {faces, [&](int face) { return mesh.Walls().Center(face); }};
 }
 
@@ -50,40 +50,46 @@ std::vector<Fault> GridFaults(const MeshView& mesh, const std::vector<int>& back
 }
 
 /// The test of the toolbox with its operations: if one cell passes it, the cut under the component
-/// goes wrong over the whole background.
-void CheckCellsAtWalls(const MeshView& mesh, const PointTree& walls, std::vector<Fault>& faults) {
+/// goes wrong over the whole background. Of equally near walls the toolbox takes one; here none of
+/// them may cut the cell.
+void CheckCellsAtWalls(const MeshView& mesh, BoxTree& walls, std::vector<Fault>& faults) {
     FaultCounter cells(Rule::WallDistance);
     for (int cell : mesh.CellsOfGrid(2)) {
         const Point center = mesh.CellCenter(cell);
-        const int nearest = walls.Nearest(center);
-        const Point area = mesh.Walls().Area(nearest);
-        const double measure = Dot(center - mesh.Walls().Center(nearest), area);
-        const double margin = Norm(area) * limit::wallLayer * MarginLength(mesh.fvm.volume[cell]);
-        // Slightly stricter than the toolbox, so that rounding cannot let a cell through.
-        if (measure > -margin * (1.0 + 1e-12)) {
-            cells.Add(cell, [&] {
-                return CellAt(mesh, cell) + " of component1 lies outside or within " +
-                       Digits(limit::wallLayer) + " of its sizes of " + WallFaceAt(mesh, nearest);
-            });
+        const double size = MarginLength(mesh.fvm.volume[cell]);
+        for (int wall : walls.Nearest(center)) {
+            const Point area = mesh.Walls().Area(wall);
+            const double measure = Dot(center - mesh.Walls().Center(wall), area);
+            const double margin = Norm(area) * limit::wallLayer * size;
+            // Slightly stricter than the toolbox, so that rounding cannot let a cell through.
+            if (measure > -margin * (1.0 + 1e-12)) {
+                cells.Add(cell, [&] {
+                    return CellAt(mesh, cell) + " of component1 lies outside or within " +
+                           Digits(limit::wallLayer) + " of its sizes of " + WallFaceAt(mesh, wall);
+                });
+                break;
+            }
         }
     }
     cells.AppendTo(faults, "move the component away from the walls of the background");
 }
 
-void CheckGap(const OuterBoundary& outer, const PointTree& walls, std::vector<Fault>& faults) {
+void CheckGap(const OuterBoundary& outer, BoxTree& walls, std::vector<Fault>& faults) {
     const MeshView& mesh = outer.mesh;
     FaultCounter gaps(Rule::Gap);
     for (int i = 0; i < outer.Count(); ++i) {
-        const int nearest = walls.Nearest(outer.Center(i));
-        const Point area = mesh.Walls().Area(nearest);
-        const double gap = Dot(mesh.Walls().Center(nearest) - outer.Center(i), area) / Norm(area);
         const double needed = limit::minGap * MarginLength(mesh.fvm.volume[outer.cells[i]]);
-        if (gap < needed) {
-            gaps.Add(outer.faces[i], [&] {
-                return WallFaceAt(mesh, outer.faces[i]) + " is " + Digits(gap, 3) + " from " +
-                       WallFaceAt(mesh, nearest) + ", less than " + Digits(limit::minGap) +
-                       " background cells (" + Digits(needed, 3) + ")";
-            });
+        for (int wall : walls.Nearest(outer.Center(i))) {
+            const Point area = mesh.Walls().Area(wall);
+            const double gap = Dot(mesh.Walls().Center(wall) - outer.Center(i), area) / Norm(area);
+            if (gap < needed) {
+                gaps.Add(outer.faces[i], [&] {
+                    return WallFaceAt(mesh, outer.faces[i]) + " is " + Digits(gap, 3) + " from " +
+                           WallFaceAt(mesh, wall) + ", less than " + Digits(limit::minGap) +
+                           " background cells (" + Digits(needed, 3) + ")";
+                });
+                break;
+            }
         }
     }
     gaps.AppendTo(faults, "make the component smaller or the background cells finer");
@@ -95,21 +101,25 @@ void CheckThickness(const OuterBoundary& outer, std::vector<Fault>& faults) {
     for (int i = 0; i < outer.Count(); ++i) {
         position[outer.faces[i]] = i;
     }
-    const PointTree outerTree = TreeOfWallFaces(mesh, outer.faces);
+    BoxTree outerTree = TreeOfWallFaces(mesh, outer.faces);
     FaultCounter thin(Rule::Thickness);
     for (int face : mesh.WallFaces(0, 2)) {
         const Point center = mesh.Walls().Center(face);
-        const int i = position[outerTree.Nearest(center)];
-        const Point area = outer.Area(i);
-        const double thickness = Dot(outer.Center(i) - center, area) / Norm(area);
-        const double needed = limit::minThickness * MarginLength(mesh.fvm.volume[outer.cells[i]]);
-        if (thickness < needed) {
-            thin.Add(face, [&] {
-                return WallFaceAt(mesh, face) + " on the body is " + Digits(thickness, 3) +
-                       " from " + WallFaceAt(mesh, outer.faces[i]) + ", less than " +
-                       Digits(limit::minThickness) + " background cells (" + Digits(needed, 3) +
-                       ")";
-            });
+        for (int nearest : outerTree.Nearest(center)) {
+            const int i = position[nearest];
+            const Point area = outer.Area(i);
+            const double thickness = Dot(outer.Center(i) - center, area) / Norm(area);
+            const double needed =
+                limit::minThickness * MarginLength(mesh.fvm.volume[outer.cells[i]]);
+            if (thickness < needed) {
+                thin.Add(face, [&] {
+                    return WallFaceAt(mesh, face) + " on the body is " + Digits(thickness, 3) +
+                           " from " + WallFaceAt(mesh, nearest) + ", less than " +
+                           Digits(limit::minThickness) + " background cells (" + Digits(needed, 3) +
+                           ")";
+                });
+                break;
+            }
         }
     }
     thin.AppendTo(faults, "make the component thicker or the background cells finer");
@@ -178,9 +188,8 @@ std::vector<Fault> MeshFaults(const MeshView& mesh) {
         return faults;  // the other rules would have nothing to search in
     }
     CheckScale(mesh, faults);
-    const PointTree walls = TreeOfWallFaces(mesh, backgroundWalls);
-    const PointTree backgrounds(mesh.CellsOfGrid(1),
-                                [&](int cell) { return mesh.CellCenter(cell); });
+    BoxTree walls = TreeOfWallFaces(mesh, backgroundWalls);
+    BoxTree backgrounds(mesh.CellsOfGrid(1), [&](int cell) { return mesh.CellCenter(cell); });
     CheckCellsAtWalls(mesh, walls, faults);
     const OuterBoundary outer(mesh, mesh.WallFaces(1, 2), backgrounds);
     CheckGap(outer, walls, faults);

@@ -201,8 +201,8 @@ SolveReport SafeSolve(CKVX_ART_MatSolver_SAMG& A, const double* b, double* x, do
 std::string Text(const SolveReport& report) {
     std::ostringstream text;
     text.imbue(std::locale::classic());
-    text << "residual " << report.residual << " of " << report.firstResidual << " (target "
-         << report.target << (report.reached ? ", reached" : ", not reached") << ") after "
+    text << "residual from " << report.firstResidual << " to " << report.residual << " (target "
+         << report.target << (report.reached ? ", reached" : ", not reached") << ") in "
          << report.calls << (report.calls == 1 ? " call" : " calls");
     if (report.iterations > 0) {
         text << ", " << report.iterations << " iterations";

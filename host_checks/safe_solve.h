@@ -55,7 +55,7 @@ KVX3D_CHECKS_API SolveReport SafeSolve(CKVX_ART_MatSolver_BiCGSTAB& A, const dou
 KVX3D_CHECKS_API SolveReport SafeSolve(CKVX_ART_MatSolver_SAMG& A, const double* b, double* x,
                                        double reduction, int maxCalls = 10);
 
-/// One line: "residual 3.1e-11 of 2.5 (target 2.5e-10) after 2 calls, 41 iterations".
+/// One line: "residual from 2.5 to 3.1e-11 (target 2.5e-10, reached) in 2 calls, 41 iterations".
 KVX3D_CHECKS_API std::string Text(const SolveReport& report);
 
 }  // namespace kvx3d::checks

@@ -7,11 +7,10 @@
 
 namespace kvx3d::checks {
 
-OuterBoundary::OuterBoundary(const MeshView& view, std::vector<int> overset,
-                             const PointTree& backgrounds)
+OuterBoundary::OuterBoundary(const MeshView& view, std::vector<int> overset, BoxTree& backgrounds)
     : mesh(view), faces(std::move(overset)) {
     for (int face : faces) {
-        cells.push_back(backgrounds.Nearest(mesh.Walls().Center(face)));
+        cells.push_back(backgrounds.Nearest(mesh.Walls().Center(face)).front());
         nodes.push_back(mesh.WallFaceNodes(face));
     }
     FindNeighbors();

@@ -1,12 +1,11 @@
 #ifndef KVX3D_HOST_CHECKS_DETAIL_OUTER_BOUNDARY_H
 #define KVX3D_HOST_CHECKS_DETAIL_OUTER_BOUNDARY_H
 
-#include <memory>
 #include <utility>
 #include <vector>
 
+#include "host_checks/detail/box_tree.h"
 #include "host_checks/mesh_view.h"
-#include "host_checks/point_tree.h"
 
 namespace kvx3d::checks {
 
@@ -14,7 +13,7 @@ namespace kvx3d::checks {
 struct OuterBoundary {
     /// @param overset      its wall faces, ascending; at least one
     /// @param backgrounds  tree over the centers of all background cells
-    OuterBoundary(const MeshView& view, std::vector<int> overset, const PointTree& backgrounds);
+    OuterBoundary(const MeshView& view, std::vector<int> overset, BoxTree& backgrounds);
 
     const MeshView& mesh;
     std::vector<int> faces;               ///< its wall faces

@@ -8,10 +8,10 @@
 
 namespace host {
 
-/// Writes who donates to whom as `donors.csv`, one line for each face with a donor: the boundary it
-/// lies on ("hole" or "overset"), then x, y, z of the face, of its active cell and of the donor.
+/// Writes `donors.csv` with one line for each face that has a donor: the boundary on which the face
+/// lies ("hole" or "overset"), then x, y, z of the face, of its active cell and of the donor.
 ///
-/// @return the path of the file, empty on a single grid, where none is written
+/// @return path of the file; empty on a single grid, where no file is written
 /// @throws std::runtime_error  the file cannot be written
 std::string WriteDonorTable(const Mesh& mesh, const OversetLink& link,
                             const std::string& directory);

@@ -10,16 +10,16 @@
 
 namespace host {
 
-/// Owns the 1-based arrays that the toolbox links, and the two host objects that point at them.
-/// Neither copied nor moved: the toolbox keeps the addresses.
+/// Owns the 1-based arrays that the toolbox links, and the two host objects that point to them.
+/// It can be neither copied nor moved because the toolbox keeps the addresses.
 class HostObjects {
 public:
-    /// Fills gv and fvm from the mesh. Ghost ids run from Nc + 1 kind by kind: inlet, outlet,
-    /// wall, symmetry. Fields start at zero, mu, cp, cellRho and cellK at one. A ghost cell has
-    /// the centre of its face and no volume. Each overset group lists its wall faces in
-    /// ascending order; there are as many groups as component grids.
+    /// Fills gv and fvm from the mesh. Ghost cells are numbered from Nc + 1, kind by kind: inlet,
+    /// outlet, wall, symmetry. Fields start at zero; mu, cp, cellRho and cellK start at one. A
+    /// ghost cell has the center of its face and the volume 0. Each overset group lists its wall
+    /// faces in ascending order; there are as many groups as component grids.
     ///
-    /// @param resultDir  becomes gv.rootDir: result files go under it
+    /// @param resultDir  value of gv.rootDir, the directory for result files
     HostObjects(const Mesh& mesh, const std::string& resultDir);
     HostObjects(const HostObjects&) = delete;
     HostObjects& operator=(const HostObjects&) = delete;
@@ -31,12 +31,12 @@ public:
     int Ghost(Boundary kind, int face) const;
     int CellAndGhostCount() const { return fvm.NcAll; }
 
-    // Fields, entries 1..NcAll, seen by the toolbox through gv.
+    // Fields, entries 1..NcAll, which the toolbox reads through gv.
     std::vector<double> pressure, u, v, w;
     std::vector<double> mu, cp, cellRho, cellK;
 
 private:
-    /// Three coordinate arrays with the same entries.
+    /// The x, y and z coordinates of the same entries.
     struct Vectors {
         std::vector<double> x, y, z;
 
@@ -59,13 +59,13 @@ private:
     std::vector<int> processId;
     Vectors nodes, cellCentres;
     std::vector<double> volume;
-    std::vector<int> cellNodeLists;  // rows of cellNodes one after the other
+    std::vector<int> cellNodeLists;  // all rows of cellNodes, one after another
     std::vector<int*> cellNodeRows;  // 1..Nc
     std::vector<int> cavity;         // 1..Nc
     Vectors innerCentres, innerAreas;
     std::vector<int> owner, neighbor, nonmatching;
     std::array<BoundaryArrays, 4> boundary;    // by Boundary
-    std::vector<int> groupCount, groupSizes;   // slot 0; 1..groups
+    std::vector<int> groupCount, groupSizes;   // entry 0; entries 1..groups
     std::vector<std::vector<int>> groupFaces;  // 1..groups, rows 1..size
     std::vector<int*> groupRows;
 };

@@ -15,11 +15,11 @@ namespace host {
 
 namespace {
 
-constexpr double planeTolerance = 1e-9;  // relative to a face's size, for directions and distances
-constexpr double sliver = 1e-12;         // of a face's area: rounding, no fragment
-constexpr double coverTolerance = 1e-9;  // of a face's area, that its fragments may miss
+constexpr double planeTolerance = 1e-9;  // of directions, and of distances relative to a face
+constexpr double sliver = 1e-12;         // share of a face below which an overlap is rounding
+constexpr double coverTolerance = 1e-9;  // share of a face by which its fragments may differ
 
-/// An interface face, ready for the cutting.
+/// An interface face with its corners and bounding box.
 struct Side {
     Side(const Mesh& mesh, const BoundaryFace& face_) : face(face_), size(face_.area.norm()) {
         for (int node : face.nodes) {
@@ -32,7 +32,7 @@ struct Side {
     const double size;  // area
     std::vector<Vec3> corners;
     Eigen::AlignedBox3d box;
-    double covered = 0.0;  // area of the fragments so far
+    double covered = 0.0;  // total area of the fragments found so far
 };
 
 std::vector<Side> SidesOf(const Mesh& mesh, int block) {
@@ -44,7 +44,7 @@ std::vector<Side> SidesOf(const Mesh& mesh, int block) {
     return sides;
 }
 
-/// The two look at each other out of one plane.
+/// The two faces lie in one plane with opposite normals.
 bool AreBackToBack(const Side& a, const Side& b) {
     const Vec3 normalA = a.face.area / a.size;
     const Vec3 normalB = b.face.area / b.size;
@@ -74,7 +74,7 @@ InnerFace FlaggedFace(int owner, int neighbor, const Vec3& centre, const Vec3& a
     return face;
 }
 
-/// The fragments as faces owned by `block`.
+/// One inner face for each fragment, owned by the cell of `block`.
 std::vector<InnerFace> CutFaces(const Mesh& mesh, const std::vector<Fragment>& fragments,
                                 int block) {
     const int other = 1 - block;
@@ -88,7 +88,7 @@ std::vector<InnerFace> CutFaces(const Mesh& mesh, const std::vector<Fragment>& f
     return faces;
 }
 
-/// The faces of `block` as they are, each beside the cell with its largest fragment.
+/// The uncut faces of `block`; the neighbor of each is the cell with its largest fragment.
 std::vector<InnerFace> UncutFaces(const Mesh& mesh, const std::vector<Fragment>& fragments,
                                   int block) {
     const std::vector<BoundaryFace>& sides = mesh.interfaceFaces[block];

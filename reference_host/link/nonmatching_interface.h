@@ -9,38 +9,39 @@
 
 namespace host {
 
-/// A part of the interface between two blocks that one face of each covers.
+/// A part of the interface between two blocks that is covered by one face of each block.
 struct Fragment {
-    std::array<int, 2> face = {};  ///< by block: position in its Mesh::interfaceFaces
+    std::array<int, 2> face = {};  ///< by block: position in Mesh::interfaceFaces of the block
     std::vector<Vec3> corners;     ///< the area vector points from block0 to block1
 };
 
-/// Cuts the two sides of the interface along each other's edges. The fragments of a face together
-/// are the face, so cells that take them as faces stay closed. Every pair of faces is looked at:
-/// the time grows like the product of their numbers.
+/// Cuts each side of the interface along the edges of the other side. The fragments of a face add
+/// up to the face, so cells whose faces they become stay closed. All pairs of faces are compared:
+/// the time is proportional to the product of the two face counts.
 ///
-/// @param mesh  with its geometry; interface faces plane and convex
-/// @return by ascending face of block0, then of block1
-/// @throws std::runtime_error  one line: a face that the other block does not cover
+/// @param mesh  with its geometry; interface faces must be plane and convex
+/// @return fragments in ascending order of the face of block0, then of block1
+/// @throws std::runtime_error  one line: a face that is not covered by the other block
 std::vector<Fragment> CutInterface(const Mesh& mesh);
 
-/// Which block, if any, contributes its interface faces as they are.
+/// Which block, if any, contributes its interface faces without cutting them.
 enum class WholeFaces {
-    None,  ///< both sides contribute fragments: as many faces each
+    None,  ///< both sides contribute the fragments, the same number of faces each
     Block0,
     Block1
 };
 
-/// Makes one mesh of two blocks: appends flagged inner faces for both sides of the interface, those
-/// owned by block0 first. Each area stands there twice then, and the cells are closed again once
-/// the preprocess of the toolbox has made one side ineffective and TakeAreas() was called. A face
-/// that was left whole has as neighbor the cell that covers most of it.
+/// Joins two blocks into one mesh: appends flagged inner faces for both sides of the interface,
+/// those owned by block0 first. The interface is then covered twice; the cells are closed again
+/// after the preprocess of the toolbox has made one side ineffective and TakeAreas() was called.
+/// The neighbor of an uncut face is the cell that covers most of it.
 ///
 /// @return number of faces of each side
-/// @throws std::runtime_error  one line: no interface, or as CutInterface()
+/// @throws std::runtime_error  one line: there is no interface, or a fault of CutInterface()
 std::array<int, 2> JoinInterface(Mesh& mesh, WholeFaces whole);
 
-/// Takes the area vectors of the inner faces back from the arrays that the preprocess wrote to.
+/// Copies the area vectors of the inner faces from the host arrays, which the preprocess of the
+/// toolbox has changed, back into the mesh.
 void TakeAreas(const HostObjects& objects, Mesh& mesh);
 
 }  // namespace host

@@ -244,7 +244,7 @@ TEST(CellText, SaysWhyNoStepJudgesACell) {
               "judges the cells of component 2.");
 }
 
-/// Faces
+// Faces
 
 TEST(InnerFaceExplanation, HasTypeAndDonorOfTheToolboxOnEveryFace) {
     BoxHost host = Pair();

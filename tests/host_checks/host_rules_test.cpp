@@ -81,7 +81,15 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     OfCellsAndFaces, HostRule,
-    testing::Values(Broken{"Volume",
+    testing::Values(Broken{"NodeCoordinate",
+                           Rule::Coordinates,
+                           [](CKvx3dGV&, auto& m) { m.yn[30] = std::nan(""); },
+                           {"node 30 is at (", "nan", "coordinates must be finite"}},
+                    Broken{"CellCenter",
+                           Rule::Coordinates,
+                           [](CKvx3dGV&, auto& m) { m.zc[30] = INFINITY; },
+                           {"the center of cell 30 is at (", "inf)"}},
+                    Broken{"Volume",
                            Rule::CellVolume,
                            [](CKvx3dGV&, auto& m) { m.volume[7] = m.volume[9] = 0.0; },
                            {"cell 7 at (", "has volume 0 (and 1 more): volumes must be positive"}},
@@ -106,6 +114,10 @@ INSTANTIATE_TEST_SUITE_P(
                            [](CKvx3dGV&, auto& m) { m.Ce23[0][5] = 0; },
                            {"inner face 5 at (", "between cells 0 and",
                             "different cells from 1 to 560"}},
+                    Broken{"OwnerIsTheNeighbor",
+                           Rule::InnerFaceCells,
+                           [](CKvx3dGV&, auto& m) { m.Ce23[1][5] = m.Ce23[0][5]; },
+                           {"inner face 5 at ("}},
                     Broken{"NeighborIsAGhost",
                            Rule::InnerFaceCells,
                            [](CKvx3dGV&, auto& m) { m.Ce23[1][5] = m.Nc + 1; },
@@ -243,6 +255,14 @@ TEST(HostFaults, FaultNamesTheFirstPlaceAndCountsTheOthers) {
     EXPECT_EQ(Text(faults[0]),
               "cell 12 at (2.3, 0.1, 0.1) has volume -1 (and 2 more): volumes must "
               "be positive");
+}
+
+/// The group rules read the cavity of the cells beside wall faces.
+TEST(HostFaults, GroupsAreCheckedOnlyWhenAllIdsAreValid) {
+    AnnulusHost host(SmallAnnulus());
+    host.fvm.CWall23[host.gv.oversetBCWallFace[1][5]] = 0;
+
+    EXPECT_EQ(RulesOf(HostFaults(host.gv, host.fvm)), std::vector<Rule>{Rule::BoundaryFaceCell});
 }
 
 /// The toolbox numbers grids by inlet and groups, so a host may number its cavities otherwise.

@@ -281,15 +281,16 @@ TEST(SolveReportText, NamesResidualTargetCallsAndIterations) {
     report.finite = true;
 
     EXPECT_EQ(Text(report),
-              "residual 3.125e-11 of 2.5 (target 2.5e-10, reached) after 2 calls, 41 iterations");
+              "residual from 2.5 to 3.125e-11 (target 2.5e-10, reached) in 2 calls, 41 iterations");
 
     report.calls = 1;
     report.iterations = 0;
     report.reached = false;
     report.finite = false;
-    EXPECT_EQ(Text(report),
-              "residual 3.125e-11 of 2.5 (target 2.5e-10, not reached) after 1 call; the solution "
-              "holds numbers that are not finite");
+    EXPECT_EQ(
+        Text(report),
+        "residual from 2.5 to 3.125e-11 (target 2.5e-10, not reached) in 1 call; the solution "
+        "holds numbers that are not finite");
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ int LinesWith(const std::string& text, const std::string& start) {
     return count;
 }
 
-TEST(DonorTable, HasALineForEachFaceWithADonor) {
+TEST(DonorTable, HasOneLineForEachFaceWithADonor) {
     OutputCapture quiet;
     const host::Mesh mesh = ReadShipped(channelGeo, {{"n", 5}});
     host::HostObjects objects(mesh, ".");
@@ -52,7 +52,7 @@ TEST(DonorTable, IsNotWrittenForASingleGrid) {
     EXPECT_EQ(host::WriteDonorTable(mesh, link, "."), "");
 }
 
-TEST(DonorTable, NamesTheFileThatCannotBeWritten) {
+TEST(DonorTable, ErrorNamesTheFileThatCannotBeWritten) {
     OutputCapture quiet;
     const host::Mesh mesh = ReadShipped(channelGeo, {{"n", 5}});
     host::HostObjects objects(mesh, ".");

@@ -20,7 +20,7 @@ protected:
     HostObjects objects{mesh, "results"};
 };
 
-TEST_F(HostObjectsOfChannel, CountsAreThoseOfTheMesh) {
+TEST_F(HostObjectsOfChannel, CountsEqualThoseOfTheMesh) {
     const CKVX3DFiniteVolumeMesh& fvm = objects.fvm;
 
     EXPECT_EQ(fvm.Nc, mesh.CellCount());
@@ -34,7 +34,7 @@ TEST_F(HostObjectsOfChannel, CountsAreThoseOfTheMesh) {
     EXPECT_EQ(objects.CellAndGhostCount(), fvm.NcAll);
 }
 
-TEST_F(HostObjectsOfChannel, GhostsFollowTheCellsKindByKind) {
+TEST_F(HostObjectsOfChannel, GhostCellsFollowTheCellsKindByKind) {
     const CKVX3DFiniteVolumeMesh& fvm = objects.fvm;
     const int* ghosts[] = {fvm.idInlet, fvm.idOutlet, fvm.idWall, fvm.idSymm};
     int expected = fvm.Nc;
@@ -49,7 +49,7 @@ TEST_F(HostObjectsOfChannel, GhostsFollowTheCellsKindByKind) {
     EXPECT_EQ(expected, fvm.NcAll);
 }
 
-TEST_F(HostObjectsOfChannel, ArraysHoldTheMeshEntryByEntry) {
+TEST_F(HostObjectsOfChannel, ArraysHoldEveryEntryOfTheMesh) {
     const CKVX3DFiniteVolumeMesh& fvm = objects.fvm;
 
     for (int node = 1; node <= fvm.Nn; ++node) {
@@ -72,7 +72,7 @@ TEST_F(HostObjectsOfChannel, ArraysHoldTheMeshEntryByEntry) {
     }
 }
 
-TEST_F(HostObjectsOfChannel, BoundaryArraysHoldTheirOwnKind) {
+TEST_F(HostObjectsOfChannel, BoundaryArraysHoldTheFacesOfTheirKind) {
     const CKVX3DFiniteVolumeMesh& fvm = objects.fvm;
     const auto expectKind = [&](Boundary kind, const double* x, const double* y, const double* z,
                                 const double* nx, const double* ny, const double* nz,
@@ -109,7 +109,7 @@ TEST_F(HostObjectsOfChannel, GroupsListTheirWallFacesInAscendingOrder) {
     }
 }
 
-TEST_F(HostObjectsOfChannel, FieldsStartAtRestWithUnitCoefficients) {
+TEST_F(HostObjectsOfChannel, FieldsStartAtZeroAndCoefficientsAtOne) {
     const int n = objects.fvm.NcAll;
 
     EXPECT_EQ(objects.gv.flowVariables[0], objects.pressure.data());
@@ -140,7 +140,7 @@ TEST_F(HostObjectsOfChannel, GhostCellsLieOnTheirFaces) {
     }
 }
 
-TEST_F(HostObjectsOfChannel, TheToolboxLinksThem) {
+TEST_F(HostObjectsOfChannel, CanBeLinkedByTheToolbox) {
     CKVX_ACMT_GV linked;
 
     ASSERT_EQ(linked.getKvx3dGV(&objects.gv, &objects.fvm), 0);

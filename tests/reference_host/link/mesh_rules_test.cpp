@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "host_checks/host_rules.h"
 #include "reference_host/link/host_objects.h"
 #include "reference_host/mesh/cell_size.h"
+#include "reference_host/mesh/messages.h"
 #include "tests/reference_host/mesh/mesh_files.h"
 
 namespace {
@@ -27,6 +29,16 @@ Lines FaultsOf(const Mesh& mesh) {
         lines.push_back(Text(fault));
     }
     return lines;
+}
+
+/// The edges of a face, lower node first, in ascending order.
+std::vector<std::pair<int, int>> EdgesOf(const std::vector<int>& nodes) {
+    std::vector<std::pair<int, int>> edges;
+    for (std::size_t k = 0; k < nodes.size(); ++k) {
+        edges.push_back(std::minmax(nodes[k], nodes[(k + 1) % nodes.size()]));
+    }
+    std::sort(edges.begin(), edges.end());
+    return edges;
 }
 
 struct Shipped {
@@ -55,6 +67,25 @@ INSTANTIATE_TEST_SUITE_P(
                     Shipped{"Sphere5", sphereGeo, {{"n", 5}}},
                     Shipped{"Sphere6", sphereGeo, {{"n", 6}}}),
     CaseName<Shipped>);
+
+/// host_checks derives from the host objects what the mesh knows by its faces.
+TEST_P(RulesOfShippedMesh, ViewOfTheHostObjectsFindsTheNodesOfAllBoundaryFaces) {
+    const Mesh mesh = ReadShipped(GetParam().file, GetParam().parameters);
+    const host::HostObjects objects(mesh, ".");
+    const kvx3d::checks::MeshView view(objects.gv, objects.fvm);
+
+    EXPECT_EQ(view.IsOneCellThick(), mesh.IsQuasi2d());
+    EXPECT_EQ(view.GridCount(), mesh.GridCount());
+    for (host::Boundary kind : host::allBoundaries) {
+        for (int i = 1; i <= mesh.FaceCount(kind); ++i) {
+            const host::BoundaryFace& face = mesh.Faces(kind)[i];
+            const std::vector<int> nodes =
+                view.FaceNodes(face.cell, {face.centre.x(), face.centre.y(), face.centre.z()},
+                               {face.area.x(), face.area.y(), face.area.z()});
+            EXPECT_EQ(EdgesOf(nodes), EdgesOf(face.nodes)) << host::FaceName(kind, 0) << i;
+        }
+    }
+}
 
 /// The box with the annulus with an edited geometry that breaks a rule, and words of its line.
 struct Edited {

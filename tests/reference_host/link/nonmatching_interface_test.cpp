@@ -17,7 +17,7 @@ using host::WholeFaces;
 
 constexpr const char* blocksGeo = "nonmatching_blocks.geo";
 
-/// Meshes with their fragment counts, worked out from the edges' positions.
+/// Meshes with the number of fragments that follows from the positions of the edges.
 struct Blocks {
     const char* name;
     MeshParameters parameters;
@@ -48,19 +48,20 @@ TEST_P(InterfaceOf, FragmentsAddUpToEveryFaceOfBothSides) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Shipped, InterfaceOf,
-    testing::Values(
-        // 2 units high: 16 + 24 edges, of which every second and third meet: 8 fewer fragments
-        Blocks{"EightToTwelve", {{"n", 8}, {"m", 12}}, 16, 24, 32},
-        Blocks{"FiveToSeven", {{"n", 5}, {"m", 7}}, 10, 14, 22},
-        Blocks{"FineToCoarse", {{"n", 9}, {"m", 3}}, 18, 6, 18},
-        Blocks{"Matching", {{"n", 4}, {"m", 4}}, 8, 8, 8},
-        // 8 + 12 edges in y and 4 + 6 in z: 16 by 8 fragments
-        Blocks{"ThreeDimensional", {{"n", 4}, {"m", 6}, {"lz", 1}}, 32, 72, 128}),
-    CaseName<Blocks>);
+INSTANTIATE_TEST_SUITE_P(Shipped, InterfaceOf,
+                         testing::Values(
+                             // The interface is 2 high: 16 and 24 faces, whose edges meet 8 times:
+                             // 16 + 24 - 8 fragments.
+                             Blocks{"EightToTwelve", {{"n", 8}, {"m", 12}}, 16, 24, 32},
+                             Blocks{"FiveToSeven", {{"n", 5}, {"m", 7}}, 10, 14, 22},
+                             Blocks{"FineToCoarse", {{"n", 9}, {"m", 3}}, 18, 6, 18},
+                             Blocks{"Matching", {{"n", 4}, {"m", 4}}, 8, 8, 8},
+                             // 8 and 12 faces in y, 4 and 6 in z: 16 by 8 fragments.
+                             Blocks{
+                                 "ThreeDimensional", {{"n", 4}, {"m", 6}, {"lz", 1}}, 32, 72, 128}),
+                         CaseName<Blocks>);
 
-TEST(JoinedInterface, BothSidesGiveFlaggedFacesWithBlock0First) {
+TEST(JoinedInterface, BothSidesBecomeFlaggedFacesWithBlock0First) {
     Mesh mesh = ReadShipped(blocksGeo, {{"n", 8}, {"m", 12}});
     const int before = mesh.InnerFaceCount();
 
@@ -87,7 +88,7 @@ TEST(JoinedInterface, BothSidesGiveFlaggedFacesWithBlock0First) {
     }
 }
 
-TEST(JoinedInterface, WholeFacesLieBesideTheCellThatCoversMost) {
+TEST(JoinedInterface, NeighborOfAnUncutFaceIsTheCellThatCoversMost) {
     Mesh mesh = ReadShipped(blocksGeo, {{"n", 4}, {"m", 6}});
     const std::vector<host::BoundaryFace> sides = mesh.interfaceFaces[0];
     const int before = mesh.InnerFaceCount();
@@ -99,20 +100,20 @@ TEST(JoinedInterface, WholeFacesLieBesideTheCellThatCoversMost) {
         const host::InnerFace& face = mesh.innerFaces[before + i];
         EXPECT_EQ(face.owner, sides[i].cell);
         EXPECT_EQ(face.area, sides[i].area);
-        // 1/4 high against 1/6: one of the two neighbors covers 1/6, the other 1/12.
+        // Faces are 1/4 high, cells across 1/6: one neighbor covers 1/6 of height, the other 1/12.
         const double distance =
             std::abs(mesh.cellCentre[face.neighbor].y() - mesh.cellCentre[face.owner].y());
         EXPECT_NEAR(distance, 1.0 / 24, 1e-12) << i;
     }
 }
 
-TEST(JoinedInterface, EitherSideMayStayWhole) {
+TEST(JoinedInterface, EitherSideMayStayUncut) {
     Mesh mesh = ReadShipped(blocksGeo, {{"n", 4}, {"m", 6}});
 
     EXPECT_EQ(host::JoinInterface(mesh, WholeFaces::Block1), (std::array<int, 2>{16, 12}));
 }
 
-TEST(InterfaceFaults, AFaceThatIsNotCoveredIsNamed) {
+TEST(InterfaceFaults, NamesAFaceThatIsNotCovered) {
     const Mesh shifted =
         ReadEdited(blocksGeo, {{"n", 4}, {"m", 4}}, {{"{b * l, 0, 0, l", "{b * l, 0.1 * b, 0, l"}});
 
@@ -122,7 +123,7 @@ TEST(InterfaceFaults, AFaceThatIsNotCoveredIsNamed) {
     EXPECT_NE(error.find("covered to 0.6 of its area by block1"), std::string::npos) << error;
 }
 
-TEST(InterfaceFaults, BlocksApartDoNotMeet) {
+TEST(InterfaceFaults, BlocksWithAGapDoNotCoverEachOther) {
     const Mesh apart = ReadEdited(blocksGeo, {{"n", 2}, {"m", 2}},
                                   {{"{b * l, 0, 0, l", "{b * (l + 0.1), 0, 0, l"}});
 

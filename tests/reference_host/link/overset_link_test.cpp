@@ -39,7 +39,7 @@ struct Shipped {
     const char* name;
     const char* file;
     host::MeshParameters parameters;
-    int safeWalls;  // overset wall faces on which the toolbox's wall search ends at its first try
+    int safeWalls;  // overset wall faces where the wall search of the toolbox ends at its first try
 };
 
 class LinkedMesh : public testing::TestWithParam<Shipped> {
@@ -51,7 +51,7 @@ protected:
     OversetLink& link = linked.link;
 };
 
-/// Nearest active cell of a cavity by scan; the lowest id wins a tie.
+/// Nearest active cell of a cavity by a scan; of equally near cells the one with the lowest id.
 int NearestByScan(const Mesh& mesh, const OversetLink& link, int cavity, const Vec3& query) {
     int best = 0;
     for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
@@ -91,7 +91,7 @@ TEST_P(LinkedMesh, SidesFollowTheStatesOfTheTwoCells) {
     }
 }
 
-TEST_P(LinkedMesh, DonorsStandInTheHostsPairAndNowhereElse) {
+TEST_P(LinkedMesh, DonorsReplaceTheCutCellsInTheHostArraysOnly) {
     for (int face = 1; face <= mesh.InnerFaceCount(); ++face) {
         const host::InnerFace& inner = mesh.innerFaces[face];
         const int donor = link.Tables().inner[face];
@@ -144,7 +144,7 @@ TEST_P(LinkedMesh, WallDonorsAreTheNearestActiveBackgroundCells) {
 
 /// Compares only where the donor passes the test of the toolbox with a margin: elsewhere the search
 /// of the toolbox goes further out, and on some faces it never ends.
-TEST_P(LinkedMesh, ToolboxAgreesOnWallDonorsWhereItsTestHolds) {
+TEST_P(LinkedMesh, WallDonorsEqualThoseOfTheToolboxWhereItsTestHolds) {
     int nSafe = 0;
     for (int i = 1; i <= mesh.FaceCount(Boundary::Wall); ++i) {
         const BoundaryFace& face = mesh.Faces(Boundary::Wall)[i];
@@ -194,7 +194,7 @@ TEST(OversetLink, HexahedraFindTheirDonorsAtTheFirstTry) {
     }
 }
 
-TEST(OversetLink, SecondComponentIsLeftAlone) {
+TEST(OversetLink, SecondComponentIsNeverCut) {
     Linked linked(channelGeo, {{"n", 5}, {"two", 1}});
 
     for (int face = 1; face <= linked.mesh.InnerFaceCount(); ++face) {
@@ -243,7 +243,7 @@ TEST(OversetLinkFaults, BrokenContractStopsBeforeTheToolbox) {
                 testing::HasSubstr("inner face 1 at ("));
 }
 
-TEST(OversetLinkFaults, EachFaultIsALineOfItsOwn) {
+TEST(OversetLinkFaults, EachFaultIsReportedOnItsOwnLine) {
     const Mesh mesh =
         ReadEdited(boxGeo, {{"n", 10}, {"ri", 0.95}}, {{"nt = Round(2 * n)", "nt = Round(n)"}});
     HostObjects objects(mesh, ".");
