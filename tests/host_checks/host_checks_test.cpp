@@ -119,6 +119,20 @@ TEST(Assess, CountsCellsPiecesAndDonors) {
     EXPECT_GT(soundness.outerFacesWithoutToolboxDonor, 0);
 }
 
+/// Distances are given in cell sizes, so the unit of length does not matter.
+TEST(Assess, GivesDistancesInCellSizes) {
+    AnnulusHost host;
+    AnnulusShape large;
+    large.scale = 4.0;
+    AnnulusHost largeHost(large);
+
+    const Soundness soundness = Assessed(host);
+    const Soundness largeSoundness = Assessed(largeHost);
+
+    EXPECT_NEAR(largeSoundness.hole.meanDistance, soundness.hole.meanDistance, 1e-12);
+    EXPECT_NEAR(largeSoundness.outer.largestDistance, soundness.outer.largestDistance, 1e-12);
+}
+
 /// A component at a wall makes the toolbox cut the background with a meaningless vector.
 TEST(Assess, FindsWhatAComponentNearAWallDoesToTheCut) {
     AnnulusShape shape;

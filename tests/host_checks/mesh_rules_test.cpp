@@ -214,6 +214,7 @@ TEST(MeshFaults, DepthsOfAFifthToEightCellsAreAccepted) {
 
         for (const Fault& fault : FaultsOf(host)) {
             EXPECT_NE(fault.rule, Rule::Depth) << depth << Text(fault);
+            EXPECT_NE(fault.rule, Rule::OuterFaceSize) << depth << Text(fault);
         }
     }
 }
