@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs clang-tidy 14 with the checks of .clang-tidy. Needs the compile commands of the release build.
 #
-#   .ci/tidy.sh           host_checks/ and matrix_solver/, and at most 20 of those files of the
+#   .ci/tidy.sh           host_checks/ and matrix_solver/, and at most 10 of those files of the
 #                         reference host that changed since the main branch: a file takes eight
 #                         seconds there, nearly all of them for the headers of Eigen
 #   .ci/tidy.sh --all     host_checks/, matrix_solver/ and all of the reference host (ten minutes of
@@ -18,7 +18,7 @@ case "${1:-}" in
     --all) folders+='|reference_host' ;;
     *) echo "tidy.sh: unknown argument '$1' (known: --all)" >&2; exit 2 ;;
 esac
-most=20
+most=10
 if [ "$(grep -c . <<<"$changed")" -gt "$most" ]; then
     echo "tidy.sh: more than $most changed files, checking the first $most; --all checks the rest"
     changed=$(head -n "$most" <<<"$changed")
