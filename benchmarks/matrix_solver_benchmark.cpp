@@ -129,7 +129,6 @@ void BM_LibraryToolbox(benchmark::State& state, Make make) {
     Conclude(state, p, x);
 }
 
-void BM_LibraryDune(benchmark::State& state, Make make) {
     const Problem p = make(static_cast<int>(state.range(0)));
     if (!kvx3d_solver::HasMultigrid()) {
         state.SkipWithError("this build has no multigrid");
@@ -179,7 +178,6 @@ void BM_LibraryEigen(benchmark::State& state, Make make) {
 KVX3D_SOLVER_ROW(BM_Library, Poisson)->Arg(32)->Arg(46)->Arg(68)->Arg(100);
 KVX3D_SOLVER_ROW(BM_LibraryToolbox, Poisson)->Arg(32)->Arg(46)->Arg(68)->Arg(100);
 KVX3D_SOLVER_ROW(BM_LibraryFront, Poisson)->Arg(100);
-KVX3D_SOLVER_ROW(BM_LibraryDune, Poisson)->Arg(100);
 KVX3D_SOLVER_ROW(BM_Library, Convection)->Arg(46);
 KVX3D_SOLVER_ROW(BM_LibraryToolbox, Convection)->Arg(46);
 KVX3D_SOLVER_ROW(BM_LibraryEigen, Convection)->Arg(46);
