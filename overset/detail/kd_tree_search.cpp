@@ -93,9 +93,6 @@ public:
           bestSq(DistanceSq(from, tree.root->pos)) {}
 
     const KDtreeNode* Run() {
-        if (std::isnan(bestSq)) {
-            return best;  // nothing compares as nearer than NaN
-        }
         OpenBranch branch = {core.root, 0.0, {}};
         BoxDistances(*core.rect, query, branch.sq);
         Descend(branch);

@@ -47,8 +47,10 @@ struct KDtreeStore : KDtreeCore {
 bool AddChunk(KDtreeStore& store, int capacity) {
     const std::size_t bytes =
         sizeof(NodeChunk) + cacheLine + sizeof(NodeBlock) * static_cast<std::size_t>(capacity);
-    char* memory = new (std::nothrow) char[bytes];
-    if (!memory) {
+    char* memory = nullptr;
+    try {
+        memory = new char[bytes];
+    } catch (const std::bad_alloc&) {
         return false;
     }
     const std::size_t start = reinterpret_cast<std::size_t>(memory + sizeof(NodeChunk));

@@ -234,7 +234,7 @@ void NearestFace::MeasureLeaf(const Node& leaf, const double* query, Nearest& ne
         const double distSq = DistanceSq(query, inLeaves[i].data());
         if (distSq < nearest.distSq) {
             nearest = {i, distSq, false};
-        } else if (distSq == nearest.distSq && i != nearest.at) {
+        } else if (distSq == nearest.distSq && i != nearest.at) {  // the bound itself is no tie
             nearest.tied = true;
         }
     }
