@@ -33,7 +33,7 @@ constexpr double worthRestart = 0.5;   // residual reduction that earns another 
 constexpr int refinements = 3;         // of a solution by factorization
 constexpr double quickWork = 2e10;     // of a sparse LU nobody asked for: seconds
 constexpr double directWork = 1e12;    // of a sparse LU on demand: minutes
-constexpr double mostEntries = 2.5e8;  // in the factors of a sparse LU: 3 GB
+constexpr double mostEntries = 2.5e8;  // estimated in the factors of a sparse LU: 1.6 GB
 
 /// One pass through the methods: the best iterate, its true residual, and the steps left.
 class Chain {
