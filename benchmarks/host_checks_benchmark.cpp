@@ -15,7 +15,7 @@
 #include "host_checks/host_checks.h"
 #include "overset/overset_grid_data.h"
 #include "overset/overset_mesh_impl.h"
-#include "tests/support/block_host.h"
+#include "plain/samples/block_host.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <vector>
 
+#include "plain/samples/block_host.h"
 #include "plain/samples/cylinder_host.h"
 #include "tests/host_checks/faults.h"
-#include "tests/support/block_host.h"
 #include "tests/support/box_host.h"
 #include "tests/support/output_capture.h"
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host_checks/fault.h"
-#include "tests/support/block_host.h"
+#include "plain/samples/block_host.h"
 
 /// A small sound mesh: 400 background cells with ids 1..400, 160 component cells with ids 401..560.
 /// Wall faces 1..40 are the walls of the background, 41..120 the inner and outer boundary of the

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "plain/samples/block_host.h"
 #include "tests/host_checks/faults.h"
-#include "tests/support/block_host.h"
 #include "tests/support/box_host.h"
 #include "tests/support/output_capture.h"
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "host_checks/host_rules.h"
+#include "plain/samples/block_host.h"
 #include "tests/host_checks/faults.h"
-#include "tests/support/block_host.h"
 
 namespace {
 

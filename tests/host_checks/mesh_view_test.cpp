@@ -6,8 +6,8 @@
 #include <cmath>
 #include <vector>
 
+#include "plain/samples/block_host.h"
 #include "tests/host_checks/faults.h"
-#include "tests/support/block_host.h"
 #include "tests/support/box_host.h"
 
 namespace {

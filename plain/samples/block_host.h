@@ -1,5 +1,5 @@
-#ifndef KVX3D_TESTS_SUPPORT_BLOCK_HOST_H
-#define KVX3D_TESTS_SUPPORT_BLOCK_HOST_H
+#ifndef KVX3D_PLAIN_SAMPLES_BLOCK_HOST_H
+#define KVX3D_PLAIN_SAMPLES_BLOCK_HOST_H
 
 #include <array>
 #include <functional>

@@ -1,4 +1,4 @@
-#include "tests/support/block_host.h"
+#include "plain/samples/block_host.h"
 
 #include <cmath>
 #include <utility>
