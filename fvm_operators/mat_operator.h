@@ -8,7 +8,7 @@
 
 #include <stdexcept>
 
-/// An operator was built without its matrix or its mesh; carries the message only.
+/// Thrown if an operator is constructed without a matrix or a mesh. Carries only the message.
 class KVX3D_API MatrixOperatorException : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -33,14 +33,15 @@ using ::MatrixOperatorException;  // may be caught under either name
 /// inlet, outlet, wall and symmetry faces unless `useBoundaryFaces` is false. A matrix with
 /// boundary terms needs NcAll columns, since ghost cells are columns. Partition faces add nothing.
 ///
-/// Flux tolerance, absolute and on the flux without its weight: above 1e-8 a flux is positive,
-/// below -1e-8 negative, and between them (both limits and NaN included) near zero. An inner face
-/// with a near-zero flux uses the Face stencil in every scheme that depends on the flux. On a
-/// boundary face whose flux is not positive, the face value is the unknown of the ghost cell.
+/// Flux tolerance: a flux above 1e-8 is positive, one below -1e-8 negative, and one in between
+/// (both limits and NaN included) near zero. The limits are absolute, and the flux is compared with
+/// them before it is multiplied by the weight. An inner face with a near-zero flux uses the Face
+/// stencil in every scheme that depends on the flux. On a boundary face whose flux is not positive,
+/// the face value is the unknown of the ghost cell.
 ///
 /// Every operator returns true. An id outside the matrix makes it throw
 /// InvalidDimensionsException, and what was added before remains added. Null records, null
-/// stencils and a null flux are not detected. One thread at a time per object.
+/// stencils and a null flux are not detected. Only one thread at a time may use an object.
 class KVX3D_API CKVX_ART_MatOperator {
 public:
     /// Links an operator to a matrix and a mesh. Both are borrowed and must outlive it.
@@ -64,7 +65,8 @@ public:
     bool DiffusionOperator(double weight);
 
     /// Laplacian: weight times the Normal stencil.
-    /// On a non-matching face (nonmatchingFace[i] != 0) the row of the second cell gets nothing.
+    /// On a non-matching face (nonmatchingFace[i] != 0) nothing is added to the row of the second
+    /// cell.
     bool PureLaplaceOperator(double weight);
 
     /// Thermal diffusion: weight * k / (cp * rho) times the Normal stencil.
@@ -108,8 +110,8 @@ public:
 
     /// Convection minus diffusion in one pass: upstream cell values and faceMu times the Normal
     /// stencil, each with factor 1. Here a flux of exactly 1e-8 counts as positive, and a near-zero
-    /// flux adds no convection. On a non-matching face the row of the second cell gets nothing.
-    /// Inner faces only, whatever the value of useBoundaryFaces.
+    /// flux adds no convection. On a non-matching face nothing is added to the row of the second
+    /// cell. Only inner faces are treated, whatever the value of useBoundaryFaces.
     bool ConvectionFU_Diffusion_Operator(CMAFVMFaceVariableAll* flux);
 
     CKVX_ACMT_GV* artGv;                  ///< mesh, stencils and properties, not owned

@@ -26,18 +26,18 @@ struct FaceDonor {
     DonorRecord search;
 };
 
-/// What the cutting and the donor search made of a mesh.
+/// The result of hole cutting and donor search on a mesh.
 struct CutMesh {
-    std::vector<char> isActive;     ///< by cell, entries 1..Nc: 0 where the cell was cut
+    std::vector<char> isActive;     ///< by cell, entries 1..Nc: 0 if the cell was cut
     std::vector<FaceDonor> hole;    ///< hole-boundary inner faces, ascending: InnerDonor()
     std::vector<FaceDonor> outers;  ///< outer wall faces, ascending: NearestWallDonor()
 };
 
-/// Searches the donors of all faces that need one. Before donors are written into Ce23.
+/// Searches the donors of all faces that need one. Call it before donors are written into Ce23.
 KVX3D_CHECKS_API CutMesh FindDonors(const MeshView& mesh, const BoundedDonorSearch& search);
 
-/// Checks the rules for what the cutting and the donor search made of the mesh. For meshes of two
-/// or three grids; before donors are written into Ce23.
+/// Checks the rules for the result of hole cutting and donor search. For meshes of two or three
+/// grids. Call it before donors are written into Ce23.
 ///
 /// @return one fault for each broken rule; none if all are kept
 KVX3D_CHECKS_API std::vector<Fault> CutFaults(const MeshView& mesh, const CutMesh& cut);

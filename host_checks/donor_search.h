@@ -46,7 +46,7 @@ struct DonorRecord {
 /// must be used before CKVXOversetMesh::ReplaceDonorIdtoNonActCellId() writes donors into Ce23.
 ///
 /// No grid donates to component 2: the toolbox never cuts it and has no tree for its faces. Its
-/// searches end with NoTreeForGrid, and the toolbox must not be asked for them.
+/// searches end with NoTreeForGrid, and the toolbox must not be called for its faces.
 class KVX3D_CHECKS_API BoundedDonorSearch {
 public:
     /// Sound meshes need one try; tetrahedral components need up to four.
@@ -72,8 +72,9 @@ public:
     DonorRecord InnerDonor(int face) const;
 
     /// Donor of an outer face, a wall face 1..NWall of an overset group, as
-    /// GetOversetWallNeighbor() finds it. That search judges what lies "across" by the x component
-    /// of the area vector alone, and goes far or does not end on half of a round boundary.
+    /// GetOversetWallNeighbor() finds it. That search decides which cells lie across the face by
+    /// the x component of the area vector alone. On half of a round boundary it therefore finds a
+    /// distant cell or does not end.
     DonorRecord ToolboxWallDonor(int wallFace) const;
 
     /// Donor of an outer face as a host should choose it: the active background cell nearest to

@@ -13,7 +13,7 @@
 
 namespace kvx3d::checks {
 
-/// The step of the setup that decides whether a cell is cut.
+/// The step of the set-up that decides whether a cell is cut.
 enum class CuttingStep {
     None,           ///< no step: component 2, a cavity without a grid, or no face to judge by
     OutsideDomain,  ///< component 1 against the physical walls of the background
@@ -24,8 +24,8 @@ enum class CuttingStep {
 ///
 /// A step judges a cell with center C and volume V by its nearest face, with center P and area
 /// vector S: the measure (C - P) . S is compared with the margin |S| 2 h, where h = V^(1/3). The
-/// outside step cuts above minus the margin, the overlap step below minus the margin. Measure and
-/// margin are computed with the operations of the toolbox and agree with its numbers bit for bit.
+/// outside step cuts a cell if measure > -margin, the overlap step if measure < -margin. Both
+/// numbers are computed with the operations of the toolbox and agree with its numbers bit for bit.
 struct CellExplanation {
     int cell = 0;
     int grid = 0;  ///< 1 background, 2 component 1, 3 component 2, 0 none
@@ -44,7 +44,7 @@ struct CellExplanation {
     double margin = 0.0;        ///< |S| 2 h
     double distance = 0.0;      ///< measure / |S| [length], 0 if S vanishes
     double marginLength = 0.0;  ///< 2 h [length]
-    bool isCut = false;         ///< what measure and margin say; agrees with `state`
+    bool isCut = false;         ///< result of the comparison; agrees with `state`
 };
 
 /// The type of an inner face and its donor.
@@ -52,13 +52,13 @@ struct InnerFaceExplanation {
     int face = 0;
     Point center;
     OversetInnerFaceType type = OversetInnerFace_Undefined;
-    int owner = 0;     ///< present content of Ce23[0]
-    int neighbor = 0;  ///< present content of Ce23[1]
+    int owner = 0;     ///< current entry of Ce23[0]
+    int neighbor = 0;  ///< current entry of Ce23[1]
     OversetCellType ownerState = OversetCell_Undefined;
     OversetCellType neighborState = OversetCell_Undefined;
     int ownerGrid = 0;
     int neighborGrid = 0;
-    /// The cells lie in two grids: a donor was written into Ce23, the cut cell is no longer known.
+    /// The cells lie in two grids: a donor was written into Ce23, and the cut cell is not known.
     bool holdsDonor = false;
     DonorRecord donor;             ///< of a hole-boundary face
     int donorGrid = 0;             ///< 0 without a donor
@@ -83,9 +83,9 @@ struct WallFaceExplanation {
 
 /// Explains the decisions of a set-up CKVXOversetMesh about single cells and faces.
 ///
-/// Nothing is changed, and no search of the toolbox is called that might not end. Donors are those
-/// of the present Ce23, so faces are explained before donors are written there; cells can be
-/// explained at any time.
+/// Nothing is changed, and no search of the toolbox is called that might not end. Donors are
+/// searched with the current entries of Ce23, so explain faces before donors are written there.
+/// Cells can be explained at any time.
 class KVX3D_CHECKS_API Explainer {
 public:
     /// @param mesh        view of the host objects; must outlive this object

@@ -72,8 +72,8 @@ struct Fault {
 /// "what: remedy", or "what (and n more): remedy" for more than one place.
 KVX3D_CHECKS_API std::string Text(const Fault& fault);
 
-/// Counts how often a rule is broken and keeps the first place, so that a fault in a whole grid is
-/// reported in one line.
+/// Counts how often a rule is broken and keeps the first place, so that a fault that occurs in a
+/// whole grid is reported in one line.
 class FaultCounter {
 public:
     explicit FaultCounter(Rule brokenRule) { fault.rule = brokenRule; }

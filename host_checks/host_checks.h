@@ -20,11 +20,11 @@
 ///     const auto soundness = kvx3d::checks::Assess(gv, fvm, overset);
 ///     std::cout << kvx3d::checks::Report(soundness);
 ///
-/// The toolbox checks nothing that a host hands it: wrong ids lead to accesses out of range, and a
-/// face without a donor to a search that never ends.
+/// The toolbox does not check what a host passes to it: wrong ids lead to accesses out of range,
+/// and a face without a donor leads to a search that never ends.
 namespace kvx3d::checks {
 
-/// Whether the toolbox may set up a mesh, and if not, why.
+/// Whether the toolbox may set up a mesh, and the reasons if it may not.
 struct Verdict {
     std::vector<Fault> faults;
 
@@ -33,24 +33,25 @@ struct Verdict {
 
 /// Checks host objects before CKVXOversetMesh::SetFVM().
 ///
-/// First the rules of HostFaults(), and if these are kept and there is more than one grid the rules
-/// of MeshFaults(). Nothing is read out of range if each array has the length that its count says.
-/// A single grid may be set up if it has an inlet face, which the toolbox reads in every case.
+/// Checks the rules of HostFaults() and then, if these are kept and there is more than one grid,
+/// the rules of MeshFaults(). Nothing is read out of range if each array is as long as its count
+/// says. A single grid may be set up if it has an inlet face, because the toolbox always reads
+/// inlet face 1.
 KVX3D_CHECKS_API Verdict MaySetUp(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& fvm);
 
-/// What the cutting made of one grid.
+/// The result of hole cutting on one grid.
 struct GridCut {
     int grid = 0;           ///< 1 background, 2 component 1, 3 component 2 (never cut)
-    int cells = 0;          ///< all its cells
-    int cutCells = 0;       ///< those that were cut
+    int cells = 0;          ///< number of its cells
+    int cutCells = 0;       ///< number of those that were cut
     double cutShare = 0.0;  ///< cutCells / cells
     /// Number of cells in each connected piece of the cut region, largest first. Cells are
     /// connected across inner faces. A sound hole is one piece for each body.
     std::vector<int> cutPieces;
 };
 
-/// Donors of one kind of face. Distances lead from the last query point to the center of the donor
-/// and are divided by MeshView::EdgeLength() of the active cell.
+/// Donors of one kind of face. Distances are measured from the last query point to the center of
+/// the donor and divided by MeshView::EdgeLength() of the active cell.
 struct DonorSummary {
     int faces = 0;
     int withoutDonor = 0;
@@ -59,13 +60,13 @@ struct DonorSummary {
     double meanDistance = 0.0;  ///< over the faces with a donor
 };
 
-/// What the toolbox made of a mesh.
+/// The result of the overset set-up of a mesh.
 struct Soundness {
     std::vector<GridCut> grids;  ///< one entry for each grid, the background first
     DonorSummary hole;           ///< hole-boundary inner faces
     DonorSummary outer;          ///< outer wall faces, donor chosen by NearestWallDonor()
     /// Outer faces where GetOversetWallNeighbor() of the toolbox makes more searches than
-    /// BoundedDonorSearch::defaultMaxTries, or for which no grid donates: do not ask it there.
+    /// BoundedDonorSearch::defaultMaxTries, or for which no grid donates: do not call it there.
     int outerFacesWithoutToolboxDonor = 0;
     std::vector<Fault> faults;  ///< broken rules of CutFaults(); none on a single grid
 

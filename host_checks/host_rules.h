@@ -9,14 +9,14 @@
 
 namespace kvx3d::checks {
 
-/// Checks what the toolbox requires of the host objects and never checks itself: a wrong count or
-/// id there leads to accesses out of range. To be called before any toolbox object links them and
-/// before donors are written into Ce23.
+/// Checks the requirements of the toolbox on the host objects. The toolbox itself does not check
+/// them: a wrong count or id leads to accesses out of range. Call it before any toolbox object
+/// links the host objects and before donors are written into Ce23.
 ///
-/// Checks counts and pointers first and stops there if they are wrong, because all other rules read
-/// the arrays. Then coordinates, ids of nodes, cells and ghost cells, volumes, node lists, area
-/// vectors and cavity ids; with more than one cavity, once all of these hold, the inlet of the
-/// background and the overset groups.
+/// Counts and pointers come first. If they are wrong, nothing else is checked, because all other
+/// rules read the arrays. Then come coordinates, ids of nodes, cells and ghost cells, volumes, node
+/// lists, area vectors and cavity ids. If all of these are right and there is more than one cavity,
+/// the inlet of the background and the overset groups follow.
 ///
 /// Array lengths cannot be checked: each array must have one slot more than its count.
 ///

@@ -14,7 +14,7 @@ struct InspectionFiles {
     std::string donors;  ///< the donors as lines
 };
 
-/// Writes what the setup made of a mesh as two files for ParaView or any other reader of VTK.
+/// Writes the result of the overset set-up as two files for ParaView or any other reader of VTK.
 ///
 /// `cells.vtu` holds ALL cells, cut ones included, with these cell arrays:
 /// - grid            1 background, 2 component 1, 3 component 2, 0 none
@@ -33,9 +33,10 @@ struct InspectionFiles {
 /// - tries           tree searches that the donor took
 /// - distance        from the last query point to the center of the donor [length]
 ///
-/// Donors of outer faces are the nearest active background cells to the mirrored centers. To be
-/// called before donors are written into Ce23. Numbers have six digits; a number that a Float32
-/// cannot hold is replaced by the nearest one, NaN by 0. Earlier files of these names are replaced.
+/// Donors of outer faces are the nearest active background cells to the mirrored centers. Call it
+/// before donors are written into Ce23. Numbers have six digits; a number outside the range of
+/// Float32 is replaced by the nearest one in it, NaN by 0. Existing files of these names are
+/// replaced.
 ///
 /// @param directory  is created if it does not exist
 /// @param explainer  of the mesh

@@ -10,10 +10,10 @@
 namespace kvx3d::checks {
 
 /// Limits that an overset mesh must keep. Lengths are multiples of h, the size of the background
-/// cells at the outer boundary of a component: V^(1/3) where the margin of the toolbox is meant
-/// (wallLayer, minGap, minThickness), otherwise MeshView::EdgeLength().
+/// cells at the outer boundary of a component. h is V^(1/3), as in the margins of the toolbox, for
+/// wallLayer, minGap and minThickness, otherwise MeshView::EdgeLength().
 namespace limit {
-constexpr double wallLayer = 2.0;     ///< the toolbox cuts component cells nearer to a wall
+constexpr double wallLayer = 2.0;     ///< component cells closer to a wall are cut by the toolbox
 constexpr double minGap = 3.5;        ///< from the outer boundary to background walls
 constexpr double minThickness = 3.5;  ///< from the outer boundary to the body
 constexpr double minDepth = 0.2;      ///< thickness of a mesh one cell thick
@@ -24,8 +24,8 @@ constexpr double minLayer = 0.7;  ///< component cells at the outer boundary, ac
 constexpr double maxLayer = 1.5;
 constexpr double maxTaperedLayer = 2.0;  ///< the same for cells that end in a point or an edge
 constexpr double maxBend = 45.0;         ///< degrees between neighboring outer faces
-constexpr double maxBulge = 0.5;         ///< of an outer face in front of the plane of another one
-constexpr double minDonorTest = 1e-6;    ///< |S| |P - C| of a face that needs a donor [length^3]
+constexpr double maxBulge = 0.5;       ///< an outer face's center in front of another face's plane
+constexpr double minDonorTest = 1e-6;  ///< |S| |P - C| of a face that needs a donor [length^3]
 }  // namespace limit
 
 /// True if |S| |P - C| of a face and its active cell is near the absolute threshold of 1e-8 in the
@@ -40,8 +40,7 @@ KVX3D_CHECKS_API bool IsTooSmallForDonors(const Point& area, const Point& faceCe
 /// finds donors for its faces, so of component 2 only the length scale and the shape of its outer
 /// boundary are checked.
 ///
-/// If a grid, a group or the background walls are missing, the other rules are not checked: they
-/// would have nothing to search in.
+/// If a grid, a group or the background walls are missing, the other rules cannot be checked.
 ///
 /// @return one fault for each broken rule; none if all are kept
 KVX3D_CHECKS_API std::vector<Fault> MeshFaults(const MeshView& mesh);

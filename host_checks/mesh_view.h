@@ -53,14 +53,14 @@ public:
     int GridCount() const { return nGrids; }
     /// Grid of a cell 1..Nc by the rule of the toolbox: 1 is the background, the cavity beside
     /// inlet face 1; 2 is component 1, the cavity beside the first face of overset group 1; 3 is
-    /// component 2, likewise with group 2. Without an inlet face the background is cavity 1.
+    /// component 2, the same with group 2. Without an inlet face the background is cavity 1.
     int Grid(int cell) const { return gridOfCavity[gv.cavityId[cell]]; }
     /// Cells of a grid in ascending order.
     std::vector<int> CellsOfGrid(int grid) const;
 
     Point CellCenter(int cell) const { return {fvm.xc[cell], fvm.yc[cell], fvm.zc[cell]}; }
     Point Node(int node) const { return {fvm.xn[node], fvm.yn[node], fvm.zn[node]}; }
-    /// Mean of the nodes of a cell, which messages give as its place.
+    /// Mean position of the nodes of a cell. Messages give it as the position of the cell.
     Point NodeMean(int cell) const;
     int NodeCount(int cell) const { return fvm.cellNodes[cell][0]; }
     Point InnerFaceCenter(int face) const { return {fvm.xe[face], fvm.ye[face], fvm.ze[face]}; }

@@ -13,7 +13,7 @@ namespace kvx3d::checks {
 struct SolveReport {
     double firstResidual = 0.0;  ///< |b - A x| of the first guess
     double residual = 0.0;       ///< |b - A x| of the x that was returned
-    double target = 0.0;         ///< the residual that was asked for: reduction |b|
+    double target = 0.0;         ///< the requested residual: reduction |b|
     int calls = 0;               ///< calls of MatSolve
     int iterations = 0;          ///< iterations over all calls; 0 for SAMG, which reports none
     bool reached = false;        ///< residual <= target
@@ -22,20 +22,20 @@ struct SolveReport {
 
 /// Solves A x = b to a true relative residual: |b - A x| <= reduction |b|.
 ///
-/// MatSolve alone does not give that. It returns true whatever happened, it stops relative to the
-/// residual after its first iteration, and its breakdown tests compare with the absolute number
-/// 1e-30, so a system with small entries stops at once. Each call here therefore solves for a
+/// MatSolve alone does not achieve that. It always returns true, it stops relative to the residual
+/// after its first iteration, and its breakdown tests compare with the absolute number 1e-30, so
+/// that it stops at once on a system with small entries. Each call here therefore solves for a
 /// correction of the best x so far, A d = (b - A x) / |b - A x|, whose right-hand side has the
 /// norm 1. The true residual is computed after each call, and a correction that does not lower it
 /// is dropped: the returned x is never worse than the first guess.
 ///
-/// A call that does not lower the residual is repeated from other starts for d (the residual
+/// A call that does not lower the residual is repeated from other first guesses for d (the residual
 /// divided by the diagonal, then a fixed vector of mixed signs), since a breakdown depends on the
-/// start. When all starts have failed the solve ends early.
+/// first guess. If none of them helps, the solve ends early.
 ///
-/// Each call sets the tolerance of `A` to what is still missing, within 1e-13 and 0.5; the host's
-/// tolerance is restored at the end, after an exception too. The most iterations of one call are
-/// those of A.SetTimes().
+/// Each call sets the tolerance of `A` to the reduction that is still missing, but not below 1e-13
+/// or above 0.5. The host's tolerance is restored at the end, also after an exception. A.SetTimes()
+/// limits the iterations of each call.
 ///
 /// A matrix or right-hand side with an entry that is not finite is not solved: no call is made. A
 /// first guess that is not finite is replaced by zeros. If b is zero, x becomes zero.
@@ -45,7 +45,7 @@ struct SolveReport {
 /// @param[in]     b          right-hand side, entries 1..rowsN
 /// @param[in,out] x          first guess on entry, the best x found on return, entries 1..rowsN
 /// @param         reduction  of the residual against |b|, above 0
-/// @param         maxCalls   most calls of MatSolve, at least 1
+/// @param         maxCalls   largest number of calls of MatSolve, at least 1
 /// @throws LinearSolverException  a row stores no diagonal; x is the first guess
 /// @throws std::invalid_argument  reduction or maxCalls is out of range, or A stores a column above
 ///                                rowsN

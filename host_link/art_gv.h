@@ -12,7 +12,7 @@ class CMAFVMFaceVariable;
 ///
 /// Calling order: getKvx3dGV() and the setters of the optional links first, then getKvx3dData(),
 /// which reads the host in one pass: it copies counts and array pointers, but no array. It may be
-/// called again on a filled object and then replaces everything.
+/// called again on a filled object, and then replaces all contents.
 ///
 /// Ownership: host arrays are borrowed while kvxGv and kvxFvm are set. Face areas and ghost tables
 /// are allocated and released here; stencil records and face variables are stored here by the
@@ -60,8 +60,8 @@ public:
     /// @return 0; -1 without host links; -2 to -7 for the step that failed, in the order above
     int getKvx3dData();
 
-    /// Prints the linked data on standard output, one value or vector a line, in the default number
-    /// format whatever the format settings of std::cout.
+    /// Prints the linked data on standard output, one value or vector per line, always in the
+    /// default number format: the format settings of std::cout have no effect.
     /// @return 0
     int debugMode();
 
@@ -203,8 +203,8 @@ public:
     /// and for any other id, which includes the ghost cells of partition faces. Entries 1..NcAll,
     /// owned.
     int* ghostBCType = nullptr;
-    /// The face number for the ghost cell of a boundary face, the id itself for a real cell, else
-    /// 0. Entries 1..NcAll, owned.
+    /// For the ghost cell of a boundary face the number of that face, for a real cell its own id,
+    /// for any other id 0. Entries 1..NcAll, owned.
     int* ghostBCIndex = nullptr;
 
     /// A caller sets this to false to exclude the boundary faces from the operators.

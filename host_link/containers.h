@@ -16,8 +16,9 @@
 /// entries, so a[i][j] is element (i, j), both indices 1-based, and a[i][0] is cols. Ragged int
 /// tables have the same slot 0, and their owner fills the rows.
 ///
-/// The functions that allocate release what the pointer held before. They do not check the sizes. A
-/// failed allocation throws std::bad_alloc and leaves a pointer that may be passed in again.
+/// Each function that allocates first releases the array that the pointer held before. Sizes are
+/// not checked. A failed allocation throws std::bad_alloc and leaves a pointer that may be passed
+/// in again.
 
 /// Replaces `a` by a one-dimensional array of n doubles.
 KVX3D_API void newDouble1D(double*& a, int n);
@@ -43,7 +44,7 @@ namespace KVX3DART {
 
 /// Base class of the containers for hosts: it holds the shape.
 ///
-/// Copies share the pointers of their source: of a source and its copies only one may be
+/// Copies share the pointers of their source: only one of a source and its copies may be
 /// destroyed. Assignment overwrites the pointers of the target without releasing them.
 class KVX3D_API Container {
 public:

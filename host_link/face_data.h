@@ -12,9 +12,9 @@ class CKVX_ACMT_GV;
 /// matrix columns; coefficients 1..n are the weights. Slot 0 of the coefficients is not read. A
 /// quantity at the face is the weighted sum over the cells.
 ///
-/// With a positive flux (from the first cell of the face to the second) Left is the value on the
-/// upstream side and Right that on the downstream side, with a negative flux the reverse. FarLeft
-/// and FarRight are one step further upstream in either case.
+/// Left is the value on the side of the first cell of the face, Right the value on the side of the
+/// second. If the flux is positive (from the first cell to the second), Left is the upstream value
+/// and FarLeft the value one step further upstream; if it is negative, Right and FarRight are.
 ///
 /// The creator of a record fills it. Each array comes from the array form of new and is owned by
 /// the record unless `linked` is set.

@@ -42,7 +42,7 @@ public:
     /// Solves A x = b.
     ///
     /// The iteration ends when the residual norm has fallen to `tolerance` times the norm after
-    /// the first iteration, when `times` iterations are done, or at a breakdown (a scalar of the
+    /// the first iteration, after `times` iterations, or at a breakdown (a scalar of the
     /// recurrence is below 1e-30 in magnitude). After a breakdown x holds the last iterate.
     /// A matrix that was declared but not filled is compressed first, with all values zero.
     ///
@@ -53,8 +53,8 @@ public:
     /// @throws LinearSolverException  a row stores no diagonal; x is unchanged
     bool MatSolve(const double* b, double* x);
 
-    /// Computes the inverted DILU diagonal of the compressed matrix, in which the diagonal must
-    /// stand first in each row.
+    /// Computes the inverted DILU diagonal of the compressed matrix. The diagonal must be the first
+    /// entry of each row.
     ///
     /// @param[out] D  entries 1..rowsN
     void DILU(double* D);
@@ -81,7 +81,7 @@ public:
     /// none.
     double GetIterTimes() const { return iterTimes; }
 
-    double tolerance;  ///< stop at this reduction of the norm after iteration 1; default 1.1e-08
+    double tolerance;  ///< residual norm to reach / norm after iteration 1; default 1.1e-08
     int times;         ///< maximum number of iterations; default 100000
 
     // Ten vectors of rowsN + 1 entries, owned. Slot 0 holds rowsN, except in pHat, where it is 0.0.

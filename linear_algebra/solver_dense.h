@@ -17,8 +17,8 @@ class CKVXMatrixSolver;
 /// A copy shares the blocks and the external solver with its source: only one of the two may be
 /// destroyed.
 ///
-/// Everything is printed on standard output with a field width of 10, otherwise in the default
-/// number format whatever the format settings of std::cout.
+/// Everything is printed on standard output with a field width of 10, and otherwise always in the
+/// default number format: the format settings of std::cout have no effect.
 class KVX3D_API CKVX_ACMT_MatSolver_Dense {
 public:
     CKVX_ACMT_MatSolver_Dense();
@@ -28,8 +28,8 @@ public:
 
     /// Solves A x = rhs: n = 3..18 by elimination, any other n by the external solver.
     ///
-    /// The first guess of the external solver is x; for n = 2 the closed-form solution is stored in
-    /// x first. Each call that uses the external solver creates a new solver object and does not
+    /// The external solver starts from x. For n = 2 the closed-form solution is stored in x before
+    /// that. Each call that uses the external solver creates a new solver object and does not
     /// release the previous one.
     ///
     /// @param[in]     A    n by n; for the external solver, negative diagonals are negated together
@@ -69,8 +69,8 @@ public:
     int* Ia;            ///< rowsN + 2 row starts, Ia[1] == 1
     int* Ja;            ///< nonZeroN + 1 column numbers
     double* Aa;         ///< nonZeroN + 1 values
-    double tolerance;   ///< 1.1e-16, and 1.1e-06 from the first external solve on
-    int maxIterations;  ///< 5000, and 50 from the first external solve on
+    double tolerance;   ///< 1.1e-16; the first external solve sets it to 1.1e-06
+    int maxIterations;  ///< 5000; the first external solve sets it to 50
     int nonZeroN;       ///< n * n
     int rowsN;          ///< n
     int colsN;          ///< n
@@ -78,7 +78,7 @@ public:
     double gaussMatrix[21][21];  ///< elimination, 1-based, right-hand side in column n + 1
     double gaussSolution[21];    ///< elimination, 1-based
 
-    CKVXMatrixSolver* solver;  ///< external solver of the last use, owned; null before the first
+    CKVXMatrixSolver* solver;  ///< of the last external solve, owned; null before the first one
 
 private:
     /// Elimination without pivoting in the work areas; n is at most 19.
@@ -87,7 +87,7 @@ private:
     /// Fills Ia, Ja, Aa. @return true
     bool MatrixToCSR(double** A, int n);
 
-    /// The same, with negative diagonals negated together with their rhs[i].
+    /// The same, but negates each negative diagonal together with its rhs[i].
     /// @return true
     bool MatrixToCSR_DiagPositive(double** A, double* rhs, int n);
 

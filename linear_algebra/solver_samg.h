@@ -8,8 +8,8 @@ class CKVXMatrixSolver;
 
 /// A sparse matrix whose system is solved by the external library KVX3DMatrixSolver.
 ///
-/// It is assembled like any other sparse matrix. A solve passes on a copy of the values in which
-/// the diagonal of every row stands first and is not negative; the values in Aa keep their signs.
+/// It is assembled like any other sparse matrix. A solve passes on a copy of the values, in which
+/// the diagonal comes first in every row and is not negative; the values in Aa keep their signs.
 ///
 /// The status of the external solver is ignored, so this class does not report convergence. A
 /// caller that needs to know computes the residual. Only one solve at a time may run on an object.

@@ -24,8 +24,8 @@ public:
 /// It has two phases. In the index phase AddIndex() collects the non-zero positions in one ordered
 /// set per row. CompressIndex() turns the sets into compressed sparse rows (CSR) with an array of
 /// values; the sets remain as the master copy of the pattern. AddElementValue() compresses the
-/// matrix if necessary, and also stores positions that were not declared, at the price of copying
-/// both arrays:
+/// matrix if necessary. It also stores positions that were not declared, but copies both arrays for
+/// each of them:
 ///
 ///     CKVX_ART_SparseMatrix A(n);
 ///     A.AddIndex(row, col);                // the pattern, in any order, duplicates allowed
@@ -33,14 +33,14 @@ public:
 ///
 /// Everything is 1-based: rows 1..rowsN, columns 1..colsN, and entry 0 of every array is a dummy.
 /// Row i occupies positions Ia[i] .. Ia[i + 1] - 1 of Ja and Aa. Columns ascend after a
-/// compression, but an inserted entry stands at the end of its row and MakeDiagFrontCSR() moves
+/// compression, but an inserted entry goes to the end of its row and MakeDiagFrontCSR() moves
 /// diagonals, so entries are found by linear scans. A row holds one finite-volume stencil, so the
 /// scans are short.
 ///
 /// Only AddIndex(), AddElementValue() and the adding path of SetDiagonalValue() check their
 /// arguments. Any other operation called with a row outside 1..rowsN reads or writes out of
-/// bounds. A failed allocation throws std::bad_alloc. One thread at a time per object. Row starts
-/// are ints, so a matrix stores fewer than 2^31 entries.
+/// bounds. A failed allocation throws std::bad_alloc. Only one thread at a time may use an object.
+/// Row starts are ints, so a matrix stores fewer than 2^31 entries.
 ///
 /// A copy shares all four blocks with its source, and there is no reference count: only one of
 /// the two may be destroyed.
@@ -91,10 +91,10 @@ public:
     /// Sets the stored values of one row to 0.0; the entries stay.
     void SetRowZero(int row);
 
-    /// Sets the stored values of one column to 0.0 by a scan of the whole matrix.
+    /// Sets the stored values of one column to 0.0; scans the whole matrix.
     void SetColZero(int col);
 
-    /// The diagonal value of `row`, or 0.0 if it is not stored. Never compresses.
+    /// The diagonal value of `row`, or 0.0 if it is not stored. Does not compress the matrix.
     double GetDiagonalValue(int row);
 
     /// Overwrites the stored diagonal of `row` without checks and without compression. A diagonal
@@ -113,8 +113,8 @@ public:
     /// @param x  an entry for every stored column number, 1-based
     double DotProduct(int row, double* x);
 
-    /// Prints Ia, Ja and Aa on standard output, one item a line, in the default number format
-    /// whatever the format settings of std::cout.
+    /// Prints Ia, Ja and Aa on standard output, one item per line, always in the default number
+    /// format: the format settings of std::cout have no effect.
     void DebugRun();
 
     int rowsN;        ///< number of rows, fixed at construction
@@ -139,7 +139,7 @@ private:
     /// @throws InvalidDimensionsException  the position lies outside the matrix
     void CheckDimensions(const int& row, const int& col);
 
-    /// Not inline, so that the check costs an assembly loop four comparisons and no more.
+    /// Not inline, so that the check adds only four comparisons to an assembly loop.
     [[noreturn]] void ThrowBadPosition(int row, int col);
 
     /// Adds `value` to the first stored entry of (row, col).

@@ -9,7 +9,7 @@ struct KDtreeNode {
     int dir;            ///< axis on which the node splits: 0, 1, 2
     int* data;          ///< id of the point, not owned
     KDtreeNode* left;   ///< points with a coordinate below pos[dir] on axis dir
-    KDtreeNode* right;  ///< points with an equal or a larger coordinate
+    KDtreeNode* right;  ///< points with an equal or larger coordinate
 };
 
 /// An axis-parallel box.
@@ -19,14 +19,14 @@ struct KDtreeRect {
     double* max;  ///< upper corner, owned
 };
 
-/// The tree proper. The constructor of KVX_ART_KDtree makes it together with memory for its nodes.
-/// A core from elsewhere can be searched, but it must neither grow nor be destroyed through a tree
-/// object.
+/// The tree itself. The constructor of KVX_ART_KDtree creates it together with memory for its
+/// nodes. A core that a caller made in another way can be searched through a tree object, but no
+/// points may be added to it and it must not be destroyed through that object.
 struct KDtreeCore {
     int dim;                   ///< 3
     KDtreeNode* root;          ///< null while the tree is empty
     KDtreeRect* rect;          ///< bounding box of all points, null while the tree is empty
-    void (*destructor)(int*);  ///< called with the id of each node at clearing, unless null
+    void (*destructor)(int*);  ///< unless null, called with the id of each node when it is released
 };
 
 /// One entry of a result list. A list starts with a head entry that holds no point.
@@ -52,12 +52,12 @@ struct KDtreeResultSet {
 /// shape decides the order of answers: nothing is sorted or balanced. A tree is built by one array
 /// build, or point by point; points cannot be removed.
 ///
-/// Points in mesh order make the tree about a hundred levels deep, points in sorted order as deep
-/// as their number. Neither building, nor searching, nor clearing recurses, so depth costs time
-/// and no stack.
+/// Points in the order of a mesh make the tree about a hundred levels deep. Points in sorted order
+/// make it as deep as their number. Building, searching and clearing do not recurse, so a deep tree
+/// takes more time but no more stack.
 ///
-/// Searches read the nodes as they are. A host may detach a leaf, or move a leaf within the part
-/// of space that the splits above it leave to it; the next search answers accordingly.
+/// Searches read the nodes as they are. A host may detach a leaf, or move a leaf within the region
+/// to which the splitting planes above it confine it; the next search takes that into account.
 ///
 /// Answers are int arrays from the array form of new: slot 0 the count, then the ids. A search
 /// first releases the array that `result` points to, so one pointer serves a whole loop. It must
@@ -92,16 +92,16 @@ public:
 
     /// Finds the point nearest to (x, y, z).
     ///
-    /// Of equally near points the root wins; otherwise the point that comes first in the order
-    /// near side, node, far side. A query on a splitting plane has its near side on the left.
+    /// If several points are equally near and the root is one of them, the root is found; otherwise
+    /// the first of them in the order near side, node, far side. For a query on a splitting plane
+    /// the left side is the near one.
     /// @param[in,out] result  becomes {1, id}, or {0} for an empty tree
     /// @return the count, or -1 with a line on standard output if `tree` is null
     int SearchNearestPoints(const double& x, const double& y, const double& z, int*& result);
-    /// Finds the points within `radius` of (x, y, z), the sphere included; the point visited last
-    /// comes first.
+    /// Finds the points at most `radius` away from (x, y, z). The point visited last comes first.
     ///
-    /// A splitting plane exactly `radius` away is not crossed: the points beyond it are left out
-    /// even if they touch the sphere.
+    /// A splitting plane exactly `radius` away is not crossed: points beyond it are left out even
+    /// if they lie on the sphere.
     /// @param[in,out] result  becomes {count, ids}
     /// @return the count, or -1 if `tree` is null (with a line on standard output) or if there is
     ///         not enough memory

@@ -26,25 +26,27 @@ public:
     ~KVX_ART_OVERSET_GRID_DATA();
 
     /// Derives grids, wall groups and cell tables. Call it once, after getKvx3dData(). All cells
-    /// start active. Each wall face beside a cell without a grid prints two warnings.
+    /// are active afterward. Two warnings are printed for each wall face beside a cell without a
+    /// grid.
     void OversetGridsInfoSetting();
 
-    /// Grid of cell 1..Nc; a cell without a grid prints a warning on standard output.
+    /// Grid of cell 1..Nc. For a cell without a grid, prints a warning on standard output.
     OversetGridType GetOversetGridType(int cell);
     /// The same with a different warning text.
     OversetGridType GetOversetGridState(int cell);
 
     /// State of inner face 1..Ne, from its two cells. Sets needChangeInnerNormal if the owner is
-    /// cut and the neighbor active; does not change the mesh. Cell states other than 1 and 2 print
-    /// a line on standard error and give 0.
+    /// cut and the neighbor active; does not change the mesh. If a cell has a state other than 1
+    /// and 2, prints a line on standard error and returns 0.
     OversetInnerFaceType GetInnerFaceState(int face);
     /// The same, but does not set the flag: a face with a cut owner and an active neighbor is
-    /// turned around in the host's own arrays, so that its area vector points away from the active
-    /// cell.
+    /// reversed in the host's own arrays (cell pair and area vector), so that its area vector
+    /// points away from the active cell.
     OversetInnerFaceType GetInnerFaceType(int face);
-    /// Kind of wall face 1..NWall; a negative group prints a line on standard error and gives 0.
+    /// Kind of wall face 1..NWall. For a negative group number, prints a line on standard error and
+    /// returns 0.
     OversetWallFaceType GetWallFaceType(int wallFace);
-    /// True if the owner of an inner face is cut and its neighbor active.
+    /// True if the owner of an inner face is cut and its neighbor is active.
     bool IsNeedChangeInnerNormal(int face);
 
     /// Stores the pointer, which nothing here reads.
@@ -55,16 +57,16 @@ public:
     void PrintOversetGridsInfo();
 
     bool hasOversetGrids;        ///< false if the mesh has one cavity only
-    bool needChangeInnerNormal;  ///< GetInnerFaceState() found a face to turn; for callers
+    bool needChangeInnerNormal;  ///< GetInnerFaceState() found a face to reverse; for callers
     int NGrid;                   ///< distinct cavity ids of cells 1..Nc - 1
     int NOversetBC;              ///< overset boundary groups
     int NPhysicalWall;           ///< wall faces in no group
-    int NBackgroundWall;         ///< those of them beside a background cell
+    int NBackgroundWall;         ///< physical walls beside a background cell
     int NActiveCell;             ///< published cells, counted by the set-up of the output
     int NNonActiveCell;          ///< cells cut so far
     int NOverlapPoint;           ///< points for CutBackgroundCells(), set by its caller
-    int NOverlapWallPoint;       ///< the first ones of them, which are wall points
-    int* overlapInnerFace;       ///< inner face of each further overlap point, owned
+    int NOverlapWallPoint;       ///< number of wall points among them; these come first
+    int* overlapInnerFace;       ///< inner face of each overlap point after those, owned
     int* overlapWallIndex;       ///< position in group 1 of each overlap wall point, owned
     int* overlapTableC;          ///< never read, owned
     int* NCellOfGrid;            ///< cells in each grid, 1..NGrid, owned

@@ -11,13 +11,13 @@
 /// grid and up to two component grids.
 ///
 /// Calling order: construct, SetFVM() once, then any query. InitializeVTKTool() comes before the
-/// other two output calls. Queries before SetFVM() fault.
+/// other two output calls. A query before SetFVM() reads through a null pointer.
 ///
 /// All ids are 1-based. None is checked except the wall id of GetOversetWallNeighbor(). The set-up
 /// reads the mesh once: it does not follow moving meshes, and donors come only from the background
 /// and the first component grid.
 ///
-/// One call at a time per object, on the caller's thread.
+/// Every call runs on the caller's thread, and only one call at a time may run on an object.
 ///
 /// Tables and trees can be read through `impl`; this header declares all of them.
 class KVX3D_API CKVXOversetMesh {
@@ -36,9 +36,9 @@ public:
     /// for the overset members. A second call starts from the beginning and does not release the
     /// tables of the first one.
     ///
-    /// @param gv   host global variables; with a null argument the set-up prints a line and then
-    ///             faults in its second step
-    /// @param fvm  host mesh, likewise
+    /// @param gv   host global variables; if it is null, the set-up prints a line and then reads
+    ///             through a null pointer in its second step
+    /// @param fvm  host mesh; the same applies
     /// @return 0 always
     int SetFVM(CKvx3dGV* gv, CKVX3DFiniteVolumeMesh* fvm);
 
@@ -57,23 +57,23 @@ public:
     /// active cell of the other grid lies across the face.
     /// @return cell id
     int GetOversetInnerNeighbor(int face);
-    /// Donor of a wall face of an overset boundary group, as for an inner face.
+    /// Donor of a wall face of an overset boundary group, searched as for an inner face.
     ///
-    /// "Across" is judged with the x component of the area vector in all three directions. If that
-    /// component is 0, the search does not return.
+    /// The x component of the area vector is used for all three components when the search decides
+    /// which cells lie across the face. If it is 0, the search does not return.
     /// @return cell id, or -1 with a line on standard output if wallFace is not in 1..NWall
     int GetOversetWallNeighbor(int wallFace);
     /// Writes the donor of an inner face into the host's Ce23, in place of the cut cell.
     ///
-    /// On a face without a cut cell, as in a second call, it prints a line and changes nothing. The
-    /// area vector does not change.
+    /// If no cell of the face is cut, which is also the case in a second call, it prints a line and
+    /// changes nothing. The area vector does not change.
     void ReplaceDonorIdtoNonActCellId(int face);
 
     /// Prints the report on mesh, grids and groups to standard output. Call it after SetFVM().
     void OversetDebugMode();
 
     /// Lists the published cells, which are those not cut, and opens the result output below the
-    /// host's rootDir. Once per object.
+    /// host's rootDir. Call it once per object.
     void InitializeVTKTool();
     /// Writes pressure and velocity of the published cells as one .vtu file.
     ///

@@ -14,9 +14,9 @@ class VTK_Data;
 class VTK_Points;
 
 /// Implementation of CKVXOversetMesh. Each operation behaves like the operation of the facade that
-/// is named with it.
+/// its comment names.
 ///
-/// InitializeSetting() makes the inherited gridData. It is never destroyed here, because records
+/// InitializeSetting() creates the inherited gridData. It is never destroyed here, because records
 /// and trees of a copy may still point into it. Copies share every pointer; only one of them may
 /// be destroyed.
 class KVX3D_API CKVXOversetMesh_Impl : public CKVX_ART_HoleCutting {

@@ -26,7 +26,7 @@ class VTK_CollectionWriter {
 public:
     explicit VTK_CollectionWriter(VTK_Settings* settings);
 
-    /// Opens the record file and truncates what an earlier run left there. True if it is open.
+    /// Opens the record file and empties one that an earlier run has left. True if it is open.
     bool openRecordFile();
 
     /// Writes every block in registration order. Returns false at the first block that cannot be
@@ -83,8 +83,8 @@ public:
 /// Operations that fail print a line on standard output and return false; none throws or stops the
 /// run. A tool that is destroyed without a post-run leaves step files and records on disk. Names
 /// must not contain blanks, because the merge reads the record file word by word. A directory and a
-/// name in it may have 256 characters together: a record file with a longer path is not merged, a
-/// step file with a longer path ends the move.
+/// name in it may have 256 characters together. A record file with a longer path is not merged; at
+/// a step file with a longer path PostRun_DMP() stops moving files.
 ///
 /// A copy shares all parts with its source, and only one of the two may be destroyed.
 class KVX3D_API CKVX_ART_VTK_Tool {
