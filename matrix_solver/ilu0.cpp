@@ -65,7 +65,7 @@ void Ilu0::Apply(const Vector& r, Vector& z) {
     }
 }
 
-double IluPromise(const CsrSystem& A, Ilu0& ilu) {
+double IluQuality(const CsrSystem& A, Ilu0& ilu) {
     const Vector ones(static_cast<std::size_t>(A.n), 1.0);
     Vector image(ones.size()), back(ones.size());
     Multiply(A, ones, image);

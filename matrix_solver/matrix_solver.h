@@ -12,11 +12,12 @@
 
 /// Solves one square linear system per call, for the toolbox's solver front and its dense solver.
 ///
-/// Small and full systems go through a dense LU. From all others the trivial rows are eliminated;
-/// then follow BiCGSTAB with ILU(0) where that is quick, algebraic multigrid under conjugate
-/// gradients or BiCGSTAB, GMRES with ILU(0), and a sparse LU if its work is bearable. Every
-/// solution is judged by the residual recomputed from the arrays given, not by what a method
-/// reports.
+/// Small and full systems are solved by a dense LU factorization. In all others the rows with only
+/// a diagonal entry, and most rows with two entries, are eliminated first. Then these methods are
+/// tried until one of them reaches the tolerance: BiCGSTAB with ILU(0) if few steps are expected,
+/// conjugate gradients or BiCGSTAB with algebraic multigrid, GMRES with ILU(0), and a sparse LU
+/// factorization if its estimated work is a matter of seconds. Every solution is judged by the
+/// residual recomputed from the given arrays, not by what a method reports.
 ///
 /// Nothing is printed, no exception leaves the class, and no thread is started. Objects share
 /// nothing: two threads may use two objects, but one object runs one solve at a time.
@@ -36,8 +37,9 @@ public:
     CKVXMatrixSolver(const CKVXMatrixSolver&) = delete;
     CKVXMatrixSolver& operator=(const CKVXMatrixSolver&) = delete;
 
-    /// Non-zero: later solves try the sparse LU before any iteration. 0, the default: iterations
-    /// first. Systems whose LU would take minutes are iterated in both modes.
+    /// Selects the order of the methods in later solves. With a non-zero flag the sparse LU is
+    /// tried before any iteration, unless it would take minutes. With 0, the default, iterations
+    /// come first.
     void SetAsDirect(int flag);
 
     /// Solves A x = rhs.

@@ -19,20 +19,22 @@
 namespace kvx3d_solver {
 namespace {
 
-// The measurements behind these constants are in docs/matrix_solver.md.
-constexpr int alwaysDense = 64;            // rows up to which the dense LU needs no reason
-constexpr int denseLimit = 2000;           // rows; 32 MB of factors
-constexpr double denseFilling = 0.25;      // of n * n, from where a matrix counts as full
-constexpr double promise = 0.1;            // of ILU(0), from where BiCGSTAB alone is the faster one
-constexpr double symmetricPromise = 0.15;  // the same where conjugate gradients can follow
-constexpr int quickSteps = 30;             // of ILU(0)-BiCGSTAB; what the promises above predict
-constexpr int multigridSteps = 200;        // more means that the aggregates do not fit the problem
+// The measurements from which these constants were chosen are in docs/matrix_solver.md.
+constexpr int alwaysDense = 64;        // rows up to which the dense LU is always used
+constexpr int denseLimit = 2000;       // rows; 32 MB of factors
+constexpr double denseFilling = 0.25;  // of n * n entries; above it a matrix counts as full
+// IluQuality() from which ILU(0)-BiCGSTAB is faster than multigrid, which uses BiCGSTAB too, or for
+// a symmetric matrix conjugate gradients.
+constexpr double iluQuality = 0.1;
+constexpr double symmetricIluQuality = 0.15;
+constexpr int quickSteps = 30;       // of ILU(0)-BiCGSTAB, enough at the qualities above
+constexpr int multigridSteps = 200;  // more means that the aggregates do not fit the problem
 constexpr int gmresSteps = 500;
 constexpr int restarts = 3;            // after the recursive residual drifted from the true one
 constexpr double worthRestart = 0.5;   // residual reduction that earns another restart
 constexpr int refinements = 3;         // of a solution by factorization
-constexpr double quickWork = 2e10;     // of a sparse LU nobody asked for: seconds
-constexpr double directWork = 1e12;    // of a sparse LU on demand: minutes
+constexpr double quickWork = 2e10;     // of a sparse LU as the last method: seconds
+constexpr double directWork = 1e12;    // of a sparse LU that the caller requested: minutes
 constexpr double mostEntries = 2.5e8;  // estimated in the factors of a sparse LU: 1.6 GB
 
 /// One pass through the methods: the best iterate, its true residual, and the steps left.
@@ -95,11 +97,12 @@ public:
         }
     }
 
-    /// ILU(0)-BiCGSTAB, if it promises to end before a multigrid hierarchy would pay for its
-    /// set-up: convection and time steps do, a large Poisson problem does not.
+    /// ILU(0)-BiCGSTAB, if it is expected to take less time than the set-up of a multigrid
+    /// hierarchy and its steps. It does for convection and time steps, not for a large Poisson
+    /// problem.
     void TryIlu() {
-        const double least = IsSymmetricCore() ? symmetricPromise : promise;
-        if (stepsLeft > 0 && IluPromise(*core, Ilu()) >= least) {
+        const double least = IsSymmetricCore() ? symmetricIluQuality : iluQuality;
+        if (stepsLeft > 0 && IluQuality(*core, Ilu()) >= least) {
             Iterate(BiCgStab, Ilu(), quickSteps);
         }
     }

@@ -5,7 +5,7 @@
 
 namespace kvx3d_solver {
 
-/// What the caller asked for, and which methods may be used.
+/// The accuracy that the caller requests, and the methods that may be used.
 struct SolveOptions {
     double tolerance = 1e-8;   ///< relative to the norm of the right-hand side
     int maxIterations = 1000;  ///< Krylov steps over all methods together
@@ -17,11 +17,11 @@ enum class Outcome { Solved, ToleranceMissed, Singular };
 
 /// Solves A x = b by the first method that meets the tolerance.
 ///
-/// A small or full system goes through the dense LU alone. Any other loses its trivial rows first
-/// (see Reduction); then follow BiCGSTAB with ILU(0) where that promises to be quick, the pairwise
-/// multigrid under conjugate gradients for a symmetric matrix or under BiCGSTAB for any other,
-/// ILU(0)-GMRES, and the sparse LU. Each method starts from the best iterate so far. Every iterate
-/// is judged by the residual of the full system.
+/// A small or full system is solved by the dense LU alone. In any other system the trivial rows are
+/// eliminated first (see Reduction). Then follow BiCGSTAB with ILU(0) if few steps are expected,
+/// conjugate gradients (for a symmetric matrix) or BiCGSTAB with the pairwise multigrid, GMRES with
+/// ILU(0), and the sparse LU. Each method starts from the best iterate so far. Every iterate is
+/// judged by the residual of the full system.
 ///
 /// @param[in]     A  a system with n >= 1
 /// @param[in,out] x  start vector, then the best iterate; unchanged if it meets the tolerance
