@@ -3,8 +3,8 @@
 
 #include "two_grids.h"
 
-/// Ten mistakes that hosts make, to be planted on purpose: the toolbox notices none of them, the
-/// host checks report all of them.
+/// Ten typical mistakes of hosts, to be made on purpose: the toolbox does not notice any of them,
+/// the host checks report all of them.
 ///
 ///  1  the area vector of an inner face points from the neighbor to the owner
 ///  2  two wall faces share a ghost cell
@@ -18,10 +18,10 @@
 /// 10  a cell lists a node that does not exist
 constexpr int faultCount = 10;
 
-/// Plants faults that lie in the geometry: 4, 6 and 7.
+/// Makes the mistakes in the geometry: 4, 6 and 7.
 void PlantInShape(int fault, Shape& shape);
 
-/// Plants faults that lie in the filled arrays: the others.
+/// Makes the mistakes in the filled arrays: all others.
 void PlantInArrays(int fault, TwoGrids& grids);
 
 #endif

@@ -2,8 +2,8 @@
 //
 //     overset_host                      solves and writes overset_host_results/
 //     overset_host --output DIRECTORY   writes elsewhere
-//     overset_host --fault 7            plants a mistake (1 to 10, see faults.h), which the host
-//                                       checks report; exit code 1
+//     overset_host --fault 7            makes a mistake on purpose (1 to 10, see faults.h), which
+//                                       the host checks report; exit code 1
 //
 // The temperature obeys dT/dt = Laplace T with T = 1 on the cylinder. The sides of the square have
 // the values of T = ln(4 / r) / ln 8, which is therefore the steady solution. The time steps double
@@ -94,8 +94,8 @@ public:
     }
 
 private:
-    /// All positions before the first value: a position that is missing later costs a copy of the
-    /// whole matrix.
+    /// Declares all positions before the first value is added: a value at a position that was not
+    /// declared would cost a copy of the whole matrix.
     void DeclarePattern() {
         const CKVX_ACMT_GV& gv = stencils.gv;
         const auto declare = [&](int row, const CMAFVMFaceData& record) {
@@ -173,16 +173,16 @@ int main(int argc, char** argv) try {
     TwoGrids grids(shape, options.output);
     PlantInArrays(options.fault, grids);
 
-    // Step 2: ask whether the toolbox may set them up. It checks nothing itself: a wrong id would
-    // be read out of range.
+    // Step 2: check whether the toolbox may set them up. The toolbox itself does not check them: a
+    // wrong id would lead to reads out of range.
     const checks::Verdict verdict = checks::MaySetUp(grids.gv, grids.fvm);
     std::cout << Report(verdict);
     if (!verdict) {
         return 1;
     }
 
-    // Step 3: let the toolbox cut the holes, and assess the result before any donor is taken: its
-    // search for a donor that does not exist would never end.
+    // Step 3: let the toolbox cut the holes, and assess the result before any donor is searched:
+    // the search of the toolbox never ends if there is no donor.
     CKVXOversetMesh overset;
     overset.SetFVM(&grids.gv, &grids.fvm);
     const checks::Soundness soundness = checks::Assess(grids.gv, grids.fvm, overset);
@@ -192,7 +192,7 @@ int main(int argc, char** argv) try {
         return 1;
     }
 
-    // Step 4: keep the decisions in tables of the host, and take the donors.
+    // Step 4: store the decisions in tables of the host, and let the toolbox write the donors.
     const checks::MeshView view(grids.gv, grids.fvm);
     const CutMesh cut(view, overset);
 

@@ -78,7 +78,7 @@ void AddValueAt(Stencil& stencil, double factor, const Point& point, int donor,
     }
 }
 
-/// The live sides of the inner faces. The donor's side of a face adds nothing to its row.
+/// Fills the sides of active cells. The donor's side of a face adds nothing to the donor's row.
 void FillInnerFaces(CKVX_ACMT_GV& gv, const CMAFVMFaceData& empty, const CutMesh& cut) {
     gv.faceDataLeft = new CMAFVMFaceData[gv.Ne + 1];
     gv.faceDataRight = new CMAFVMFaceData[gv.Ne + 1];

@@ -9,10 +9,10 @@
 #include "overset/overset_mesh.h"
 #include "two_grids.h"
 
-/// The host's own tables of what the toolbox decided. They are filled once, because a face whose
-/// donor was written into Ce23 counts as a regular face from then on.
+/// The decisions of the toolbox in tables of the host. They are filled once, because the toolbox
+/// reports a face as a regular one after its donor was written into Ce23.
 struct CutMesh {
-    /// Remembers the type of each inner face, then lets the toolbox write the donor of each
+    /// Stores the type of each inner face, then lets the toolbox write the donor of each
     /// hole-boundary face into Ce23. Each of these faces must have a donor: see Assess().
     ///
     /// @param view     of the host objects; must outlive this object
@@ -27,12 +27,12 @@ struct CutMesh {
     std::vector<int> outerDonor;              ///< by wall face: donor of an outer face, else 0
 };
 
-/// The gradient stencils of all faces, in the records that the operators of the toolbox walk.
+/// The gradient stencils of all faces, in the records that the operators of the toolbox read.
 ///
-/// The operators never look at geometry: a quantity at a face is a weighted sum over cells. Both
-/// grids are orthogonal, so the gradient along the area vector S between two points that are d
-/// apart is (T2 - T1) S.S / (S.d), multiplied by the area. A ghost cell has the value at the center
-/// of its face. Where a cell is missing (cut, or beyond an outer face) the mirrored point takes its
+/// The operators do not read the geometry: a quantity at a face is a weighted sum over cells. Both
+/// grids are orthogonal, so with the vector d between the two points, grad T . S is
+/// (T2 - T1) S.S / (S.d), where S is the area vector. A ghost cell has the value at the center of
+/// its face. If a cell is missing (cut, or beyond an outer face), the mirrored point takes its
 /// place, with a value interpolated around the donor.
 class FaceStencils {
 public:
