@@ -15,7 +15,7 @@ namespace host {
 /// The temperature is 1 on the body (see body.h), 0 on the inlet and on the other walls; no heat
 /// passes through the outlet. Conductivity and heat capacity are 1, so the unit of time is the
 /// square of the body's diameter over the diffusivity. From a cold start the field is computed with
-/// implicit Euler steps, each half as long again as the one before, then the steady state is solved
+/// implicit Euler steps, each 1.5 times as long as the one before, then the steady state is solved
 /// directly.
 ///
 ///     reference_host heat mesh.file=channel_cylinder_overset.geo parameters.n=10

@@ -29,7 +29,7 @@ enum class GradientSet {
 /// iterations.
 ///
 /// Sources: T. J. Barth, A 3-D upwind Euler solver for unstructured meshes, AIAA 91-1548; second
-/// neighbours: F. Haider, J.-P. Croisille, B. Courbet, Numer. Math. 113 (2009) 555-600,
+/// neighbors: F. Haider, J.-P. Croisille, B. Courbet, Numer. Math. 113 (2009) 555-600,
 /// doi:10.1007/s00211-009-0228-z.
 class CellGradients {
 public:
