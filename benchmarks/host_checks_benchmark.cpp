@@ -1,6 +1,6 @@
 /// The checks of host_checks on the geometry of plain/samples/cylinder_host.h, with nodes.
 ///
-/// The argument is m, the mesh has 240 m^3 cells. "MaySetUp" is the verdict before the setup,
+/// The argument is m, the mesh has 240 m^3 cells. "MaySetUp" is the verdict before the set-up,
 /// "Assess" the one after it, "Setup" the yardstick: SetFVM() of the toolbox on the same host.
 ///
 ///     host_checks_benchmark
@@ -54,7 +54,7 @@ CylinderInChannel& HostOf(int m) {
     return *host;
 }
 
-/// A set-up facade whose grid data is released with it: a benchmark makes many setups.
+/// A set-up facade whose grid data is released with it: a benchmark makes many set-ups.
 struct SetUpMesh {
     explicit SetUpMesh(BlockHost& host) {
         std::streambuf* const kept = std::cout.rdbuf(nullptr);

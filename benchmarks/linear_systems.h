@@ -45,7 +45,7 @@ inline std::vector<Coefficient> BoxCoefficients(int m) {
 }
 
 /// An irregular mesh of m^3 cells: about 16 entries per row, cells numbered at random within slabs
-/// of 256 cells, rows diagonally dominant by one per cent.
+/// of 256 cells, rows diagonally dominant by one percent.
 inline std::vector<Coefficient> IrregularCoefficients(int m) {
     std::mt19937 random(3);
     std::vector<int> number(m * m * m);

@@ -90,7 +90,7 @@ void Fill(const Problem& p, CKVX_ART_SparseMatrix& A) {
 
 /// Checks the last solution and reports the rate and the number of rows.
 void Conclude(benchmark::State& state, const Problem& problem, const std::vector<double>& x) {
-    // The negated comparison also catches NaN; the one per cent is for the order of the sums.
+    // The negated comparison also catches NaN; the one percent is for the order of the sums.
     if (!(RelativeResidual(problem, x) <= 1.01 * tolerance)) {
         state.SkipWithError("tolerance missed: the time means nothing");
     }

@@ -22,7 +22,7 @@ using kvx3d::detail::RecordUse;
 /// Magnitude up to which a flux counts as near zero; absolute, in the host's units.
 constexpr double fluxTolerance = 1e-8;
 
-/// What a convection scheme needs to know of one side of an inner face.
+/// One side of an inner face, as a convection scheme reads it.
 struct InnerSide {
     FaceRow row;
     int first;   ///< the face's first cell, upstream of a positive flux
@@ -66,7 +66,7 @@ InnerSide SecondSide(CKVX_ART_SparseMatrix& matrix, const CKVX_ACMT_GV& gv,
     return {{matrix, second, true}, first, second, gv.faceDataRight, face, flux.right[face]};
 }
 
-/// What a convection scheme needs to know of one boundary face.
+/// One boundary face, as a convection scheme reads it.
 struct BoundarySide {
     FaceRow row;
     int cell;
@@ -145,8 +145,8 @@ void AddStencilUpwind(const BoundarySide& side, double weight) {
     }
 }
 
-/// near * upstream + far * far upstream. If `far` is zero, its stencil is multiplied and added all
-/// the same: its entries appear in the matrix, and an infinite flux turns them into NaN.
+/// near * upstream + far * far upstream. The far stencil is multiplied and added even if `far` is
+/// zero: its entries appear in the matrix, and an infinite flux turns them into NaN.
 void AddTwoPointUpwind(const InnerSide& side, double weight, double near, double far) {
     if (side.Positive()) {
         side.AddLeft(weight * near * side.flux);
@@ -324,7 +324,7 @@ bool CKVX_ART_MatOperator::ConvectionFU_Diffusion_Operator(CMAFVMFaceVariableAll
         const CMAFVMFaceData& left = artGv->faceDataLeft[i];
         first.AddStencil(left.idNormal, left.coefNormal, artGv->faceMu->left[i] * -1.0);
 
-        // On a non-matching face the row of the second cell gets neither term.
+        // On a non-matching face neither term is added to the row of the second cell.
         if (artGv->nonmatchingFace[i] != 0) {
             continue;
         }

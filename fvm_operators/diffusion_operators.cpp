@@ -26,9 +26,9 @@ bool CKVX_ART_MatOperator::PureLaplaceOperator(double weight) {
     for (int i = 1; i <= artGv->Ne; ++i) {
         PrefetchAhead(*sparseMatrix, *artGv, i, nullptr, normalUse);
         AddNormal({*sparseMatrix, artGv->Ce23[0][i], false}, artGv->faceDataLeft[i], weight);
-        // On a non-matching face the row of the second cell gets nothing. The other two diffusion
-        // operators do fill it; with unit coefficients this is the only difference between them and
-        // the Laplacian.
+        // On a non-matching face nothing is added to the row of the second cell. The other two
+        // diffusion operators do fill it; with unit coefficients this is the only difference
+        // between them and the Laplacian.
         if (artGv->nonmatchingFace[i] == 0) {
             AddNormal({*sparseMatrix, artGv->Ce23[1][i], true}, artGv->faceDataRight[i], weight);
         }
@@ -83,9 +83,9 @@ bool CKVX_ART_MatOperator::ThermalDiffusionOperator(double weight) {
         for (int i = 1; i <= kind.n; ++i) {
             const int ghost = kind.ghost[i];
             const double k = artGv->kvxGv->cellK[ghost];
-            // Rows at walls and symmetry planes get the conductivity alone, k dT/dn; only faces
-            // with flow through them get the diffusivity. Callers scale their wall rows by cellK
-            // alone, so a division here would make those rows too small by cp * rho.
+            // Rows at walls and symmetry planes contain the conductivity alone, k dT/dn; only those
+            // of faces with flow through them contain the diffusivity. Callers scale their wall
+            // rows by cellK alone, so a division here would make those rows too small by cp * rho.
             const double factor =
                 kind.throughflow ? k / (artGv->cp[ghost] * artGv->kvxGv->cellRho[ghost]) * weight
                                  : weight * k;

@@ -14,8 +14,8 @@ void CheckRange(const char* name, int id, int count) {
     }
 }
 
-/// Outer faces of component 1 in the order in which the toolbox takes them; equally near faces are
-/// told apart by it.
+/// Outer faces of component 1 in the order of the toolbox, which decides between equally near
+/// faces.
 std::vector<int> OuterFacesOfGroup1(const CKvx3dGV& gv) {
     if (gv.NOversetBCGroup[0] < 1) {
         return {};

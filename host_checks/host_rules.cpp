@@ -181,7 +181,7 @@ void CheckInnerFaces(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m,
         }
     }
     pairs.AppendTo(faults, "owner and neighbor must be two different cells " + FromTo(1, m.Nc));
-    cavities.AppendTo(faults, "grids share no face, keep each cavity in one piece of its own");
+    cavities.AppendTo(faults, "grids share no face: make each cavity a separate piece");
     directions.AppendTo(faults, "the area vector must point from the owner to the neighbor");
     flags.AppendTo(faults, "nonmatchingFace must be 0 or 1");
 }

@@ -111,8 +111,8 @@ private:
     CellArray missingDonors{"missing_donors", mesh.fvm.Nc};
 };
 
-/// Writes a block with the toolbox's own writer. That makes a step of a time series, in a directory
-/// of its own beside a record file; the step is moved to `path` and the rest removed.
+/// Writes a block with the writer of the toolbox. The writer makes a step of a time series, in a
+/// separate directory beside a record file; the step is moved to `path` and the rest is removed.
 void WriteBlock(const fs::path& path, VTK_Block& block) {
     std::string root = path.parent_path().string();
     std::string project = "inspection_" + path.stem().string();

@@ -15,7 +15,7 @@ BoxTree TreeOfWallFaces(const MeshView& mesh, const std::vector<int>& faces) {
     return {faces, [&](int face) { return mesh.Walls().Center(face); }};
 }
 
-/// Rules without which the others have nothing to search in.
+/// The rules that must hold before any other rule can be checked.
 std::vector<Fault> GridFaults(const MeshView& mesh, const std::vector<int>& backgroundWalls) {
     std::vector<Fault> faults;
     FaultCounter inlets(Rule::InletGrid);
@@ -49,8 +49,8 @@ std::vector<Fault> GridFaults(const MeshView& mesh, const std::vector<int>& back
     return faults;
 }
 
-/// The test of the toolbox with its operations: if one cell passes it, the cut under the component
-/// goes wrong over the whole background. Of equally near walls the toolbox takes one; here none of
+/// Repeats the test of the toolbox with the same operations. If it cuts even one cell, the cut of
+/// the whole background is wrong. The toolbox tests one of several equally near walls; here none of
 /// them may cut the cell.
 void CheckCellsAtWalls(const MeshView& mesh, BoxTree& walls, std::vector<Fault>& faults) {
     FaultCounter cells(Rule::WallDistance);
@@ -185,7 +185,7 @@ std::vector<Fault> MeshFaults(const MeshView& mesh) {
     const std::vector<int> backgroundWalls = mesh.WallFaces(0, 1);
     std::vector<Fault> faults = GridFaults(mesh, backgroundWalls);
     if (!faults.empty()) {
-        return faults;  // the other rules would have nothing to search in
+        return faults;  // the other rules cannot be checked
     }
     CheckScale(mesh, faults);
     BoxTree walls = TreeOfWallFaces(mesh, backgroundWalls);

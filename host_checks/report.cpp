@@ -67,7 +67,7 @@ std::string Report(const Soundness& soundness) {
     }
     if (soundness.outerFacesWithoutToolboxDonor > 0) {
         text += Count(soundness.outerFacesWithoutToolboxDonor, "outer face") +
-                " for which the toolbox must not be asked: its wall search finds no donor within " +
+                " for which GetOversetWallNeighbor must not be called: it finds no donor within " +
                 std::to_string(BoundedDonorSearch::defaultMaxTries) + " searches\n";
     }
     return text + Lines(soundness.faults);

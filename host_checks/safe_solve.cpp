@@ -12,8 +12,9 @@
 namespace kvx3d::checks {
 namespace {
 
-// Reductions of one call. Below the first the recurrence of BiCGSTAB no longer follows the true
-// residual, and a next call does better; the second keeps a call from stopping before it worked.
+// Limits of the reduction in one call. Below the first, the recurrence of BiCGSTAB no longer
+// follows the true residual, and another call achieves more. Above the second, a call might stop at
+// once.
 constexpr double smallestTolerance = 1e-13;
 constexpr double largestTolerance = 0.5;
 
@@ -73,7 +74,7 @@ int Call(CKVX_ART_MatSolver_SAMG& A, const double* b, double* x) {
     return 0;
 }
 
-/// What a solve works on, with its best x.
+/// The state of a solve, with its best x.
 class Solve {
 public:
     Solve(CKVX_ART_SparseMatrix& matrix, const double* rightHandSide, double* solution)

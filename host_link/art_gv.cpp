@@ -330,7 +330,7 @@ bool CKVX_ACMT_GV::getMeshRelation() {
             ghostBCIndex[cell] = cell;  // the type is 0 from the allocation
         }
         // Ghost cells of partition faces are not marked: they represent real cells of another
-        // process, not for a boundary.
+        // process, not a boundary.
         MarkGhosts(ghostBCType, ghostBCIndex, 1, idInlet, NInlet);
         MarkGhosts(ghostBCType, ghostBCIndex, 2, idOutlet, NOutlet);
         MarkGhosts(ghostBCType, ghostBCIndex, 3, idWall, NWall);

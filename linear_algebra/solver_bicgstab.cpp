@@ -14,8 +14,9 @@
 //     sHat, t            backward sweep, and t = A sHat in the same pass
 //     r                  new residual, with both of its dot products
 //
-// The update x += omega sHat waits for the next x += alpha pHat, so that x is read and written once
-// per iteration. The transcription step by step, with the same bits, is plain/plain_bicgstab.h.
+// The update x += omega sHat is delayed until the next x += alpha pHat, so that x is read and
+// written once per iteration. The transcription step by step, with the same bits, is
+// plain/plain_bicgstab.h.
 
 namespace {
 
@@ -60,7 +61,7 @@ double Dot(int n, const double* a, const double* b) {
     return sum;
 }
 
-/// Two dot products formed in one pass: the time goes into reading the vectors.
+/// Two dot products formed in one pass, because reading the vectors takes most of the time.
 struct DotPair {
     double withOther;
     double withItself;

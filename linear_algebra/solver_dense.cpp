@@ -141,7 +141,7 @@ int CKVX_ACMT_MatSolver_Dense::SolveDenseMatrix(double** A, double* rhs, int n, 
     }
     if (n == 2) {
         // No return here: the closed form is the first guess of the external solver, whose status
-        // the caller gets.
+        // is returned to the caller.
         const double det = A[2][2] * A[1][1] - A[1][2] * A[2][1];
         x[1] = (A[2][2] * rhs[1] - A[1][2] * rhs[2]) / det;
         x[2] = (A[1][1] * rhs[2] - A[2][1] * rhs[1]) / det;

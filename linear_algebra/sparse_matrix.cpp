@@ -53,7 +53,7 @@ CKVX_ART_SparseMatrix::~CKVX_ART_SparseMatrix() {
 void CKVX_ART_SparseMatrix::AddIndex(int row, int col) {
     CheckDimensions(row, col);
     // Faces come in mesh order, so a new column is usually the first or the last of its row. The
-    // hint avoids the search for its place, which saves 5 per cent of the time to declare a
+    // hint avoids the search for its place, which saves 5 percent of the time to declare a
     // pattern.
     std::set<int>& columns = (*indexSets)[row];
     const bool isFirst = !columns.empty() && col < *columns.begin();

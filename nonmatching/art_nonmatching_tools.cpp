@@ -51,8 +51,8 @@ void art_nonmatching_tools::NonmatchingPreprocess() {
         if (!IsNonmatchingFace(face)) {
             continue;
         }
-        // The owner alone decides the group: each side of an interface has faces of its own, so
-        // the faces of the neighbor's side are visited in their turn.
+        // The owner alone decides the group: each side of an interface has its own faces, so
+        // the faces of the neighbor's side are visited separately.
         if (CheckCavityId(GetInnerFaceOwnerId(face)) < 1) {
             outsideFaces.push_back(face);
         } else {

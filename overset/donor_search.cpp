@@ -74,8 +74,8 @@ void DonorSearch::Across(double x, double y, double z) {
 }
 
 int DonorSearch::Run(int c) {
-    // The last answer is not released: two ints are left per call. A host asks once for each face
-    // and keeps the donors in a table of its own, so this does not grow with its time steps.
+    // The last answer is not released: two ints are left per call. A host searches once for each
+    // face and stores the donors in its own table, so this does not grow with its time steps.
     int* found = nullptr;
     for (double t = 1.0;; t += 0.1) {
         Q[1] = (P[1] - gridData.xc[c]) * t + P[1];

@@ -36,7 +36,7 @@ public:
     /// Sets N, the direction that counts as across the face.
     void Across(double x, double y, double z);
 
-    /// Searches from cell c; returns only when a donor is found, there is no limit of retries.
+    /// Searches from cell c. Returns only when a donor is found: the number of tries has no limit.
     /// @return cell id
     int Run(int c);
 

@@ -61,8 +61,8 @@ int CKVXOversetMesh_Impl::InitializeSetting(CKvx3dGV* gv, CKVX3DFiniteVolumeMesh
     std::cout << "Step 1: Link Kelvex FVM Mesh Data." << std::endl;
     gridData = new KVX_ART_OVERSET_GRID_DATA();
     gridData->getKvx3dGV(gv, fvm);
-    // Nothing stops the set-up: if a host object is missing, the lines printed so far report it and
-    // the set-up faults at the first read of that object.
+    // Nothing stops the set-up: if a host object is missing, the lines printed so far report it,
+    // and the first read of that object goes through a null pointer.
     gridData->getKvx3dData();
     std::cout << "Step 2: Overset Mesh Data Initial Setting." << std::endl;
     gridData->OversetGridsInfoSetting();

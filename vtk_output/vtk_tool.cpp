@@ -257,7 +257,7 @@ bool CKVX_ART_VTK_Tool::test() {
     return true;
 }
 
-/// True if the path exists afterwards, as a directory or anything else. Creates the last level
+/// True if the path exists afterward, as a directory or anything else. Creates the last level
 /// only.
 bool CKVX_ART_VTK_Tool::OpenDir(std::string path) {
     if (kvx3d::detail::Access(path.c_str()) == 0) {
@@ -271,7 +271,7 @@ bool CKVX_ART_VTK_Tool::CheckDir(std::string path) {
     return kvx3d::detail::Access(path.c_str()) == 0;
 }
 
-/// True if the path does not exist afterwards. The directory must be empty.
+/// True if the path does not exist afterward. The directory must be empty.
 bool CKVX_ART_VTK_Tool::DeleteDir(std::string path) {
     if (kvx3d::detail::Access(path.c_str()) != 0) {
         return true;

@@ -11,7 +11,7 @@
 // the formula (largest error 0.0019), and the heat that leaves the cylinder with 2 pi / ln 8.
 //
 // How you can experiment here: refine both grids (twice n, around and across in two_grids.h divide
-// the error by 4), move the ring towards a wall or make it thinner, and read what the checks say.
+// the error by 4), move the ring toward a wall or make it thinner, and read what the checks say.
 
 #include <algorithm>
 #include <cmath>

@@ -9,8 +9,8 @@
 namespace kvx3d::checks {
 
 // The part of MeshFaults() that concerns the shape of an outer boundary. The cut judges each cell
-// by its nearest outer face, so all of these rules ask that the nearest face by center is the
-// nearest face, and that its plane bounds the component there.
+// by its nearest outer face, so all of these rules require that the face with the nearest
+// center is the nearest face, and that its plane bounds the component there.
 
 /// Outer faces must not be larger than the background cells around them.
 void CheckFaceSizes(const OuterBoundary& outer, std::vector<Fault>& faults);

@@ -17,7 +17,7 @@ OuterBoundary::OuterBoundary(const MeshView& view, std::vector<int> overset, Box
     FindPieces();
 }
 
-/// Sorts all edges by their nodes, so that the edge of two faces stands there twice in a row.
+/// Sorts all edges by their nodes, so that an edge of two faces occurs twice in succession.
 void OuterBoundary::FindNeighbors() {
     std::vector<std::tuple<int, int, int>> edges;  // lower node, higher node, face
     for (int i = 0; i < Count(); ++i) {

@@ -13,7 +13,7 @@ constexpr int chunkLength = 64;        // entries whose positions are collected 
 constexpr int prefetchDistance = 256;  // entries from the row in use to what is prefetched
 
 /// Prefetches what is stored `entries` after the start of row i, or before it if negative: the
-/// prefetcher of the processor stops at each page boundary. Saves 3 to 8 per cent of a sweep.
+/// prefetcher of the processor stops at each page boundary. Saves 3 to 8 percent of a sweep.
 inline void PrefetchRow(const CsrRows& A, int i, std::intptr_t entries) {
     Prefetch(A.Ja + A.Ia[i], static_cast<std::uintptr_t>(entries) * sizeof(int));
     Prefetch(A.Aa + A.Ia[i], static_cast<std::uintptr_t>(entries) * sizeof(double));
@@ -23,7 +23,7 @@ inline void PrefetchRow(const CsrRows& A, int i, std::intptr_t entries) {
 /// order.
 ///
 /// A branch on unordered columns is mispredicted half of the time. So the positions of the wanted
-/// columns are collected without a branch first, and summed afterwards.
+/// columns are collected without a branch first, and summed afterward.
 double ScatteredSum(const CsrRows& A, int i, int lowest, int highest, const double* x) {
     const int end = A.Ia[i + 1];
     int positions[chunkLength];

@@ -47,7 +47,7 @@ inline FreePlace FindFreePlace(FreePlace from, const double* xyz) {
 }
 
 /// Turns the points in the second half of n blocks into the tree that results from inserting them
-/// below `root` one after the other. The nodes stand in visiting order: node, left, right.
+/// below `root` one after the other. The nodes are stored in visiting order: node, left, right.
 /// @param root  an empty link
 /// @pre no coordinate is NaN
 /// @throws std::bad_alloc  the blocks, and the part of the tree made so far, are then unusable

@@ -188,7 +188,7 @@ bool CollectWithin(const KDtreeCore& core, const double* query, double radius,
         const double d = query[node->dir] - node->pos[node->dir];
         KDtreeNode* far = d <= 0.0 ? node->right : node->left;
         // Strict, although the test of a point includes the sphere: a plane exactly `radius` away
-        // is not crossed, so the points beyond it are left out even if they touch the sphere.
+        // is not crossed, so the points beyond it are left out even if they lie on the sphere.
         if (far && std::fabs(d) < radius) {
             open.push_back(far);
         }

@@ -21,8 +21,8 @@ void FreeKDtree(KDtreeCore* core);
 bool InsertPoint(KDtreeCore& core, const KDtreePoint& point);
 
 /// Makes room for n > 0 points. The caller fills it in order of arrival and calls InsertPoints()
-/// before anything else is done to the tree. The nodes will stand in the same memory, so the
-/// points need none of their own.
+/// before anything else is done to the tree. The nodes will be made in the same memory, so the
+/// points need no further memory.
 /// @return null if there is not enough memory
 KDtreePoint* RoomForPoints(KDtreeCore& core, int n);
 

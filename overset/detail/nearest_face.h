@@ -14,9 +14,10 @@ namespace kvx3d::detail {
 /// difference. SideOf() settles those cells, many at once and from a few boxes; Find() is for the
 /// cells near the cut.
 ///
-/// Find() gives the face that a KVX_ART_KDtree would find after taking the centers one after the
-/// other. It searches a balanced tree of boxes over its own copies of the centers. If several
-/// centers are equally near, the insertion tree decides, which is built when it is first needed.
+/// Find() gives the face that a KVX_ART_KDtree would find into which the centers were inserted one
+/// after the other. It searches a balanced tree of boxes over its own copies of the centers. If
+/// several centers are equally near, the insertion tree decides, which is built when it is first
+/// needed.
 ///
 /// Readable transcription: the cuts in plain/plain_overset.h.
 class NearestFace {

@@ -62,13 +62,14 @@ private:
     bool IsPublished() const { return run.reynolds == benchmark2d1::reynolds; }
 
     void PrintTable(const Mesh& mesh) const {
-        std::cout << fmt::format("Benchmark 2D-1, {} at {} cells a diameter, {} cells:\n",
+        std::cout << fmt::format("Benchmark 2D-1, {} at {} cells per diameter, {} cells:\n",
                                  Name(run.scheme), CellsPerUnit(mesh), mesh.CellCount());
         if (IsPublished()) {
             PrintComparisonHead();
         } else {
-            std::cout << fmt::format("  Reynolds number {:g}: nothing published to compare with\n",
-                                     run.reynolds);
+            std::cout << fmt::format(
+                "  Reynolds number {:g}: there are no published values to compare with\n",
+                run.reynolds);
         }
         const auto print = [this](const char* name, double value, double published) {
             PrintComparison(name, value,

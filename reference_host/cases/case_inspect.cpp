@@ -16,7 +16,7 @@
 namespace host {
 namespace {
 
-/// The rules from InletGrid on are about the quality of the cut: with them broken the setup still
+/// The rules from InletGrid on are about the quality of the cut: with them broken the set-up still
 /// reads nothing out of range. The rules before it are about the host objects themselves.
 bool IsSetUpSafe(const kvx3d::checks::Verdict& verdict) {
     return std::all_of(verdict.faults.begin(), verdict.faults.end(),

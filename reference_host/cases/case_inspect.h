@@ -10,7 +10,7 @@ namespace host {
 
 /// The settings of `reference_host inspect`: it shows what the toolbox makes of a mesh, and why.
 ///
-/// It prints the verdict before the overset setup and the assessment after it, writes inspection
+/// It prints the verdict before the overset set-up and the assessment after it, writes inspection
 /// files for ParaView, and explains single cells and faces. Meshes that break the mesh rules are
 /// inspected as well, because the pictures show what is wrong with them.
 ///
@@ -28,8 +28,8 @@ CaseOptions OptionsOf(InspectCase& run);
 
 /// Prints everything on standard output and writes `cells.vtu` and `donors.vtu`.
 ///
-/// @return 0 if the mesh is sound before and after the setup, otherwise 1. With faults that make
-///         the setup itself unsafe nothing is set up and no file is written.
+/// @return 0 if the mesh is sound before and after the set-up, otherwise 1. With faults that make
+///         the set-up itself unsafe nothing is set up and no file is written.
 /// @throws std::runtime_error  one line: bad mesh, or a file that cannot be written
 /// @throws std::out_of_range   one line: a cell or face to explain does not exist
 int RunInspect(const InspectCase& run);

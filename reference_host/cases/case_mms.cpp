@@ -141,7 +141,7 @@ int RunMms(const MmsCase& run) {
     PrintTable(studies);
     if (!run.outputDir.empty()) {
         std::cout << "Results: " << run.outputDir
-                  << ", a series per mesh, one step a scheme (scalar: the solution; x component "
+                  << ", a series per mesh, one step per scheme (scalar: the solution; x component "
                      "of the vector: its error)\n";
     }
     return run.check ? ReportMisses(Misses(studies)) : 0;

@@ -118,7 +118,7 @@ int RunNonmatching(const NonmatchingCase& run) {
     PrintTable(studies);
     std::cout << "Results: " << run.outputDir
               << ", a directory per mesh: the interface before and after, and in solution/ a "
-                 "series with one step a scheme\n";
+                 "series with one step per scheme\n";
     return run.check ? ReportMisses(Misses(studies)) : 0;
 }
 

@@ -79,7 +79,7 @@ public:
 private:
     void PrintTable(const Mesh& mesh) const {
         std::cout << fmt::format(
-            "Sphere at Reynolds number 100, {} at {} background cells a "
+            "Sphere at Reynolds number 100, {} at {} background cells per "
             "diameter, {} cells:\n",
             Name(run.scheme), CellsPerUnit(mesh), mesh.CellCount());
         PrintComparisonHead();

@@ -32,8 +32,8 @@ const std::vector<CaseEntry>& AllCases() {
         Entry("mms", "order study with a manufactured solution", RunMms),
         Entry("nonmatching", "order study across an interface with non-matching faces",
               RunNonmatching),
-        Entry("inspect", "how a mesh is cut, and why: verdict, pictures, explanations", RunInspect,
-              CaseFiles::Any),
+        Entry("inspect", "how a mesh is cut, and why: verdict, inspection files, explanations",
+              RunInspect, CaseFiles::Any),
         Entry("dump", "what the toolbox linked, and its overset report, as text", RunDump,
               CaseFiles::Any),
     };

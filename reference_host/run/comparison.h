@@ -9,7 +9,7 @@ namespace host {
 
 /// Prints the head of a table of computed and published figures.
 void PrintComparisonHead();
-/// Prints a row of the table: a figure, its published value and the deviation in per cent.
+/// Prints a row of the table: a figure, its published value and the deviation in percent.
 /// @param published  none: only the figure is printed
 void PrintComparison(const std::string& name, double value, std::optional<double> published);
 

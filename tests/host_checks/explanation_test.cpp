@@ -287,7 +287,7 @@ TEST(InnerFaceExplanation, NoticesADonorThatWasWrittenIntoTheFace) {
         << Text(why);
 }
 
-TEST(InnerFaceText, TellsRegularFacesHolesAndHoleBoundariesApart) {
+TEST(InnerFaceText, DistinguishesRegularFacesHolesAndHoleBoundaries) {
     BoxHost host = Pair();
     Explained<BoxHost> mesh(host);
     const auto text = [&](int i) {

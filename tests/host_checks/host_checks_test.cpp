@@ -174,7 +174,7 @@ TEST(Report, GivesEachGridAndEachKindOfFaceALine) {
     EXPECT_THAT(text, HasSubstr("hole boundary: 32 faces, 0 without a donor, at most 1 search for "
                                 "one, distance to the donor "));
     EXPECT_THAT(text, HasSubstr("outer boundary: 80 faces, 0 without a donor"));
-    EXPECT_THAT(text, HasSubstr("outer faces for which the toolbox must not be asked"));
+    EXPECT_THAT(text, HasSubstr("outer faces for which GetOversetWallNeighbor must not be called"));
 }
 
 TEST(Report, ListsAtMostFivePieces) {

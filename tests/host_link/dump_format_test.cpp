@@ -59,7 +59,7 @@ BoxHost StickingOut() {
                                                 sideZMin | sideZMax);
 }
 
-TEST(DumpsOnHostileStreams, TheLinkedDataDump) {
+TEST(FormatOfAHostileStreamDoesNotChange, TheLinkedDataDump) {
     BoxHost host(11, 3, 1, {0, 0, 0}, {1.0 / 3.0, 0.25, 3});
     host.WithPartitionFaces();
     CKVX_ACMT_GV gv;
@@ -71,7 +71,7 @@ TEST(DumpsOnHostileStreams, TheLinkedDataDump) {
     EXPECT_EQ(PrintedToHostileStreams(dump), Printed(dump));
 }
 
-TEST(DumpsOnHostileStreams, TheSparseMatrix) {
+TEST(FormatOfAHostileStreamDoesNotChange, TheSparseMatrix) {
     CKVX_ART_SparseMatrix A(20);
     for (int row = 1; row <= 20; ++row) {
         A.AddElementValue(row, row, 1000.0 / row);
@@ -81,7 +81,7 @@ TEST(DumpsOnHostileStreams, TheSparseMatrix) {
     EXPECT_EQ(PrintedToHostileStreams(dump), Printed(dump));
 }
 
-TEST(DumpsOnHostileStreams, TheDenseMatrices) {
+TEST(FormatOfAHostileStreamDoesNotChange, TheDenseMatrices) {
     CKVX_ACMT_MatSolver_Dense dense;
     double row1[] = {0, 1.0 / 3.0, 12};
     double row2[] = {0, 1234567, -1e-20};
@@ -94,7 +94,7 @@ TEST(DumpsOnHostileStreams, TheDenseMatrices) {
     EXPECT_EQ(PrintedToHostileStreams(system), Printed(system));
 }
 
-TEST(DumpsOnHostileStreams, TheCompressedRowsOfADenseMatrix) {
+TEST(FormatOfAHostileStreamDoesNotChange, TheCompressedRowsOfADenseMatrix) {
     CKVX_ACMT_MatSolver_Dense dense;
     double row[5] = {0, 1.0 / 3.0, 12, 0, 1234567};
     double* A[5] = {nullptr, row, row, row, row};
@@ -103,7 +103,7 @@ TEST(DumpsOnHostileStreams, TheCompressedRowsOfADenseMatrix) {
     EXPECT_EQ(PrintedToHostileStreams(rows), Printed(rows));
 }
 
-TEST(DumpsOnHostileStreams, TheNonmatchingPreprocess) {
+TEST(FormatOfAHostileStreamDoesNotChange, TheNonmatchingPreprocess) {
     BoxHost host(14, 1, 1);
     host.WithNonmatchingFaces({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
     art_nonmatching_tools tools;
@@ -116,7 +116,7 @@ TEST(DumpsOnHostileStreams, TheNonmatchingPreprocess) {
               "Non-matching Preprocess END.\n");
 }
 
-TEST(DumpsOnHostileStreams, TheOversetReport) {
+TEST(FormatOfAHostileStreamDoesNotChange, TheOversetReport) {
     BoxHost host = StickingOut();
     OversetGrids grids(host);
     const auto report = [&] { grids.data.PrintOversetGridsInfo(); };
@@ -124,7 +124,7 @@ TEST(DumpsOnHostileStreams, TheOversetReport) {
     EXPECT_EQ(PrintedToHostileStreams(report), Printed(report));
 }
 
-TEST(DumpsOnHostileStreams, TheCountsOfTheCutCells) {
+TEST(FormatOfAHostileStreamDoesNotChange, TheCountsOfTheCutCells) {
     BoxHost host = StickingOut();
     OversetGrids grids(host);
 
@@ -139,7 +139,7 @@ TEST(DumpsOnHostileStreams, TheCountsOfTheCutCells) {
               "\t  Non Active Cell Number = " + std::to_string(grids.data.NNonActiveCell) + '\n');
 }
 
-TEST(DumpsOnHostileStreams, TheCountsOfTheCutsOnLinkedData) {
+TEST(FormatOfAHostileStreamDoesNotChange, TheCountsOfTheCutsOnLinkedData) {
     BoxHost host = StickingOut();
     OversetGrids grids(host);
     grids.holes.SetCutGridLayer(0);
@@ -149,7 +149,7 @@ TEST(DumpsOnHostileStreams, TheCountsOfTheCutsOnLinkedData) {
     EXPECT_EQ(PrintedToHostileStreams([&] { grids.holes.CutBackgroundCells(); }), count);
 }
 
-TEST(DumpsOnHostileStreams, AFaceWithoutAType) {
+TEST(FormatOfAHostileStreamDoesNotChange, AFaceWithoutAType) {
     BoxHost host(30, 1, 1);
     OversetGrids grids(host);
     grids.data.wallBCGroup[26] = -1;
@@ -161,7 +161,7 @@ TEST(DumpsOnHostileStreams, AFaceWithoutAType) {
               "Fail to define Inner Face Type , Inner Face ID = 26\n");
 }
 
-TEST(DumpsOnHostileStreams, AFaceThatNeedsNoDonor) {
+TEST(FormatOfAHostileStreamDoesNotChange, AFaceThatNeedsNoDonor) {
     BoxHost host = StickingOut();
     CKVXOversetMesh mesh;
     Printed([&] { mesh.SetFVM(&host.gv, &host.fvm); });
@@ -175,7 +175,7 @@ TEST(DumpsOnHostileStreams, AFaceThatNeedsNoDonor) {
               "This inner face is not Overset Inner , Inner ID=" + std::to_string(face) + '\n');
 }
 
-TEST(DumpsOnHostileStreams, AFailedDonorSearch) {
+TEST(FormatOfAHostileStreamDoesNotChange, AFailedDonorSearch) {
     BoxHost host(12, 12, 4);
     host.WithComponentGrid(6, 6, 4, {1, 1, 0}, {4, 4, 4}, sideZMin | sideZMax)
         .WithComponentGrid(6, 6, 4, {6, 6, 0}, {4, 4, 4}, sideZMin | sideZMax);

@@ -238,7 +238,7 @@ TEST(BiCGSTABAgainstPlainSpecialCases, AnEmptyRowIsAcceptedIfTheNextRowStartsWit
     system.name = "row 2 empty";
     system.entries = {{1, 1, 3.0}, {1, 2, 1.0}, {3, 2, 4.0}, {3, 3, 5.0},
                       {3, 4, 1.0}, {4, 1, 2.0}, {4, 4, 6.0}};
-    Compare(system, 1);  // once only: afterwards row 3 starts with its own diagonal
+    Compare(system, 1);  // once only: afterward row 3 starts with its own diagonal
 
     // The next row has a column below the empty row after its first entry.
     system.name = "row 3 empty";

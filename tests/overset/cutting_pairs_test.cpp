@@ -172,14 +172,14 @@ void ExpectCutsOfThePlainOverset(Host& host) {
     }
 }
 
-TEST(CutsAgainstPlain, CylinderInAChannel) {
+TEST(CutsAreThoseOfPlain, ForACylinderInAChannel) {
     for (int m : {1, 2, 3, 4}) {
         CylinderHost host(m);
         ExpectCutsOfThePlainOverset(host);
     }
 }
 
-TEST(CutsAgainstPlain, AlignedLatticesWithManyTies) {
+TEST(CutsAreThoseOfPlain, ForAlignedLatticesWithManyTies) {
     for (double shift : {0.0, 0.5, 0.25, -2.0, -4.5}) {
         BoxHost host = BoxHost(16, 16, 4).WithComponentGrid(8, 8, 4, {4, 4 + shift, 0}, {8, 8, 4},
                                                             sideZMin | sideZMax);

@@ -233,7 +233,7 @@ TEST_F(GridDataInnerFace, StateFollowsTheTwoCells) {
     EXPECT_FALSE(data.needChangeInnerNormal);
 }
 
-TEST_F(GridDataInnerFace, StateOfAFaceToTurnSetsTheFlagAndDoesNotChangeTheMesh) {
+TEST_F(GridDataInnerFace, StateOfAFaceToReverseSetsTheFlagAndDoesNotChangeTheMesh) {
     SetStates(1, 2);
     EXPECT_TRUE(data.IsNeedChangeInnerNormal(1));
 
@@ -245,7 +245,7 @@ TEST_F(GridDataInnerFace, StateOfAFaceToTurnSetsTheFlagAndDoesNotChangeTheMesh) 
     EXPECT_EQ(host.arrays.faceArea[0][1], 1.0);
 }
 
-TEST_F(GridDataInnerFace, TypeOfAFaceToTurnTurnsItOnceAndDoesNotSetTheFlag) {
+TEST_F(GridDataInnerFace, TypeOfAFaceToReverseReversesItOnceAndDoesNotSetTheFlag) {
     SetStates(1, 2);
 
     EXPECT_EQ(data.GetInnerFaceType(1), OversetInnerFace_Overset);

@@ -3,10 +3,10 @@
 
     run_section.py SOURCE SECTION SCRATCH BUILD
 
-SCRATCH becomes a directory with links to everything in SOURCE but what builds and runs leave
-there, and with build/run leading to BUILD. The blocks run in it as one script that stops at the
-first failure. Blocks of C++ and CMake are quotations: each of their lines must stand in a file
-under docs/example_host or docs/overset_host.
+SCRATCH becomes a directory with links to everything in SOURCE except the results of builds and runs,
+and with a link build/run to BUILD. The blocks run in it as one script that stops at the
+first failure. Blocks of C++ and CMake are quotations: each of their lines must occur in a file under
+docs/example_host or docs/overset_host.
 """
 
 import re
@@ -29,7 +29,7 @@ def blocks_of(text, section):
 
 
 def missing_lines(source, content):
-    """Lines of a quotation that stand in no example, "..." left aside."""
+    """Lines of a quotation that do not occur in any example; lines with "..." are ignored."""
     known = {line.strip() for folder in QUOTED_FROM for path in (source / folder).glob("*.*")
              for line in path.read_text().splitlines()}
     lines = [line.strip() for line in content.splitlines()]

@@ -8,7 +8,7 @@ checks: includes (folders use lower folders only), details (public headers inclu
 ones), packages (library folders use the standard library only), circles (no two units include each
 other), length (no source file above the limit), spelling (American English), wording (no private
 words), paths (no directory of one machine), links (documents point at files that exist).
-Folders and limits stand in folders.toml, word lists in words.toml, both beside this file.
+Folders and limits are listed in folders.toml, words in words.toml, both in the same directory.
 """
 
 import fnmatch
