@@ -120,8 +120,6 @@ ROWS = [
         "BM_StepFile", "BM_StepFileLineWrites", "a write a line", "cells"),
     Row("Solver library through its matrix class, Poisson", "matrix_solver_benchmark",
         "BM_LibraryFront/Poisson", "BM_LibraryToolbox/Poisson", "BiCGSTAB + DILU", "rows"),
-    Row("Solver library, Poisson", "matrix_solver_benchmark",
-        "BM_Library/Poisson", "BM_LibraryDune/Poisson", "DUNE's multigrid alone", "rows"),
     Row("Solver library, cell Peclet number 10", "matrix_solver_benchmark",
         "BM_Library/Convection", "BM_LibraryToolbox/Convection", "BiCGSTAB + DILU", "rows"),
     Row("Solver library, cell Peclet number 10", "matrix_solver_benchmark",
@@ -130,6 +128,13 @@ ROWS = [
         "BM_Library/Anisotropic", "BM_LibraryToolbox/Anisotropic", "BiCGSTAB + DILU", "rows"),
     Row("Solver library, 1:100 anisotropic", "matrix_solver_benchmark",
         "BM_Library/Anisotropic", "BM_LibraryEigen/Anisotropic", "Eigen, ILUT", "rows"),
+    Row("Solver library, cell Peclet number 0.1", "matrix_solver_benchmark",
+        "BM_Library/WeakConvection", "BM_LibraryToolbox/WeakConvection", "BiCGSTAB + DILU",
+        "rows"),
+    Row("Solver library, pressure of an overset pair", "matrix_solver_benchmark",
+        "BM_Library/Pressure", "BM_LibraryToolbox/Pressure", "BiCGSTAB + DILU", "rows"),
+    Row("Solver library, momentum of an overset pair", "matrix_solver_benchmark",
+        "BM_Library/Momentum", "BM_LibraryToolbox/Momentum", "BiCGSTAB + DILU", "rows"),
 ]
 
 MEMORY = [

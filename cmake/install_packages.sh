@@ -8,9 +8,9 @@ set -euo pipefail
 
 packages=(
     g++ cmake ninja-build                               # compiler and build
-    libgmsh-dev libeigen3-dev libcli11-dev libfmt-dev   # reference host
+    libeigen3-dev                                       # solver library and reference host
+    libgmsh-dev libcli11-dev libfmt-dev                 # reference host
     libtomlplusplus-dev                                 # its case files
-    libdune-istl-dev libsuperlu-dev                     # engine of KVX3DMatrixSolver
     python3 python3-vtk9 python3-numpy python3-matplotlib  # reading results back, pictures
 )
 case "${1:-}" in

@@ -1,3 +1,6 @@
+// Data layout: the factors share the row starts and columns of A, so that a sweep reads 12 bytes an
+// entry. The position of the diagonal separates L from U in each row.
+
 #include "matrix_solver/ilu0.h"
 
 #include <algorithm>

@@ -5,10 +5,10 @@
 
 namespace kvx3d_solver {
 
-/// Incomplete LU factorisation without fill.
+/// Incomplete LU factorization without fill.
 ///
-/// A pivot that vanishes against its row is replaced by the row's largest entry: the factor is
-/// then a poorer approximation, but always one that can be applied.
+/// A pivot that is negligible relative to its row is replaced by the row's largest entry. The
+/// factors then approximate the matrix less well, but they can always be applied.
 ///
 /// Source: Y. Saad, Iterative Methods for Sparse Linear Systems, 2nd ed., SIAM 2003, algorithm
 /// 10.4.

@@ -1,3 +1,6 @@
+// Data layout: plain vectors of n doubles, all allocated before the first step (GMRES: one basis
+// vector for each step of a cycle, kept for the next).
+
 #include "matrix_solver/krylov.h"
 
 #include <algorithm>
@@ -10,7 +13,7 @@ namespace kvx3d_solver {
 namespace {
 
 constexpr int restart = 40;          // GMRES basis vectors
-constexpr double stagnation = 0.99;  // a cycle that reduces the residual by less has stalled
+constexpr double stagnation = 0.99;  // a cycle that leaves more of the residual has stalled
 
 /// y += factor * x.
 void AddScaled(double factor, const Vector& x, Vector& y) {
@@ -19,7 +22,8 @@ void AddScaled(double factor, const Vector& x, Vector& y) {
     }
 }
 
-/// One GMRES cycle: the Arnoldi basis and the least-squares problem, kept triangular by rotations.
+/// One GMRES cycle: the Arnoldi basis and the least-squares problem, whose matrix Givens rotations
+/// keep triangular.
 class GmresCycle {
 public:
     GmresCycle(const CsrSystem& matrix, Preconditioner& preconditioner)
@@ -33,7 +37,7 @@ public:
         SetBasis(0, r, norm);
     }
 
-    /// One step; the residual norm of the least-squares problem, or a NaN.
+    /// Takes one step. Returns the residual norm of the least-squares problem, which may be NaN.
     double Step() {
         const int k = size++;
         Vector& w = Basis(k + 1);
@@ -52,7 +56,7 @@ public:
         return std::fabs(target[size]);
     }
 
-    /// x += M^-1 V y, y the least-squares solution of the steps taken.
+    /// x += M^-1 V y, where y solves the least-squares problem of the steps taken.
     void Correct(Vector& x) {
         std::array<double, restart> y{};
         for (int i = size - 1; i >= 0; --i) {
@@ -73,7 +77,7 @@ public:
 private:
     using Column = std::array<double, restart + 1>;
 
-    /// Basis vector i; the storage grows with the steps taken and stays for the next cycle.
+    /// Basis vector i. The storage grows with the steps taken and is reused by the next cycle.
     Vector& Basis(int i) {
         if (static_cast<int>(basis.size()) <= i) {
             basis.emplace_back(A.n);
@@ -86,7 +90,8 @@ private:
         std::transform(v.begin(), v.end(), b.begin(), [norm](double e) { return e / norm; });
     }
 
-    /// Applies the rotations so far to column k, and a new one that removes `below`.
+    /// Applies the rotations so far to column k, and a new one that eliminates `below`, the entry
+    /// below the diagonal.
     void Rotate(int k, double below) {
         Column& h = hessenberg[k];
         for (int i = 0; i < k; ++i) {
@@ -144,7 +149,7 @@ int BiCgStab(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x) {
         if (!std::isfinite(alpha)) {
             return step;
         }
-        AddScaled(-alpha, v, r);  // r is s of the source from here to the omega update
+        AddScaled(-alpha, v, r);  // until the omega update r is the vector s of the source
         AddScaled(alpha, pHat, iterate);
         const double sNorm = Norm(r);
         if (sNorm <= stop.residual) {
@@ -165,8 +170,7 @@ int BiCgStab(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x) {
             return step;
         }
         keepIfBetter(norm);
-        const bool tooSlow = step == stop.trialSteps && bestNorm > stop.trialResidual;
-        if (norm <= stop.residual || tooSlow) {
+        if (norm <= stop.residual) {
             return step;
         }
     }
@@ -174,12 +178,6 @@ int BiCgStab(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x) {
 }
 
 int ConjugateGradients(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x) {
-    for (int row = 0; row < A.n; ++row) {
-        const double diagonal = A.value[A.diagonal[row]];
-        if (diagonal != 0.0 && IsFixed(A, row)) {
-            x[row] = A.rhs[row] / diagonal;
-        }
-    }
     const auto n = static_cast<std::size_t>(A.n);
     Vector r(n), z(n), p(n, 0.0), q(n);
     double norm = Residual(A, x, r);

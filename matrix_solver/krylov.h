@@ -6,40 +6,37 @@
 
 namespace kvx3d_solver {
 
-/// Where an iteration may stop: at a residual norm, after a number of steps, or when it is slow:
-/// after `trialSteps`, unless the residual is down to `trialResidual` by then.
+/// Where an iteration stops.
 struct StopRule {
-    double residual;
-    int steps;
-    int trialSteps = 0;  ///< 0: no trial
-    double trialResidual = 0.0;
+    double residual;  ///< norm of the residual to reach
+    int steps;        ///< most steps
 };
 
-/// Improves x by BiCGSTAB, preconditioned from the right. On return x is the iterate with the
-/// smallest recursive residual met, the one on entry included; the caller recomputes the true one.
+/// Improves x by BiCGSTAB, preconditioned from the right.
+///
+/// On return x is the iterate with the smallest recursive residual met, that on entry included. The
+/// recursive residual drifts from the true one, which the caller recomputes.
 ///
 /// Source: H. A. van der Vorst, SIAM J. Sci. Stat. Comput. 13 (1992) 631-644,
 /// doi:10.1137/0913035.
 ///
-/// @return steps taken; fewer than allowed on success, and on breakdown
+/// @return steps taken; fewer than allowed on success and on breakdown
 int BiCgStab(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x);
 
-/// Improves x by conjugate gradients, for a matrix as IsSymmetric() takes it that is positive
-/// definite, and M alike. The unknowns of fixed rows are set first, so that no residual is left
-/// that would couple one way only. x is the last iterate, not the best one. Knows no trial.
+/// Improves x by conjugate gradients, for a matrix and a preconditioner that are symmetric and
+/// positive definite. x is the last iterate, not the best one.
 ///
 /// Source: Y. Saad, Iterative Methods for Sparse Linear Systems, 2nd ed., SIAM 2003, algorithm 9.1.
 ///
-/// @return steps taken; fewer than allowed on success, and where A or M proves to be not definite
+/// @return steps taken; fewer than allowed on success, and where A or M proves not to be definite
 int ConjugateGradients(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x);
 
-/// Improves x by GMRES restarted every 40 steps, preconditioned from the right. Knows no trial.
-/// x never gets worse.
+/// Improves x by GMRES restarted every 40 steps, preconditioned from the right. x never gets worse.
 ///
 /// Source: Y. Saad, Iterative Methods for Sparse Linear Systems, 2nd ed., SIAM 2003, algorithms
 /// 6.11 and 9.5.
 ///
-/// @return steps taken; fewer than allowed on success, and when a whole cycle brought nothing
+/// @return steps taken; fewer than allowed on success, and after a cycle without progress
 int Gmres(const CsrSystem& A, Preconditioner& M, StopRule stop, Vector& x);
 
 }  // namespace kvx3d_solver

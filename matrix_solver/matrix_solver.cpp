@@ -28,8 +28,8 @@ int ToStatus(Outcome outcome) {
     return CKVXMatrixSolver::Singular;
 }
 
-/// Carries the vector over to the system's scale and back, and writes it only if it changed: the
-/// way back need not be exact where an entry was subnormal.
+/// Solves in the scale of the system. Entries that the solution leaves unchanged are not written,
+/// because scaling a subnormal entry forth and back is not exact.
 int SolveScaled(const CsrSystem& system, const SolveOptions& options, double* x) {
     Vector scaled(x, x + system.n);
     for (double& v : scaled) {
@@ -51,7 +51,7 @@ struct CKVXMatrixSolver::Impl {
     bool directFirst = false;
 };
 
-// Without memory for its state the object still solves, with the iterations first.
+// If there is no memory for the state, the object still solves, always with the iterations first.
 CKVXMatrixSolver::CKVXMatrixSolver(const char*) : impl(new (std::nothrow) Impl) {}
 
 CKVXMatrixSolver::~CKVXMatrixSolver() {
@@ -69,7 +69,7 @@ int CKVXMatrixSolver::solveMatrix(int n, int nonZeroN, int* Ia, int* Ja, double*
     if (n == 0) {
         return Solved;
     }
-    // The negated comparison also turns away a tolerance that is not a number.
+    // The negated comparison also rejects a tolerance that is NaN.
     if (!x || !(tolerance >= 0.0) || maxIterations < 0) {
         return BadInput;
     }
@@ -85,7 +85,7 @@ int CKVXMatrixSolver::solveMatrix(int n, int nonZeroN, int* Ia, int* Ja, double*
         options.directFirst = impl && impl->directFirst;
         return SolveScaled(*system, options, x);
     } catch (...) {
-        // Out of memory, in the main. x is written last, so it is as on entry.
+        // Usually out of memory. x is written last, so it is as on entry.
         return Singular;
     }
 }

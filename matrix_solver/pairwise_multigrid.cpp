@@ -1,3 +1,7 @@
+// Data layout: each level is a matrix in compressed rows of its own, single precision (8 bytes an
+// entry), with the position of each diagonal, the inverse diagonal and two work vectors. Transfers
+// are one integer a row, the aggregate that it belongs to.
+
 #include "matrix_solver/pairwise_multigrid.h"
 
 #include <algorithm>
@@ -12,18 +16,20 @@
 namespace kvx3d_solver {
 namespace {
 
-constexpr int matchings = 3;            // from one level to the next: up to 2^3 rows an aggregate
+// The figures behind these constants are in docs/matrix_solver.md.
+constexpr int matchings = 3;            // per level: up to 2^3 rows in an aggregate
 constexpr int coarsestRows = 300;       // coarsening stops here
-constexpr int largestCoarsest = 1000;   // rows the dense LU may still get; more is a stall
-constexpr double slowestRate = 0.7;     // of the rows left by a level, above which it has stalled
-constexpr double coarsestShift = 1e-6;  // of the diagonal, above the rounding of the sums below it
-constexpr float strong = 0.25F;         // of a row's strongest coupling
-constexpr float dominant = 5.0F;        // times its couplings: the sweeps alone settle such a row
-constexpr float overcorrection = 1.8F;  // makes up for corrections constant on an aggregate
+constexpr int largestCoarsest = 1000;   // rows that the dense LU may still get; more is a stall
+constexpr double slowestRate = 0.7;     // of the rows of a level; a larger share left is a stall
+constexpr double coarsestShift = 1e-6;  // of the diagonal, above the rounding of float sums
+constexpr float strong = 0.25F;         // of the strongest coupling of a row
+constexpr float dominant = 5.0F;        // times the couplings: sweeps alone solve such a row
+constexpr float overcorrection =
+    1.6F;  // the corrections are constant on an aggregate, so too small
 constexpr int noAggregate = -1;
 constexpr int undecided = -2;
 
-/// A square matrix by rows, columns ascending.
+/// A square matrix by rows, columns ascending, and the work vectors of its level.
 struct Level {
     int n = 0;
     std::vector<int> rowStart;  ///< n + 1 positions
@@ -35,13 +41,13 @@ struct Level {
     std::vector<float> inverseDiagonal, r, z;
 };
 
-/// What a row couples to: its strongest neighbour, and the strongest that is still undecided.
+/// What a row couples to: its strongest neighbor, and the strongest that is still undecided.
 struct Couplings {
     float sum = 0.0F;
     float strongest = 0.0F;
     float strongestFree = 0.0F;
-    int neighbour = -1;
-    int freeNeighbour = -1;
+    int neighbor = -1;
+    int freeNeighbor = -1;
 };
 
 Couplings CouplingsOf(const Level& A, int row, const std::vector<int>& aggregate) {
@@ -54,18 +60,18 @@ Couplings CouplingsOf(const Level& A, int row, const std::vector<int>& aggregate
         found.sum += std::fabs(coupling);
         if (coupling > found.strongest) {
             found.strongest = coupling;
-            found.neighbour = A.column[k];
+            found.neighbor = A.column[k];
         }
         if (coupling > found.strongestFree && aggregate[A.column[k]] == undecided) {
             found.strongestFree = coupling;
-            found.freeNeighbour = A.column[k];
+            found.freeNeighbor = A.column[k];
         }
     }
     return found;
 }
 
-/// Matches each row with its strongest free neighbour; a row without one joins the aggregate of its
-/// strongest neighbour. Returns the number of aggregates.
+/// Matches each row with its strongest undecided neighbor. A row without one joins the aggregate of
+/// its strongest neighbor; a dominant row joins none. Returns the number of aggregates.
 int MatchRows(const Level& A, std::vector<int>& aggregate) {
     aggregate.assign(static_cast<std::size_t>(A.n), undecided);
     int count = 0;
@@ -76,10 +82,10 @@ int MatchRows(const Level& A, std::vector<int>& aggregate) {
         const Couplings found = CouplingsOf(A, row, aggregate);
         if (A.value[A.diagonal[row]] > dominant * found.sum) {
             aggregate[row] = noAggregate;
-        } else if (found.freeNeighbour >= 0 && found.strongestFree >= strong * found.strongest) {
-            aggregate[row] = aggregate[found.freeNeighbour] = count++;
-        } else if (found.neighbour >= 0 && aggregate[found.neighbour] >= 0) {
-            aggregate[row] = aggregate[found.neighbour];
+        } else if (found.freeNeighbor >= 0 && found.strongestFree >= strong * found.strongest) {
+            aggregate[row] = aggregate[found.freeNeighbor] = count++;
+        } else if (found.neighbor >= 0 && aggregate[found.neighbor] >= 0) {
+            aggregate[row] = aggregate[found.neighbor];
         } else {
             aggregate[row] = count++;
         }
@@ -87,7 +93,7 @@ int MatchRows(const Level& A, std::vector<int>& aggregate) {
     return count;
 }
 
-/// The rows of each aggregate one behind the other, and where each begins.
+/// The rows sorted by aggregate, and the position where each aggregate begins.
 std::pair<std::vector<int>, std::vector<int>> RowsByAggregate(const std::vector<int>& aggregate,
                                                               int count) {
     std::vector<int> start(static_cast<std::size_t>(count) + 2, 0);
@@ -108,17 +114,18 @@ std::pair<std::vector<int>, std::vector<int>> RowsByAggregate(const std::vector<
     return {std::move(rows), std::move(start)};
 }
 
-/// Sorts the entries of the last row of `A` by column and notes where its diagonal stands.
-void FinishRow(Level& A, int row) {
+/// Sorts the entries of the last row of A by column and notes where its diagonal is.
+void CloseRow(Level& A, int row) {
     const int begin = A.rowStart[row];
     const int end = static_cast<int>(A.column.size());
-    SortShortRow(A.column, A.value, begin, end);
+    SortRow(A.column, A.value, begin, end);
     const auto found = std::find(A.column.begin() + begin, A.column.end(), row);
     A.diagonal.push_back(static_cast<int>(found - A.column.begin()));
     A.rowStart.push_back(end);
 }
 
-/// The Galerkin product with transfers that are 1 on an aggregate: entries are added up.
+/// The Galerkin product with transfer operators that are 1 on an aggregate: the entries of its rows
+/// are added up.
 Level Merge(const Level& A, const std::vector<int>& aggregate, int count) {
     const auto [rows, start] = RowsByAggregate(aggregate, count);
     Level coarse;
@@ -126,7 +133,7 @@ Level Merge(const Level& A, const std::vector<int>& aggregate, int count) {
     coarse.rowStart.push_back(0);
     coarse.column.reserve(A.column.size() / 2);
     coarse.value.reserve(A.value.size() / 2);
-    std::vector<int> place(static_cast<std::size_t>(count), -1);  // of a column, or before the row
+    std::vector<int> place(static_cast<std::size_t>(count), -1);  // of each column
     for (int row = 0; row < count; ++row) {
         const int begin = coarse.rowStart[row];
         for (int member = start[row]; member < start[row + 1]; ++member) {
@@ -145,12 +152,12 @@ Level Merge(const Level& A, const std::vector<int>& aggregate, int count) {
                 }
             }
         }
-        FinishRow(coarse, row);
+        CloseRow(coarse, row);
     }
     return coarse;
 }
 
-/// The next level, and for each row of A its aggregate.
+/// Computes the next level, and the aggregate of each row of A.
 Level Coarsen(Level& A) {
     Level coarse = Merge(A, A.aggregate, MatchRows(A, A.aggregate));
     std::vector<int> aggregate;
@@ -186,7 +193,7 @@ public:
 
     bool Usable() const { return usable; }
 
-    /// The residual is brought to a norm of 1 on the way: single precision ends at 1e-38.
+    /// Scales the residual to a norm of 1, because single precision ends at 1e-38.
     void Apply(const Vector& r, Vector& z) override {
         const double norm = Norm(r);
         const double scale = norm > 0.0 ? 1.0 / norm : 1.0;
@@ -201,6 +208,7 @@ public:
     }
 
 private:
+    /// Inverts the diagonals; false if one is not positive.
     bool PrepareSweeps() {
         for (Level& level : levels) {
             const auto n = static_cast<std::size_t>(level.n);
@@ -218,6 +226,8 @@ private:
         return true;
     }
 
+    /// False if the coarsest level is too large or singular. Where all walls are closed a constant
+    /// is undetermined; without the shift of the diagonal it would grow from cycle to cycle.
     bool FactorCoarsest() {
         const Level& level = levels.back();
         if (level.n > largestCoarsest) {
@@ -232,13 +242,13 @@ private:
         for (const int k : coarsest.diagonal) {
             coarsest.value[k] *= 1.0 + coarsestShift;
         }
-        coarsestLu.emplace(coarsest, 0.0);
+        coarsestLu.emplace(coarsest, DenseLu::Pivoting::Partial);
         coarsestR.resize(static_cast<std::size_t>(level.n));
         coarsestZ.resize(static_cast<std::size_t>(level.n));
         return coarsestLu->ZeroPivots() == 0;
     }
 
-    /// z of a level from its r.
+    /// One V-cycle from level l down: computes z of the level from its r.
     void Cycle(std::size_t l) {
         Level& level = levels[l];
         if (l + 1 == levels.size()) {
@@ -260,7 +270,8 @@ private:
         SweepBack(level);
     }
 
-    /// From zero, so what stands behind the diagonal does not count yet.
+    /// A Gauss-Seidel sweep in ascending order from z = 0, so that entries above the diagonal do
+    /// not contribute.
     static void SweepForth(Level& level) {
         for (int i = 0; i < level.n; ++i) {
             float sum = level.r[i];
@@ -271,8 +282,8 @@ private:
         }
     }
 
-    /// The sums of the residual over the aggregates. After a sweep from zero the residual is what
-    /// stands behind the diagonal: half of a product.
+    /// Sums the residual over the aggregates. After an ascending sweep from zero it consists of the
+    /// entries above the diagonal alone, so half a product is enough.
     static void Restrict(const Level& level, std::vector<float>& coarse) {
         std::fill(coarse.begin(), coarse.end(), 0.0F);
         for (int i = 0; i < level.n; ++i) {
@@ -287,6 +298,7 @@ private:
         }
     }
 
+    /// A Gauss-Seidel sweep in descending order.
     static void SweepBack(Level& level) {
         for (int i = level.n - 1; i >= 0; --i) {
             float sum = level.r[i];

@@ -7,16 +7,19 @@
 
 namespace kvx3d_solver {
 
-/// One V-cycle over aggregates of up to eight rows, each found by matching neighbours three times;
-/// a Gauss-Seidel sweep forth before and one back after the coarse correction, dense LU on the
-/// coarsest level. For a symmetric positive definite matrix the cycle is symmetric and positive
-/// definite too, as conjugate gradients need it. Levels are kept in single precision: a
-/// preconditioner needs few digits, and half the memory is nearly half the time.
+/// One V-cycle of algebraic multigrid over aggregates of up to eight rows.
 ///
-/// Null if the coarsening stalls before the coarsest level is small enough to factorise, and for a
-/// matrix with a diagonal entry that is not positive.
+/// Neighbors are matched in pairs three times per level. An ascending Gauss-Seidel sweep precedes
+/// the coarse correction and a descending one follows it; the coarsest level has a dense LU. For a
+/// symmetric positive definite matrix the cycle is symmetric and positive definite too, as
+/// conjugate gradients require; for other matrices it preconditions BiCGSTAB. The levels are kept
+/// in single precision: a preconditioner needs few digits, and half the memory takes nearly half
+/// the time.
 ///
 /// Source: Y. Notay, Electron. Trans. Numer. Anal. 37 (2010) 123-146.
+///
+/// @return null if the coarsening stalls before the coarsest level is small enough to factorize,
+///         and for a matrix with a diagonal entry that is not positive
 std::unique_ptr<Preconditioner> MakePairwiseMultigrid(const CsrSystem& A);
 
 }  // namespace kvx3d_solver

@@ -13,7 +13,7 @@ public:
     Preconditioner& operator=(const Preconditioner&) = delete;
     virtual ~Preconditioner() = default;
 
-    /// z = M^-1 r, both of the system's size. Not const: methods keep work vectors.
+    /// z = M^-1 r, both with n entries. Not const because implementations keep work vectors.
     virtual void Apply(const Vector& r, Vector& z) = 0;
 };
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <exception>
 #include <functional>
 #include <limits>
 #include <memory>
@@ -12,129 +11,127 @@
 #include "matrix_solver/dense_lu.h"
 #include "matrix_solver/ilu0.h"
 #include "matrix_solver/krylov.h"
-#include "matrix_solver/lu_work.h"
-#include "matrix_solver/multigrid.h"
+#include "matrix_solver/lu_cost.h"
 #include "matrix_solver/pairwise_multigrid.h"
+#include "matrix_solver/reduction.h"
 #include "matrix_solver/sparse_lu.h"
 
 namespace kvx3d_solver {
 namespace {
 
-constexpr int alwaysDense = 64;            // rows up to which dense LU beats any set-up
+// The measurements behind these constants are in docs/matrix_solver.md.
+constexpr int alwaysDense = 64;            // rows up to which the dense LU needs no reason
 constexpr int denseLimit = 2000;           // rows; 32 MB of factors
 constexpr double denseFilling = 0.25;      // of n * n, from where a matrix counts as full
-constexpr double promise = 0.05;           // of ILU(0), from where a trial is worth while
-constexpr double symmetricPromise = 0.15;  // where conjugate gradients, which are quicker, follow
-constexpr int trialSteps = 10;
-constexpr double trialProgress = 0.5;  // of the way to the tolerance, in orders of magnitude
-constexpr int quickSteps = 30;         // cost about as much as setting up a hierarchy
-constexpr int bicgstabSteps = 200;     // more means that the hierarchy does not fit the problem
-constexpr int aloneSteps = 1000;       // of ILU(0)-BiCGSTAB in a build without multigrid
+constexpr double promise = 0.1;            // of ILU(0), from where BiCGSTAB alone is the faster one
+constexpr double symmetricPromise = 0.15;  // the same where conjugate gradients can follow
+constexpr int quickSteps = 30;             // of ILU(0)-BiCGSTAB; what the promises above predict
+constexpr int multigridSteps = 200;        // more means that the aggregates do not fit the problem
 constexpr int gmresSteps = 500;
-constexpr int restarts = 3;              // from the true residual, after the recursive one drifted
-constexpr double worthRestart = 0.5;     // residual reduction that earns another restart
-constexpr int refinements = 3;           // of a factorisation's solution
-constexpr double lastResortWork = 2e10;  // sparse LU nobody asked for: seconds
-constexpr double directWork = 1e12;      // sparse LU on demand: minutes beyond
+constexpr int restarts = 3;            // after the recursive residual drifted from the true one
+constexpr double worthRestart = 0.5;   // residual reduction that earns another restart
+constexpr int refinements = 3;         // of a solution by factorization
+constexpr double quickWork = 2e10;     // of a sparse LU nobody asked for: seconds
+constexpr double directWork = 1e12;    // of a sparse LU on demand: minutes
+constexpr double mostEntries = 2.5e8;  // estimated in the factors of a sparse LU: 1.6 GB
 
-/// One pass through the methods: the best iterate, its true residual, and what is left to spend.
+/// One pass through the methods: the best iterate, its true residual, and the steps left.
 class Chain {
 public:
     Chain(const CsrSystem& system, const SolveOptions& chosen, const Vector& start)
-        : A(system),
+        : full(system),
           options(chosen),
           target(chosen.tolerance * system.rhsNorm),
           stepsLeft(chosen.maxIterations),
           best(start),
-          work(start.size()) {
-        startResidual = bestResidual = Residual(A, best, work);
-    }
+          residualVector(start.size()),
+          startResidual(Residual(full, best, residualVector)),
+          bestResidual(startResidual) {}
 
     bool Solved() const { return bestResidual <= target; }
+    /// True if every row was trivial, so that no method has anything to do.
+    bool IsEmpty() const { return core->n == 0; }
     const Vector& Best() const { return best; }
 
-    /// Zero takes the place of a start that is worse than zero, or not finite.
+    /// Replaces a start by zero if it is worse than zero, or not finite.
     void DiscardBadStart() {
-        if (!(bestResidual <= A.rhsNorm)) {
+        if (!(bestResidual <= full.rhsNorm)) {
             std::fill(best.begin(), best.end(), 0.0);
-            bestResidual = A.rhsNorm;
+            bestResidual = full.rhsNorm;
         }
     }
 
+    /// Whether the system that the methods work on is small or full.
     bool IsDense() const {
-        const double full = static_cast<double>(A.n) * A.n;
-        return A.n <= alwaysDense ||
-               (A.n <= denseLimit && static_cast<double>(A.value.size()) > denseFilling * full);
+        const double whole = static_cast<double>(core->n) * core->n;
+        const auto entries = static_cast<double>(core->value.size());
+        return core->n <= alwaysDense || (core->n <= denseLimit && entries > denseFilling * whole);
     }
 
-    /// Exact zero pivots first; if that fails, pivots of the size of rounding count as zero too,
-    /// which finds a solution of a consistent singular system.
+    /// Lets the methods work on the reduced system from here on, if there are trivial rows. With
+    /// the start vector of the rows that remain, the trivial rows may already complete the
+    /// solution.
+    void RemoveTrivialRows() {
+        reduction.emplace(full);
+        if (!reduction->Removes()) {
+            reduction.reset();
+            return;
+        }
+        reduced = reduction->ReducedSystem();
+        core = &reduced;
+        Offer(CoreIterate());
+    }
+
+    /// Partial pivoting serves regular systems. If it fails, full pivoting finds a solution of a
+    /// consistent singular system, or that there is none.
     void TryDense() {
-        const double rounding = A.n * std::numeric_limits<double>::epsilon();
-        for (const double zeroPivot : {0.0, rounding}) {
-            const DenseLu lu(A, zeroPivot);
+        for (const auto pivoting : {DenseLu::Pivoting::Partial, DenseLu::Pivoting::Full}) {
+            const DenseLu lu(*core, pivoting);
+            singular = lu.ZeroPivots() > 0;
             Refine([&lu](const Vector& b, Vector& x) { lu.Solve(b, x); });
             if (Solved()) {
                 return;
             }
-            singular = lu.ZeroPivots() > 0;
         }
     }
 
-    /// ILU(0)-BiCGSTAB. Where multigrid could follow, only as long as it promises to end before
-    /// a hierarchy would be set up: convection and time steps do, a large Poisson problem does not.
+    /// ILU(0)-BiCGSTAB, if it promises to end before a multigrid hierarchy would pay for its
+    /// set-up: convection and time steps do, a large Poisson problem does not.
     void TryIlu() {
-        const bool duneFollows = options.useMultigrid && HasMultigrid();
-        if (duneFollows || Symmetric()) {
-            if (IluPromise() < (Symmetric() ? symmetricPromise : promise)) {
-                return;
-            }
-            const double trialResidual =
-                std::pow(bestResidual, 1.0 - trialProgress) * std::pow(target, trialProgress);
-            Iterate(BiCgStab, Ilu(), {target, quickSteps, trialSteps, trialResidual});
-        } else {
-            Iterate(BiCgStab, Ilu(), {target, aloneSteps});
-        }
-    }
-
-    /// Conjugate gradients with the lean multigrid, about twice as fast as what follows.
-    void TrySymmetric() {
-        if (!Symmetric() || stepsLeft == 0) {
-            return;
-        }
-        if (const auto multigrid = MakePairwiseMultigrid(A)) {
-            Iterate(ConjugateGradients, *multigrid, {target, bicgstabSteps});
+        if (stepsLeft > 0 && IluPromise() >= (IsSymmetricCore() ? symmetricPromise : promise)) {
+            Iterate(BiCgStab, Ilu(), quickSteps);
         }
     }
 
     void TryMultigrid() {
-        if (!options.useMultigrid || stepsLeft == 0) {
+        if (stepsLeft == 0) {
             return;
         }
-        try {
-            if (const auto multigrid = MakeMultigrid(A)) {
-                Iterate(BiCgStab, *multigrid, {target, bicgstabSteps});
-            }
-        } catch (const std::exception&) {
-            // A hierarchy that cannot be built or applied leaves the field to the next method.
+        if (const auto multigrid = MakePairwiseMultigrid(*core)) {
+            Iterate(IsSymmetricCore() ? ConjugateGradients : BiCgStab, *multigrid, multigridSteps);
         }
     }
 
-    void TryGmres() { Iterate(Gmres, Ilu(), {target, gmresSteps}); }
+    void TryGmres() {
+        if (stepsLeft > 0) {
+            Iterate(Gmres, Ilu(), gmresSteps);
+        }
+    }
 
+    /// Factorizes unless the estimate exceeds `mostWork` multiplications and additions.
     void TrySparseLu(double mostWork) {
-        if (!options.useSparseLu || sparseLuTried || !HasSparseLu() ||
-            EstimateLuWork(A) > mostWork) {
+        if (!options.useSparseLu || sparseLuTried) {
+            return;
+        }
+        const LuCost cost = EstimateLuCost(*core);
+        if (cost.work > mostWork || cost.entries > mostEntries) {
             return;
         }
         sparseLuTried = true;
-        SparseLu lu(A.rowStart, A.column, A.value);
+        const SparseLu lu(*core);
         singular = lu.Result() == SparseLu::State::Singular;
         if (lu.Result() == SparseLu::State::Ready) {
-            Refine([&lu](const Vector& b, Vector& x) {
-                x = b;
-                lu.Solve(x.data());
-            });
+            Refine([&lu](const Vector& b, Vector& x) { lu.Solve(b, x); });
         }
     }
 
@@ -142,103 +139,126 @@ public:
         if (Solved()) {
             return Outcome::Solved;
         }
-        const bool improved = bestResidual < startResidual && bestResidual < A.rhsNorm;
+        const bool improved = bestResidual < startResidual && bestResidual < full.rhsNorm;
         return singular || !improved ? Outcome::Singular : Outcome::ToleranceMissed;
     }
 
 private:
-    bool Symmetric() {
+    bool IsSymmetricCore() {
         if (!symmetric) {
-            symmetric = IsSymmetric(A);
+            symmetric = IsSymmetric(*core);
         }
         return *symmetric;
     }
 
-    /// How much of a constant vector ILU(0) gives back after the matrix took it, 0 to 1: near 1 the
-    /// factors carry information as far as the inverse does. The steps to expect are about 3 over
-    /// this; a Poisson problem of m cells a side has 4 / m.
+    /// The mean of (LU)^-1 A 1, for a vector of ones, each entry limited to 1: near 1 the factors
+    /// carry information across the mesh as far as the inverse does. A Poisson problem of m cells a
+    /// side has 4 / m, and BiCGSTAB takes about 3.5 steps over this figure, fewer with convection.
     double IluPromise() {
-        const Vector ones(best.size(), 1.0);
-        Vector back(best.size());
-        Multiply(A, ones, work);
-        Ilu().Apply(work, back);
+        const Vector ones(static_cast<std::size_t>(core->n), 1.0);
+        Vector image(ones.size()), back(ones.size());
+        Multiply(*core, ones, image);
+        Ilu().Apply(image, back);
         double sum = 0.0;
         for (const double v : back) {
             sum += std::min(1.0, std::fabs(v));
         }
-        return sum / A.n;
+        return sum / core->n;
     }
 
-    /// Keeps x if its true residual is the smallest so far.
-    void Offer(const Vector& x) {
-        const double residual = Residual(A, x, work);
+    /// The best iterate, its entries in the system that the methods work on.
+    Vector CoreIterate() const { return reduction ? reduction->Restrict(best) : best; }
+
+    /// Keeps an iterate of that system if its true residual is the smallest so far.
+    void Offer(const Vector& coreX) {
+        if (reduction) {
+            expanded.resize(best.size());
+            reduction->Expand(coreX, expanded);
+        }
+        const Vector& x = reduction ? expanded : coreX;
+        const double residual = Residual(full, x, residualVector);
         if (residual < bestResidual) {
             bestResidual = residual;
             best = x;
         }
     }
 
-    /// Solves for the whole right-hand side, then for what the residual still holds.
+    /// Solves for the whole right-hand side, then repeatedly for the residual left.
     void Refine(const std::function<void(const Vector& b, Vector& x)>& solve) {
-        Vector x(best.size()), correction(best.size());
-        solve(A.rhs, x);
-        double residual = Residual(A, x, work);
-        Offer(x);
-        for (int i = 0; i < refinements; ++i) {
-            Residual(A, x, work);
-            solve(work, correction);
-            for (std::size_t k = 0; k < x.size(); ++k) {
+        const auto n = static_cast<std::size_t>(core->n);
+        Vector x(n, 0.0), r = core->rhs, correction(n);
+        double before = std::numeric_limits<double>::infinity();
+        for (int i = 0; i <= refinements; ++i) {
+            solve(r, correction);
+            for (std::size_t k = 0; k < n; ++k) {
                 x[k] += correction[k];
             }
-            const double reached = Residual(A, x, work);
-            if (!(reached < residual)) {
+            const double reached = Residual(*core, x, r);
+            if (!(reached < before)) {
                 return;
             }
-            residual = reached;
+            before = reached;
             Offer(x);
         }
     }
 
-    using Method = int (*)(const CsrSystem&, Preconditioner&, StopRule, Vector&);
-
     Preconditioner& Ilu() {
         if (!ilu) {
-            ilu = std::make_unique<Ilu0>(A);
+            ilu = std::make_unique<Ilu0>(*core);
         }
         return *ilu;
     }
 
-    /// Runs a method from the best iterate, again while the true residual says it is not done and
-    /// the last run was worth it.
-    void Iterate(Method method, Preconditioner& M, StopRule stop) {
-        for (int run = 0; run <= restarts && stop.steps > 0 && stepsLeft > 0 && !Solved(); ++run) {
+    using Method = int (*)(const CsrSystem&, Preconditioner&, StopRule, Vector&);
+
+    /// Runs a method from the best iterate, and again as long as the true residual misses the
+    /// target and the last run reduced it enough.
+    void Iterate(Method method, Preconditioner& M, int steps) {
+        for (int run = 0; run <= restarts && steps > 0 && stepsLeft > 0 && !Solved(); ++run) {
             const double before = bestResidual;
-            Vector x = best;
-            stop.steps = std::min(stop.steps, stepsLeft);
-            const int taken = method(A, M, stop, x);
-            const bool tooSlow = taken == stop.trialSteps;
-            stop.steps -= taken;
+            Vector x = CoreIterate();
+            const int taken = method(*core, M, {target, std::min(steps, stepsLeft)}, x);
+            steps -= taken;
             stepsLeft -= taken;
             Offer(x);
-            if (tooSlow || bestResidual > worthRestart * before) {
+            if (bestResidual > worthRestart * before) {
                 return;
             }
         }
     }
 
-    const CsrSystem& A;
+    const CsrSystem& full;
     const SolveOptions& options;
-    double target;  ///< norm of the residual to reach
+    const double target;  ///< norm of the residual to reach
     int stepsLeft;
-    std::optional<bool> symmetric;  ///< looked up when first asked for
+    std::optional<Reduction> reduction;  ///< empty where the methods work on the full system
+    CsrSystem reduced;
+    const CsrSystem* core = &full;        ///< the system that the methods work on
+    std::optional<bool> symmetric;        ///< of the core, computed when first needed
+    std::unique_ptr<Preconditioner> ilu;  ///< of the core, made when first needed
     Vector best;
-    Vector work;
-    std::unique_ptr<Preconditioner> ilu;  ///< made when first asked for
-    double startResidual = 0.0;
-    double bestResidual = 0.0;
-    bool singular = false;  ///< said by the last factorisation
+    Vector residualVector, expanded;  ///< work vectors
+    double startResidual;
+    double bestResidual;
+    bool singular = false;  ///< found by the last factorization
     bool sparseLuTried = false;
 };
+
+/// The methods for a system that is neither small nor full, in order.
+void TrySparseMethods(Chain& chain, bool directFirst) {
+    if (directFirst) {
+        chain.TrySparseLu(directWork);
+    }
+    const auto steps = {&Chain::TryIlu, &Chain::TryMultigrid, &Chain::TryGmres};
+    for (const auto step : steps) {
+        if (!chain.Solved()) {
+            (chain.*step)();
+        }
+    }
+    if (!chain.Solved()) {
+        chain.TrySparseLu(quickWork);
+    }
+}
 
 }  // namespace
 
@@ -252,26 +272,14 @@ Outcome SolveChain(const CsrSystem& A, const SolveOptions& options, Vector& x) {
         return Outcome::Solved;
     }
     chain.DiscardBadStart();
-    if (chain.IsDense()) {
-        chain.TryDense();
-    } else {
-        if (options.directFirst) {
-            chain.TrySparseLu(directWork);
-        }
-        if (!chain.Solved()) {
-            chain.TryIlu();
-        }
-        if (!chain.Solved()) {
-            chain.TrySymmetric();
-        }
-        if (!chain.Solved()) {
-            chain.TryMultigrid();
-        }
-        if (!chain.Solved()) {
-            chain.TryGmres();
-        }
-        if (!chain.Solved()) {
-            chain.TrySparseLu(lastResortWork);
+    if (!chain.IsDense()) {
+        chain.RemoveTrivialRows();
+    }
+    if (!chain.Solved() && !chain.IsEmpty()) {
+        if (chain.IsDense()) {
+            chain.TryDense();
+        } else {
+            TrySparseMethods(chain, options.directFirst);
         }
     }
     const Outcome outcome = chain.Judge();

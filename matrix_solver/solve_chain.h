@@ -5,22 +5,23 @@
 
 namespace kvx3d_solver {
 
-/// What the caller asked for, and which methods may serve it.
+/// What the caller asked for, and which methods may be used.
 struct SolveOptions {
     double tolerance = 1e-8;   ///< relative to the norm of the right-hand side
     int maxIterations = 1000;  ///< Krylov steps over all methods together
     bool directFirst = false;  ///< sparse LU before any iteration
-    bool useMultigrid = true;  ///< false leaves what a build without DUNE has
-    bool useSparseLu = true;   ///< false leaves what a build without SuperLU has
+    bool useSparseLu = true;   ///< tests switch it off to see what the iterations do alone
 };
 
 enum class Outcome { Solved, ToleranceMissed, Singular };
 
-/// Solves A x = b by the first method that meets the tolerance: dense LU alone for a small or full
-/// system; else BiCGSTAB with ILU(0) where that promises to be quick, given up early if it is not;
-/// conjugate gradients with the pairwise multigrid for a symmetric matrix; BiCGSTAB with DUNE's
-/// multigrid; ILU(0)-GMRES; sparse LU. A method starts from the best iterate so far. Where no
-/// multigrid could follow, the first of them runs in any case and is not given up early.
+/// Solves A x = b by the first method that meets the tolerance.
+///
+/// A small or full system goes through the dense LU alone. Any other loses its trivial rows first
+/// (see Reduction); then follow BiCGSTAB with ILU(0) where that promises to be quick, the pairwise
+/// multigrid under conjugate gradients for a symmetric matrix or under BiCGSTAB for any other,
+/// ILU(0)-GMRES, and the sparse LU. Each method starts from the best iterate so far. Every iterate
+/// is judged by the residual of the full system.
 ///
 /// @param[in]     A  a system with n >= 1
 /// @param[in,out] x  start vector, then the best iterate; unchanged if it meets the tolerance

@@ -2,43 +2,42 @@
 #define KVX3D_MATRIX_SOLVER_SPARSE_LU_H
 
 #include <memory>
-#include <vector>
 
 #include "matrix_solver/csr_system.h"
 
 namespace kvx3d_solver {
 
-/// True if the build found SuperLU.
-bool HasSparseLu();
-
-/// LU factorisation of a sparse matrix with a fill-reducing order and threshold pivoting. Time and
-/// memory grow much faster than n: the caller bounds the work.
+/// Supernodal LU factorization of a sparse matrix with partial pivoting, columns in the order of
+/// COLAMD, which keeps the fill small, and rows scaled by powers of two to a common size. Time and
+/// memory grow much faster than n: the caller bounds them by EstimateLuCost() first.
 ///
-/// Source: J. W. Demmel et al., SIAM J. Matrix Anal. Appl. 20 (1999) 720-755,
-/// doi:10.1137/S0895479895291765.
+/// Sources: Eigen's SparseLU; J. W. Demmel et al., SIAM J. Matrix Anal. Appl. 20 (1999) 720-755,
+/// doi:10.1137/S0895479895291765; T. A. Davis et al., ACM Trans. Math. Softw. 30 (2004) 353-376,
+/// doi:10.1145/1024074.1024079.
 class SparseLu {
 public:
     enum class State {
         Ready,
-        Singular,    ///< an exact zero pivot
-        Unavailable  ///< no sparse LU in this build, or out of memory
+        Singular,    ///< a column has no pivot other than exact zeros
+        OutOfMemory  ///< the factors did not fit
     };
 
-    /// Factorises the matrix of 0-based rows.
-    SparseLu(std::vector<int> rowStart, std::vector<int> column, Vector value);
+    /// Factorizes A.
+    explicit SparseLu(const CsrSystem& A);
     ~SparseLu();
     SparseLu(const SparseLu&) = delete;
     SparseLu& operator=(const SparseLu&) = delete;
 
     State Result() const { return state; }
 
-    /// Replaces the n values of b by A^-1 b. Only when Ready.
-    void Solve(double* b);
+    /// x = A^-1 b. Only if Result() is Ready.
+    void Solve(const Vector& b, Vector& x) const;
 
 private:
     struct Factors;
     std::unique_ptr<Factors> factors;
-    State state = State::Unavailable;
+    Vector rowScale;  ///< n powers of two
+    State state;
 };
 
 }  // namespace kvx3d_solver

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Coefficient of the face between a cell (i, j, k) and its neighbour in a direction 0..5, which
+/// Coefficient of the face between a cell (i, j, k) and its neighbor in a direction 0..5, which
 /// are -x, +x, -y, +y, -z, +z.
 using FaceCoefficient = std::function<double(int k, int direction)>;
 
@@ -19,20 +19,20 @@ Problem GridProblem(int m, bool wall, const FaceCoefficient& coefficient) {
     for (int cell = 0; cell < m * m * m; ++cell) {
         const int place[3] = {cell % m, cell / m % m, cell / (m * m)};
         double diagonal = 0.0;
-        std::vector<Problem::Neighbour> neighbours;
+        std::vector<Problem::Neighbor> neighbors;
         for (int direction = 0; direction < 6; ++direction) {
             const int axis = direction / 2;
             const int side = direction % 2 ? 1 : -1;
             const bool inside = place[axis] + side >= 0 && place[axis] + side < m;
             const double a = coefficient(place[2], direction);
             if (inside) {
-                neighbours.push_back({cell + side * step[axis] + 1, -a});
+                neighbors.push_back({cell + side * step[axis] + 1, -a});
             }
             if (inside || wall) {
                 diagonal += a;
             }
         }
-        problem.AddRow(diagonal, neighbours);
+        problem.AddRow(diagonal, neighbors);
     }
     problem.ChooseSolution(/*seed=*/1);
     return problem;
@@ -46,15 +46,15 @@ void SetRow(Problem& problem, int row, const std::function<double(int k, double 
 
 }  // namespace
 
-void Problem::AddRow(double diagonal, const std::vector<Neighbour>& neighbours) {
+void Problem::AddRow(double diagonal, const std::vector<Neighbor>& neighbors) {
     if (Ia.empty()) {
         Ia.push_back(1);
     }
     Ja.push_back(++n);
     Aa.push_back(diagonal);
-    for (const Neighbour& neighbour : neighbours) {
-        Ja.push_back(neighbour.column);
-        Aa.push_back(neighbour.value);
+    for (const Neighbor& neighbor : neighbors) {
+        Ja.push_back(neighbor.column);
+        Aa.push_back(neighbor.value);
     }
     Ia.push_back(static_cast<int>(Ja.size()) + 1);
 }
@@ -174,12 +174,12 @@ Problem RandomSparse(int n, int perRow, unsigned seed) {
             }
         }
         double sum = 0.0;
-        std::vector<Problem::Neighbour> neighbours;
+        std::vector<Problem::Neighbor> neighbors;
         for (const int column : columns) {
-            neighbours.push_back({column, uniform(random)});
-            sum += std::fabs(neighbours.back().value);
+            neighbors.push_back({column, uniform(random)});
+            sum += std::fabs(neighbors.back().value);
         }
-        problem.AddRow(0.5 * sum + 0.1, neighbours);
+        problem.AddRow(0.5 * sum + 0.1, neighbors);
     }
     problem.ChooseSolution(seed + 1);
     return problem;
@@ -191,14 +191,14 @@ Problem Dense(int n, double dominance, unsigned seed) {
     Problem problem;
     for (int row = 1; row <= n; ++row) {
         double sum = 1.0;
-        std::vector<Problem::Neighbour> neighbours;
+        std::vector<Problem::Neighbor> neighbors;
         for (int column = 1; column <= n; ++column) {
             if (column != row) {
-                neighbours.push_back({column, uniform(random)});
-                sum += std::fabs(neighbours.back().value);
+                neighbors.push_back({column, uniform(random)});
+                sum += std::fabs(neighbors.back().value);
             }
         }
-        problem.AddRow(dominance * sum, neighbours);
+        problem.AddRow(dominance * sum, neighbors);
     }
     problem.ChooseSolution(seed + 1);
     return problem;

@@ -13,11 +13,11 @@ struct Problem {
     int NonZeros() const { return static_cast<int>(Ja.size()); }
 
     /// Appends a row: the diagonal value, then pairs of column (from 1) and value.
-    struct Neighbour {
+    struct Neighbor {
         int column;
         double value;
     };
-    void AddRow(double diagonal, const std::vector<Neighbour>& neighbours);
+    void AddRow(double diagonal, const std::vector<Neighbor>& neighbors);
 
     /// Chooses `exact` at random in [-1, 1] and the right-hand side that belongs to it.
     void ChooseSolution(unsigned seed);
@@ -51,7 +51,7 @@ void BlankCells(Problem& problem, unsigned seed);
 /// Multiplies each row and its right-hand side by 10^u, u uniform in [-6, 6].
 void ScaleRows(Problem& problem, unsigned seed);
 
-/// `perRow` neighbours a row at random, values in [-1, 1], the diagonal about half their sum.
+/// `perRow` neighbors a row at random, values in [-1, 1], the diagonal about half their sum.
 Problem RandomSparse(int n, int perRow, unsigned seed);
 /// Full matrix; `dominance` times the sum of a row's magnitudes is its diagonal.
 Problem Dense(int n, double dominance, unsigned seed);

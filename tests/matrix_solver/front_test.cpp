@@ -1,5 +1,5 @@
-/// The toolbox's two callers with the solver library behind them: whole flows, from assembled
-/// entries to a solution.
+/// The two classes of the toolbox that call the solver library, from assembled entries to a
+/// solution.
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-/// The problem's entries, declared and filled as an operator does.
+/// Declares and fills the entries of the problem as an operator does.
 void Assemble(const Problem& problem, CKVX_ART_SparseMatrix& A) {
     for (int row = 1; row <= problem.n; ++row) {
         for (int k = problem.Ia[row - 1] - 1; k < problem.Ia[row] - 1; ++k) {
@@ -27,7 +27,7 @@ void Assemble(const Problem& problem, CKVX_ART_SparseMatrix& A) {
     }
 }
 
-/// Slot 0 in front.
+/// The values with an unused entry 0 in front.
 std::vector<double> OneBased(const std::vector<double>& values) {
     std::vector<double> result(1, 0.0);
     result.insert(result.end(), values.begin(), values.end());
@@ -38,7 +38,7 @@ std::vector<double> ZeroBased(const std::vector<double>& values) {
     return {values.begin() + 1, values.end()};
 }
 
-TEST(SolverFront, SolvesWhatWasAssembled) {
+TEST(SolverFront, SolvesTheAssembledSystem) {
     const Problem problem = ConvectionDiffusion(12, 10.0);
     CKVX_ART_MatSolver_SAMG A(problem.n);
     Assemble(problem, A);
@@ -84,10 +84,10 @@ TEST(SolverFront, ATighterToleranceTakesEffectAtTheNextSolve) {
     EXPECT_LE(RelativeResidual(problem, ZeroBased(x)), 1.0001e-12);
 }
 
-/// Full systems through the dense solver's external path.
+/// Full systems that the dense solver hands to the library.
 class DenseFront : public testing::TestWithParam<int> {};
 
-TEST_P(DenseFront, SolvesWhatIsNotDominant) {
+TEST_P(DenseFront, SolvesSystemsThatAreNotDominant) {
     const int n = GetParam();
     const Problem problem = Dense(n, 0.05, /*seed=*/42);
     std::vector<std::vector<double>> rows(n + 1, std::vector<double>(n + 1, 0.0));
@@ -108,7 +108,7 @@ TEST_P(DenseFront, SolvesWhatIsNotDominant) {
 
 INSTANTIATE_TEST_SUITE_P(Sizes, DenseFront, testing::Values(1, 2, 19, 50, 200));
 
-TEST(DenseFront, ASingularPairComesBackWithItsStatus) {
+TEST(DenseFront, ReturnsTheStatusOfASingularPair) {
     std::vector<double> first{0.0, 1.0, 1.0}, second{0.0, 1.0, 1.0}, b{0.0, 1.0, 2.0};
     std::vector<double*> A{nullptr, first.data(), second.data()};
     std::vector<double> x(3, 0.0);

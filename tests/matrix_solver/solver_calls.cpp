@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Bytes, not values: a NaN equals itself here, and a negative zero is no zero.
+/// Compares bytes, not values: a NaN equals itself, and a negative zero differs from zero.
 template <typename T>
 bool SameBytes(const std::vector<T>& a, const std::vector<T>& b) {
     return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0;
@@ -41,7 +41,7 @@ int SolveAndWatch(const Problem& problem, std::vector<double>& x, const Call& ca
     return status;
 }
 
-int SolveWithoutLibraries(const Problem& problem, std::vector<double>& x, const Call& call) {
+int SolveByIterations(const Problem& problem, std::vector<double>& x, const Call& call) {
     const auto system =
         kvx3d_solver::ReadSystem({problem.n, problem.NonZeros(), problem.Ia.data(),
                                   problem.Ja.data(), problem.Aa.data(), problem.rhs.data()});
@@ -51,7 +51,6 @@ int SolveWithoutLibraries(const Problem& problem, std::vector<double>& x, const 
     kvx3d_solver::SolveOptions options;
     options.tolerance = call.tolerance;
     options.maxIterations = call.maxIterations;
-    options.useMultigrid = false;
     options.useSparseLu = false;
     for (double& v : x) {
         v = std::ldexp(v, -system->solutionExponent);

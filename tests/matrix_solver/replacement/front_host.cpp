@@ -1,4 +1,4 @@
-/// The smallest host of the solver front: solves 2 x = 3 and prints x.
+/// The smallest host program that uses the solver library: solves 2 x = 3 and prints x.
 
 #include <iostream>
 

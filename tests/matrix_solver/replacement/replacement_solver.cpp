@@ -1,4 +1,4 @@
-/// Another library under the stand-in's name, as the closed one would be: every unknown is 42.
+/// Another library of the same name, in the place of the closed one: every unknown is 42.
 
 #include "matrix_solver/matrix_solver.h"
 

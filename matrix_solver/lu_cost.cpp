@@ -1,4 +1,4 @@
-#include "matrix_solver/lu_work.h"
+#include "matrix_solver/lu_cost.h"
 
 #include <cstddef>
 #include <vector>
@@ -6,14 +6,16 @@
 namespace kvx3d_solver {
 namespace {
 
-/// Breadth-first search over the rows that one root reaches.
+/// Breadth-first search over the rows that can be reached from one root.
 class LevelSearch {
 public:
-    explicit LevelSearch(const CsrSystem& system) : A(system), seen(A.n, 0) {}
+    explicit LevelSearch(const CsrSystem& system)
+        : A(system), seen(static_cast<std::size_t>(A.n), 0) {}
 
     bool Seen(int row) const { return seen[row] != 0; }
 
-    /// Searches from `root`, over rows marked with less than `mark`; the level widths in order.
+    /// Searches from `root` over the rows whose mark is below `mark`, and marks them. Returns the
+    /// number of rows in each level, in order.
     std::vector<double> Run(int root, char mark) {
         std::vector<double> widths;
         std::vector<int> level{root}, next;
@@ -49,28 +51,27 @@ private:
     int last = 0;
 };
 
-/// A row of a level reaches as far as its own level and the next.
-double BandedWork(const std::vector<double>& widths) {
-    double work = 0.0;
+/// The cost of a banded elimination. A row of a level is coupled to its own level and the next.
+void AddBandedCost(const std::vector<double>& widths, LuCost& cost) {
     for (std::size_t l = 0; l < widths.size(); ++l) {
         const double band = widths[l] + (l + 1 < widths.size() ? widths[l + 1] : 0.0);
-        work += 2.0 * widths[l] * band * band;
+        cost.work += 2.0 * widths[l] * band * band;
+        cost.entries += 2.0 * widths[l] * band;
     }
-    return work;
 }
 
 }  // namespace
 
-double EstimateLuWork(const CsrSystem& A) {
+LuCost EstimateLuCost(const CsrSystem& A) {
     LevelSearch search(A);
-    double work = 0.0;
+    LuCost cost;
     for (int row = 0; row < A.n; ++row) {
         if (!search.Seen(row)) {
-            search.Run(row, 1);  // only to find the rim
-            work += BandedWork(search.Run(search.Last(), 2));
+            search.Run(row, 1);  // ends at a row on the rim
+            AddBandedCost(search.Run(search.Last(), 2), cost);
         }
     }
-    return work;
+    return cost;
 }
 
 }  // namespace kvx3d_solver
