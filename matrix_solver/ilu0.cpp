@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <vector>
 
 namespace kvx3d_solver {
@@ -62,6 +63,18 @@ void Ilu0::Apply(const Vector& r, Vector& z) {
         }
         z[i] = sum * inverseDiagonal[i];
     }
+}
+
+double IluPromise(const CsrSystem& A, Ilu0& ilu) {
+    const Vector ones(static_cast<std::size_t>(A.n), 1.0);
+    Vector image(ones.size()), back(ones.size());
+    Multiply(A, ones, image);
+    ilu.Apply(image, back);
+    double sum = 0.0;
+    for (const double v : back) {
+        sum += std::min(1.0, std::fabs(v));
+    }
+    return sum / A.n;
 }
 
 }  // namespace kvx3d_solver

@@ -98,7 +98,8 @@ public:
     /// ILU(0)-BiCGSTAB, if it promises to end before a multigrid hierarchy would pay for its
     /// set-up: convection and time steps do, a large Poisson problem does not.
     void TryIlu() {
-        if (stepsLeft > 0 && IluPromise() >= (IsSymmetricCore() ? symmetricPromise : promise)) {
+        const double least = IsSymmetricCore() ? symmetricPromise : promise;
+        if (stepsLeft > 0 && IluPromise(*core, Ilu()) >= least) {
             Iterate(BiCgStab, Ilu(), quickSteps);
         }
     }
@@ -151,21 +152,6 @@ private:
         return *symmetric;
     }
 
-    /// The mean of (LU)^-1 A 1, for a vector of ones, each entry limited to 1: near 1 the factors
-    /// carry information across the mesh as far as the inverse does. A Poisson problem of m cells a
-    /// side has 4 / m, and BiCGSTAB takes about 3.5 steps over this figure, fewer with convection.
-    double IluPromise() {
-        const Vector ones(static_cast<std::size_t>(core->n), 1.0);
-        Vector image(ones.size()), back(ones.size());
-        Multiply(*core, ones, image);
-        Ilu().Apply(image, back);
-        double sum = 0.0;
-        for (const double v : back) {
-            sum += std::min(1.0, std::fabs(v));
-        }
-        return sum / core->n;
-    }
-
     /// The best iterate, its entries in the system that the methods work on.
     Vector CoreIterate() const { return reduction ? reduction->Restrict(best) : best; }
 
@@ -202,7 +188,7 @@ private:
         }
     }
 
-    Preconditioner& Ilu() {
+    Ilu0& Ilu() {
         if (!ilu) {
             ilu = std::make_unique<Ilu0>(*core);
         }
@@ -233,9 +219,9 @@ private:
     int stepsLeft;
     std::optional<Reduction> reduction;  ///< empty where the methods work on the full system
     CsrSystem reduced;
-    const CsrSystem* core = &full;        ///< the system that the methods work on
-    std::optional<bool> symmetric;        ///< of the core, computed when first needed
-    std::unique_ptr<Preconditioner> ilu;  ///< of the core, made when first needed
+    const CsrSystem* core = &full;  ///< the system that the methods work on
+    std::optional<bool> symmetric;  ///< of the core, computed when first needed
+    std::unique_ptr<Ilu0> ilu;      ///< of the core, made when first needed
     Vector best;
     Vector residualVector, expanded;  ///< work vectors
     double startResidual;

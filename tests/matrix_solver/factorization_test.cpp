@@ -134,6 +134,18 @@ TEST(Ilu0, CanBeAppliedAfterAZeroPivot) {
     EXPECT_TRUE(std::isfinite(z[0]) && std::isfinite(z[1]));
 }
 
+TEST(Ilu0, PromisesMuchForConvectionAndLittleForALargePoissonProblem) {
+    const auto promise = [](const Problem& p) {
+        const CsrSystem system = Read(p);
+        kvx3d_solver::Ilu0 ilu(system);
+        return kvx3d_solver::IluPromise(system, ilu);
+    };
+
+    EXPECT_NEAR(promise(Diffusion(32, 1.0, 1.0, 1.0)), 4.0 / 32.0, 0.02);
+    EXPECT_GT(promise(ConvectionDiffusion(32, 100.0)), 0.7);
+    EXPECT_NEAR(promise(Tridiagonal(20, -0.5, 1.5, -0.75)), 1.0, 1e-12);  // exact factors
+}
+
 TEST(LuCost, CountsALineAsAChainOfSingleRows) {
     const kvx3d_solver::LuCost cost =
         kvx3d_solver::EstimateLuCost(Read(Tridiagonal(10, -1.0, 2.0, -1.0)));
