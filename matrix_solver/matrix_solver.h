@@ -1,7 +1,7 @@
 #ifndef KVX3D_MATRIX_SOLVER_MATRIX_SOLVER_H
 #define KVX3D_MATRIX_SOLVER_MATRIX_SOLVER_H
 
-/// KVX3D_SOLVER_API marks the one class that leaves the library; everything else stays hidden.
+/// KVX3D_SOLVER_API marks the only class that the library exports.
 #if defined(_WIN32) && defined(KVX3DMatrixSolver_EXPORTS)
 #define KVX3D_SOLVER_API __declspec(dllexport)
 #elif defined(_WIN32)
@@ -10,16 +10,16 @@
 #define KVX3D_SOLVER_API __attribute__((visibility("default")))
 #endif
 
-/// Solves one square linear system per call; the engine behind the toolbox's solver front and its
-/// dense solver.
+/// Solves one square linear system per call, for the toolbox's solver front and its dense solver.
 ///
-/// Small and full systems go through an LU factorisation with partial pivoting, all others through
-/// BiCGSTAB with ILU(0) while that is quick, then with algebraic multigrid, then GMRES with ILU(0),
-/// then a sparse LU where its work is bearable. Every answer is judged by the residual recomputed
-/// from the arrays given, never by what a method reports of itself.
+/// Small and full systems go through a dense LU. From all others the trivial rows are eliminated;
+/// then follow BiCGSTAB with ILU(0) where that is quick, algebraic multigrid under conjugate
+/// gradients or BiCGSTAB, GMRES with ILU(0), and a sparse LU if its work is bearable. Every
+/// solution is judged by the residual recomputed from the arrays given, not by what a method
+/// reports.
 ///
-/// Nothing is printed, no exception leaves the class, no thread is started and MPI is not needed.
-/// Objects share nothing: two threads may use two objects, one object runs one solve at a time.
+/// Nothing is printed, no exception leaves the class, and no thread is started. Objects share
+/// nothing: two threads may use two objects, but one object runs one solve at a time.
 class KVX3D_SOLVER_API CKVXMatrixSolver {
 public:
     /// What solveMatrix() returns.
@@ -27,25 +27,25 @@ public:
         Solved = 0,           ///< |b - A x| <= tolerance |b|
         ToleranceMissed = 1,  ///< x is the best iterate found, and better than the start vector
         Singular = 2,         ///< singular matrix or breakdown; x is as on entry
-        BadInput = 3          ///< arrays or limits make no sense; x is untouched
+        BadInput = 3          ///< arrays or limits are invalid; x is untouched
     };
 
-    /// Creates a ready solver. The name is accepted for the interface's sake and not read.
+    /// Creates a solver. The name is part of the interface but is not read.
     explicit CKVXMatrixSolver(const char* name);
     virtual ~CKVXMatrixSolver();
     CKVXMatrixSolver(const CKVXMatrixSolver&) = delete;
     CKVXMatrixSolver& operator=(const CKVXMatrixSolver&) = delete;
 
-    /// Non-zero: later solves try the sparse LU before any iteration. 0 (the state after
-    /// construction): iterations first. Systems whose LU would take minutes iterate either way.
+    /// Non-zero: later solves try the sparse LU before any iteration. 0, the default: iterations
+    /// first. Systems whose LU would take minutes are iterated in both modes.
     void SetAsDirect(int flag);
 
     /// Solves A x = rhs.
     ///
     /// The arrays are addressed from 0 and hold 1-based numbers: Ia[0] is 1, and row i (0-based)
     /// occupies positions Ia[i] - 1 to Ia[i+1] - 2 of Ja and Aa. Every row stores its diagonal,
-    /// by habit of the callers first; the order inside a row does not matter, but no column may
-    /// occur twice. Apart from x nothing is written.
+    /// which the callers put first; the order inside a row does not matter, but no column may occur
+    /// twice. Only x is written.
     ///
     /// @param[in]     n              rows and columns; 0 is an empty system, solved without
     ///                               touching any array
@@ -59,8 +59,8 @@ public:
     ///                               already meets the tolerance stays as it is.
     /// @param[in]     tolerance      of the residual's 2-norm, relative to that of rhs; >= 0
     /// @param[in]     maxIterations  bound on Krylov steps over all methods together, >= 0;
-    ///                               factorisations do not count, so 0 leaves only these
-    /// @param[in]     mode           accepted and not read; the toolbox passes 1
+    ///                               factorizations do not count, so 0 leaves only these
+    /// @param[in]     mode           not read; the toolbox passes 1
     /// @return a Status
     int solveMatrix(int n, int nonZeroN, int* Ia, int* Ja, double* Aa, double* rhs, double* x,
                     double tolerance, int maxIterations, int mode);
