@@ -5,8 +5,8 @@
 #include <tuple>
 
 #include "host_checks/host_checks.h"
+#include "plain/samples/block_host.h"
 #include "tests/host_checks/faults.h"
-#include "tests/support/block_host.h"
 #include "tests/support/output_capture.h"
 
 namespace {
