@@ -23,10 +23,12 @@ struct KDtreeRect {
 /// nodes. A core that a caller made in another way can be searched through a tree object, but no
 /// points may be added to it and it must not be destroyed through that object.
 struct KDtreeCore {
-    int dim;                   ///< 3
-    KDtreeNode* root;          ///< null while the tree is empty
-    KDtreeRect* rect;          ///< bounding box of all points, null while the tree is empty
-    void (*destructor)(int*);  ///< unless null, called with the id of each node when it is released
+    int dim;           ///< 3
+    KDtreeNode* root;  ///< null while the tree is empty
+    KDtreeRect* rect;  ///< bounding box of all points, null while the tree is empty
+    /// Unless null, called with the id of each node when the tree is cleared, children before their
+    /// parent. It must not read the nodes: their links are already invalid.
+    void (*destructor)(int*);
 };
 
 /// One entry of a result list. A list starts with a head entry that holds no point.
