@@ -101,8 +101,8 @@ public:
 private:
     using Stencil = std::vector<std::pair<int, double>>;  // cells and their weights
 
-    /// Gradient along the area vector S of a face with center P, times the area. The cells are
-    /// square, so it is (T2 - T1) S.S / (S.d) between two points that are d apart.
+    /// grad T . S for a face with center P and area vector S. The cells are square, so it is
+    /// (T2 - T1) S.S / (S.d) between two points with the distance vector d.
     /// @param cell     at the face and active
     /// @param other    beyond it: a cell, or a ghost cell, which has the value at P
     /// @param isDonor  `other` is a cell of the other grid. The mirrored point of `cell` takes its
@@ -132,8 +132,9 @@ private:
         return stencil;
     }
 
-    /// Fills a record, which owns its arrays, and declares the positions in the matrix before the
-    /// first value: a position that is missing later costs a copy of the whole matrix.
+    /// Fills a record, which owns its arrays, and declares its positions in the matrix. All
+    /// positions are declared before the first value is added: a value at a position that was not
+    /// declared would cost a copy of the whole matrix.
     void Put(CMAFVMFaceData& record, int row, const Stencil& stencil) {
         const int count = static_cast<int>(stencil.size());
         record.idNormal = new int[count + 1]{count};
