@@ -36,7 +36,10 @@ struct Verdict {
 /// First the rules of HostFaults(), and if these are kept and there is more than one grid the rules
 /// of MeshFaults(). Nothing is read out of range if each array has the length that its count says.
 /// A single grid may be set up if it has an inlet face, which the toolbox reads in every case.
-KVX3D_CHECKS_API Verdict MaySetUp(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& fvm);
+///
+/// @param partition  partition faces of a distributed run, null if there are none
+KVX3D_CHECKS_API Verdict MaySetUp(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& fvm,
+                                  CPartitionFace_DLL* partition = nullptr);
 
 /// What the cutting made of one grid.
 struct GridCut {

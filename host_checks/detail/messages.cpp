@@ -11,8 +11,12 @@ std::string Digits(double value, int digits) {
     return text.data();
 }
 
+std::string Triple(const Point& point) {
+    return "(" + Digits(point.x) + ", " + Digits(point.y) + ", " + Digits(point.z) + ")";
+}
+
 std::string At(const Point& point) {
-    return "at (" + Digits(point.x) + ", " + Digits(point.y) + ", " + Digits(point.z) + ")";
+    return "at " + Triple(point);
 }
 
 std::string CellAt(const MeshView& mesh, int cell) {
