@@ -2,17 +2,21 @@
 ///
 /// The argument is m, the mesh has 240 m^3 cells. "MaySetUp" is the verdict before the setup,
 /// "Assess" the one after it, "Setup" the yardstick: SetFVM() of the toolbox on the same host.
+/// "ExplainCells" explains every cell, "WriteInspection" writes both inspection files.
 ///
 ///     host_checks_benchmark
 
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <filesystem>
 #include <iostream>
 #include <map>
 #include <memory>
 
+#include "host_checks/explanation.h"
 #include "host_checks/host_checks.h"
+#include "host_checks/inspection.h"
 #include "overset/overset_grid_data.h"
 #include "overset/overset_mesh_impl.h"
 #include "plain/samples/block_host.h"
@@ -100,8 +104,41 @@ void BM_Assess(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * host.fvm.Nc);
 }
 
+void BM_ExplainCells(benchmark::State& state) {
+    CylinderInChannel& host = HostOf(static_cast<int>(state.range(0)));
+    SetUpMesh mesh(host);
+    for (auto _ : state) {
+        const kvx3d::checks::MeshView view(host.gv, host.fvm);
+        const kvx3d::checks::Explainer explainer(view, mesh.overset);
+        for (int cell = 1; cell <= host.fvm.Nc; ++cell) {
+            const kvx3d::checks::CellExplanation why = explainer.ExplainCell(cell);
+            if (why.isCut != (why.state == OversetCell_NonActive)) {
+                state.SkipWithError(Text(why).c_str());
+            }
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * host.fvm.Nc);
+}
+
+void BM_WriteInspection(benchmark::State& state) {
+    CylinderInChannel& host = HostOf(static_cast<int>(state.range(0)));
+    SetUpMesh mesh(host);
+    namespace fs = std::filesystem;
+    const fs::path directory = fs::temp_directory_path() / "kvx3d_inspection_benchmark";
+    kvx3d::checks::InspectionFiles files;
+    for (auto _ : state) {
+        files = kvx3d::checks::WriteInspection(directory.string(), host.gv, host.fvm, mesh.overset);
+    }
+    state.counters["MB"] =
+        static_cast<double>(fs::file_size(files.cells) + fs::file_size(files.donors)) / 1e6;
+    fs::remove_all(directory);
+    state.SetItemsProcessed(state.iterations() * host.fvm.Nc);
+}
+
 BENCHMARK(BM_Setup)->Arg(6)->Arg(12)->Arg(20)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_MaySetUp)->Arg(6)->Arg(12)->Arg(20)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Assess)->Arg(6)->Arg(12)->Arg(20)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ExplainCells)->Arg(6)->Arg(12)->Arg(20)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_WriteInspection)->Arg(6)->Arg(12)->Unit(benchmark::kMillisecond);
 
 }  // namespace
