@@ -1,14 +1,22 @@
 /// The checks of host_checks on the geometry of plain/samples/cylinder_host.h, with nodes.
 ///
-/// The argument is m, the mesh has 240 m^3 cells. "MaySetUp" is the verdict before the setup,
-/// "Assess" the one after it, "Setup" the yardstick: SetFVM() of the toolbox on the same host.
-/// "ExplainCells" explains every cell, "WriteInspection" writes both inspection files.
+/// The argument is m, the mesh has 240 m^3 cells. The yardstick is SetFVM() of the toolbox on the
+/// same host: the counter "to_setup" of each row is its CPU time in units of that of one setup,
+/// measured right before the row.
+///
+/// - Setup: SetFVM()
+/// - MaySetUp: the verdict before the setup
+/// - Assess: the assessment after the setup
+/// - ExplainCells: an Explainer and the explanation of every cell
+/// - WriteInspection: both inspection files, written to the directory for temporary files
 ///
 ///     host_checks_benchmark
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cmath>
+#include <ctime>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -72,73 +80,97 @@ struct SetUpMesh {
     CKVXOversetMesh overset;
 };
 
-void BM_Setup(benchmark::State& state) {
-    CylinderInChannel& host = HostOf(static_cast<int>(state.range(0)));
-    for (auto _ : state) {
+double CpuSeconds() {
+    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+}
+
+/// CPU seconds of one setup: the shortest of five.
+double SetupSeconds(BlockHost& host) {
+    double shortest = 1e9;
+    for (int run = 0; run < 5; ++run) {
+        const double start = CpuSeconds();
         const SetUpMesh mesh(host);
+        shortest = std::min(shortest, CpuSeconds() - start);
+    }
+    return shortest;
+}
+
+/// Runs `work` in the loop of a benchmark and relates its CPU time to that of the setup.
+template <class Work>
+void Measure(benchmark::State& state, BlockHost& host, Work work) {
+    const double setup = SetupSeconds(host);
+    double seconds = 0.0;
+    for (auto _ : state) {
+        const double start = CpuSeconds();
+        work();
+        seconds += CpuSeconds() - start;
     }
     state.SetItemsProcessed(state.iterations() * host.fvm.Nc);
+    state.counters["cells"] = host.fvm.Nc;
+    state.counters["to_setup"] = seconds / static_cast<double>(state.iterations()) / setup;
+}
+
+void BM_Setup(benchmark::State& state) {
+    CylinderInChannel& host = HostOf(static_cast<int>(state.range(0)));
+    Measure(state, host, [&] { const SetUpMesh mesh(host); });
 }
 
 void BM_MaySetUp(benchmark::State& state) {
     CylinderInChannel& host = HostOf(static_cast<int>(state.range(0)));
-    for (auto _ : state) {
+    Measure(state, host, [&] {
         const kvx3d::checks::Verdict verdict = kvx3d::checks::MaySetUp(host.gv, host.fvm);
         if (!verdict) {
             state.SkipWithError(Report(verdict).c_str());
         }
-    }
-    state.SetItemsProcessed(state.iterations() * host.fvm.Nc);
+    });
 }
 
 void BM_Assess(benchmark::State& state) {
     CylinderInChannel& host = HostOf(static_cast<int>(state.range(0)));
     SetUpMesh mesh(host);
-    for (auto _ : state) {
+    Measure(state, host, [&] {
         const kvx3d::checks::Soundness soundness =
             kvx3d::checks::Assess(host.gv, host.fvm, mesh.overset);
         if (!soundness) {
             state.SkipWithError(Report(soundness).c_str());
         }
-    }
-    state.SetItemsProcessed(state.iterations() * host.fvm.Nc);
+    });
 }
 
 void BM_ExplainCells(benchmark::State& state) {
     CylinderInChannel& host = HostOf(static_cast<int>(state.range(0)));
     SetUpMesh mesh(host);
-    for (auto _ : state) {
+    Measure(state, host, [&] {
         const kvx3d::checks::MeshView view(host.gv, host.fvm);
         const kvx3d::checks::Explainer explainer(view, mesh.overset);
+        int cut = 0;
         for (int cell = 1; cell <= host.fvm.Nc; ++cell) {
-            const kvx3d::checks::CellExplanation why = explainer.ExplainCell(cell);
-            if (why.isCut != (why.state == OversetCell_NonActive)) {
-                state.SkipWithError(Text(why).c_str());
-            }
+            cut += explainer.ExplainCell(cell).isCut ? 1 : 0;
         }
-    }
-    state.SetItemsProcessed(state.iterations() * host.fvm.Nc);
+        if (cut == 0) {
+            state.SkipWithError("no explanation reports a cut cell");
+        }
+    });
 }
 
 void BM_WriteInspection(benchmark::State& state) {
+    namespace fs = std::filesystem;
     CylinderInChannel& host = HostOf(static_cast<int>(state.range(0)));
     SetUpMesh mesh(host);
-    namespace fs = std::filesystem;
-    const fs::path directory = fs::temp_directory_path() / "kvx3d_inspection_benchmark";
-    kvx3d::checks::InspectionFiles files;
-    for (auto _ : state) {
-        files = kvx3d::checks::WriteInspection(directory.string(), host.gv, host.fvm, mesh.overset);
-    }
-    state.counters["MB"] =
-        static_cast<double>(fs::file_size(files.cells) + fs::file_size(files.donors)) / 1e6;
+    const fs::path directory = fs::temp_directory_path() / "host_checks_benchmark";
+    Measure(state, host, [&] {
+        kvx3d::checks::WriteInspection(directory.string(), host.gv, host.fvm, mesh.overset);
+    });
+    state.counters["megabytes"] =
+        1e-6 * static_cast<double>(fs::file_size(directory / "cells.vtu") +
+                                   fs::file_size(directory / "donors.vtu"));
     fs::remove_all(directory);
-    state.SetItemsProcessed(state.iterations() * host.fvm.Nc);
 }
 
-BENCHMARK(BM_Setup)->Arg(6)->Arg(12)->Arg(20)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_MaySetUp)->Arg(6)->Arg(12)->Arg(20)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Assess)->Arg(6)->Arg(12)->Arg(20)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ExplainCells)->Arg(6)->Arg(12)->Arg(20)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_WriteInspection)->Arg(6)->Arg(12)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Setup)->Arg(12)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MaySetUp)->Arg(12)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Assess)->Arg(12)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ExplainCells)->Arg(12)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_WriteInspection)->Arg(12)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -3,7 +3,8 @@
 ///
 /// BM_Ilu is ILU(0)-BiCGSTAB with the factorization, BM_Multigrid the pairwise multigrid with its
 /// set-up, under conjugate gradients for a symmetric matrix and BiCGSTAB for any other, both to a
-/// relative residual of 1e-8. BM_SparseLu factorizes and solves. Counters: the steps taken, what
+/// relative residual of 1e-8. BM_MultigridFull keeps the trivial rows. BM_SparseLu factorizes and
+/// solves. Counters: the steps taken, what
 /// ILU(0) promises, the estimated cost of the sparse LU.
 
 #include <benchmark/benchmark.h>
@@ -51,10 +52,15 @@ Problem Random(int m) {
     return RandomSparse(m, 6, /*seed=*/5);
 }
 
+CsrSystem Full(const Problem& p) {
+    return kvx3d_solver::ReadSystem(
+               {p.n, p.NonZeros(), p.Ia.data(), p.Ja.data(), p.Aa.data(), p.rhs.data()})
+        .value();
+}
+
 CsrSystem Reduced(const Problem& p) {
-    const auto system = kvx3d_solver::ReadSystem(
-        {p.n, p.NonZeros(), p.Ia.data(), p.Ja.data(), p.Aa.data(), p.rhs.data()});
-    return kvx3d_solver::Reduction(system.value()).ReducedSystem();
+    const CsrSystem full = Full(p);
+    return kvx3d_solver::Reduction(full).ReducedSystem();
 }
 
 void CheckResidual(benchmark::State& state, const CsrSystem& A, const Vector& x) {
@@ -80,8 +86,7 @@ void BM_Ilu(benchmark::State& state, Make make) {
     CheckResidual(state, A, x);
 }
 
-void BM_Multigrid(benchmark::State& state, Make make) {
-    const CsrSystem A = Reduced(make(static_cast<int>(state.range(0))));
+void RunMultigrid(benchmark::State& state, const CsrSystem& A) {
     const bool symmetric = kvx3d_solver::IsSymmetric(A);
     const auto method = symmetric ? kvx3d_solver::ConjugateGradients : kvx3d_solver::BiCgStab;
     Vector x;
@@ -93,6 +98,14 @@ void BM_Multigrid(benchmark::State& state, Make make) {
     }
     state.counters["steps"] = steps;
     CheckResidual(state, A, x);
+}
+
+void BM_Multigrid(benchmark::State& state, Make make) {
+    RunMultigrid(state, Reduced(make(static_cast<int>(state.range(0)))));
+}
+
+void BM_MultigridFull(benchmark::State& state, Make make) {
+    RunMultigrid(state, Full(make(static_cast<int>(state.range(0)))));
 }
 
 void BM_SparseLu(benchmark::State& state, Make make) {
@@ -122,6 +135,7 @@ KVX3D_METHOD_ROW(BM_Ilu, Peclet<100>)->Arg(32)->Arg(64)->Arg(96);
 KVX3D_METHOD_ROW(BM_Multigrid, Peclet<100>)->Arg(32)->Arg(64)->Arg(96);
 KVX3D_METHOD_ROW(BM_Ilu, Pressure)->Arg(64)->Arg(128);
 KVX3D_METHOD_ROW(BM_Multigrid, Pressure)->Arg(64)->Arg(128);
+KVX3D_METHOD_ROW(BM_MultigridFull, Pressure)->Arg(64)->Arg(128);
 KVX3D_METHOD_ROW(BM_SparseLu, Poisson)->Arg(20)->Arg(26);
 KVX3D_METHOD_ROW(BM_SparseLu, Random)->Arg(3000);
 KVX3D_METHOD_ROW(BM_SparseLu, Pressure)->Arg(128);

@@ -45,7 +45,7 @@ enum class Rule {
     Depth,           ///< a mesh one cell thick is about as thick as its cells are wide
     OuterFaceSize,   ///< outer faces are not larger than the background cells
     OuterLayer,      ///< cells at the outer boundary are about as thick as background cells
-    SmoothBoundary,  ///< neighboring outer faces meet at small angles
+    SmoothBoundary,  ///< no corner of the outer boundary is sharper than a right angle
     ConvexBoundary,  ///< the outer boundary of a component is convex
 
     // The mesh after hole cutting.

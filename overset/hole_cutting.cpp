@@ -216,7 +216,7 @@ void CKVX_ART_HoleCutting::OutsideDomainCutting(int layer) {
               walls);
     outsideCellsCut = gridData->NNonActiveCell != 0;
     if (outsideCellsCut) {
-        const kvx3d::detail::ClassicFormat format(std::cout);
+        const ClassicFormat format(std::cout);
         std::cout << "\t  Non Active Cell Number = " << gridData->NNonActiveCell << std::endl;
     } else {
         // [sic] the wording is part of the interface and compared as text.
@@ -234,7 +234,7 @@ void CKVX_ART_HoleCutting::OverlapRegionCutting(int layer) {
     CutInRuns({*gridData, *gridData, OversetGrid_Background, CutBehind, layer, noGridState},
               outerFaces);
     // Includes the cells of the outside cut: the count is that of the mesh, not of this step.
-    const kvx3d::detail::ClassicFormat format(std::cout);
+    const ClassicFormat format(std::cout);
     std::cout << "\t  Non Active Cell Number = " << gridData->NNonActiveCell << std::endl;
 }
 
@@ -246,7 +246,7 @@ void CKVX_ART_HoleCutting::CutOutsideDomainComponentCell() {
                 [this](int r) { return WallVector(*artGv, gridData->backgroundWall[r]); });
     outsideCellsCut = data.NNonActiveCell != 0;
     if (outsideCellsCut) {
-        const kvx3d::detail::ClassicFormat format(std::cout);
+        const ClassicFormat format(std::cout);
         std::cout << "\t<Succeed> Non Active Cell Number = " << data.NNonActiveCell << std::endl;
     } else {
         // [sic] the wording is part of the interface and compared as text.
@@ -261,6 +261,6 @@ void CKVX_ART_HoleCutting::CutBackgroundCells() {
     CutOneByOne(
         {data, *artGv, OversetGrid_Background, CutBehind, cutGridLayer, noGridType}, points,
         [this](int r) { return VectorOfOverlapPoint(r, *gridData, *artGv, outsideCellsCut); });
-    const kvx3d::detail::ClassicFormat format(std::cout);
+    const ClassicFormat format(std::cout);
     std::cout << "\t<Succeed> Non Active Cell Number = " << data.NNonActiveCell << std::endl;
 }

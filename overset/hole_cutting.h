@@ -61,7 +61,9 @@ public:
     int cutGridLayer;                     ///< margin of the second pair [cell sizes]
 
 private:
+    /// Scalar product of two vectors of three components, 0-based.
     double Innerproduct(double* const a, double* const b);
+    /// Length of a vector of three components, 0-based.
     double Norm(double* const a);
 };
 

@@ -23,10 +23,12 @@ struct KDtreeRect {
 /// A core from elsewhere can be searched, but it must neither grow nor be destroyed through a tree
 /// object.
 struct KDtreeCore {
-    int dim;                   ///< 3
-    KDtreeNode* root;          ///< null while the tree is empty
-    KDtreeRect* rect;          ///< bounding box of all points, null while the tree is empty
-    void (*destructor)(int*);  ///< called with the id of each node at clearing, unless null
+    int dim;           ///< 3
+    KDtreeNode* root;  ///< null while the tree is empty
+    KDtreeRect* rect;  ///< bounding box of all points, null while the tree is empty
+    /// Called with the id of each node at clearing, children before their parent; null for none. It
+    /// must not look at the nodes: their links are invalid by then.
+    void (*destructor)(int*);
 };
 
 /// One entry of a result list. A list starts with a head entry that holds no point.

@@ -1,24 +1,28 @@
 #include "faults.h"
 
+#include <stdexcept>
+
 void PlantInShape(int fault, Shape& shape) {
+    if (fault > faultCount) {
+        throw std::runtime_error("--fault takes a number from 1 to 10");
+    }
     switch (fault) {
         case 4:
             shape.hasInlet = false;
             break;
         case 6:
-            shape.y = 1.25;
+            shape.y = 1.4;
             break;
         case 7:
-            shape.inner = 0.95;
-            shape.across = 3;
+            shape.cellRatio = 1.4;
             break;
         default:
             break;
     }
 }
 
-void PlantInArrays(int fault, TwoGrids& grids) {
-    CKVX3DFiniteVolumeMesh& fvm = grids.fvm;
+void PlantInArrays(int fault, Blocks& blocks) {
+    CKVX3DFiniteVolumeMesh& fvm = blocks.fvm;
     switch (fault) {
         case 1:
             fvm.nxe[1] = -fvm.nxe[1];
@@ -32,11 +36,11 @@ void PlantInArrays(int fault, TwoGrids& grids) {
             break;
         case 5:
             for (int cell = 1; cell <= fvm.Nc; ++cell) {
-                ++grids.gv.cavityId[cell];
+                ++blocks.gv.cavityId[cell];
             }
             break;
         case 8:
-            grids.gv.oversetBCWallFace[1][2] = 1;
+            blocks.gv.oversetBCWallFace[1][2] = 1;
             break;
         case 9:
             fvm.volume[1] = 0.0;

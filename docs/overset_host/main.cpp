@@ -1,68 +1,57 @@
-// A host with an overset mesh: heat conduction from a hot cylinder in a square, on two grids.
+// A host with an overset mesh: heat conduction on a box of cells under a turned box of cells.
 //
-//     overset_host                      solves and writes overset_host_results/
-//     overset_host --output DIRECTORY   writes elsewhere
-//     overset_host --fault 7            plants a mistake (1 to 10, see faults.h), which the host
-//                                       checks report; exit code 1
+//     overset_host [--output DIRECTORY] [--n 10] [--fault 7]
 //
-// The temperature obeys dT/dt = Laplace T with T = 1 on the cylinder. The sides of the square have
-// the values of T = ln(4 / r) / ln 8, which is therefore the steady solution. The time steps double
-// until nothing changes, and each one is published. At the end the temperature is compared with
-// the formula (largest error 0.0019), and the heat that leaves the cylinder with 2 pi / ln 8.
+// --n sets the cells per unit length; --fault plants a mistake (see faults.h) that the checks find.
 //
-// How you can experiment here: refine both grids (twice n, around and across in two_grids.h divide
-// the error by 4), move the ring towards a wall or make it thinner, and read what the checks say.
+// The plate [0, 4] x [0, 4] obeys dT/dt = Laplace T, with T = sin(pi x / 4) on the side y = 4 and
+// T = 0 on the others. The time steps double until nothing changes, and each one is published. At
+// the end the temperature is compared with the formula of the steady state.
+//
+// How you can experiment here: double --n, which divides the error by 4; turn the box by another
+// angle or move it towards a wall (Shape in blocks.h), and read what the checks say.
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
+#include <map>
 #include <stdexcept>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
+#include "blocks.h"
 #include "faults.h"
 #include "fvm_operators/mat_operator.h"
+#include "host_checks/donor_search.h"
 #include "host_checks/host_checks.h"
 #include "host_checks/inspection.h"
 #include "host_checks/safe_solve.h"
-#include "stencils.h"
-#include "two_grids.h"
 
 namespace checks = kvx3d::checks;
+using checks::Point;
 
 namespace {
 
-constexpr double farRadius = 4.0;    // where the formula is zero
-constexpr double reduction = 1e-10;  // of the residual, in each time step
-
-/// The steady solution.
-double Exact(const Shape& shape, double x, double y) {
-    const double r = std::hypot(x - shape.x, y - shape.y);
-    return std::log(farRadius / r) / std::log(farRadius / shape.inner);
+double SteadyState(const Point& at) {
+    const double pi = std::acos(-1.0);
+    return std::sin(pi * at.x / 4.0) * std::sinh(pi * at.y / 4.0) / std::sinh(pi);
 }
 
-struct Options {
-    std::string output = "overset_host_results";
-    int fault = 0;  // none
-};
+using Options = std::map<std::string, std::string>;
 
 Options ReadOptions(int argc, char** argv) {
-    Options options;
+    Options options{{"--output", "overset_host_results"}, {"--n", "10"}, {"--fault", "0"}};
     for (int i = 1; i < argc; i += 2) {
-        const std::string name = argv[i];
-        if (i + 1 == argc || (name != "--output" && name != "--fault")) {
-            throw std::runtime_error("usage: overset_host [--output DIRECTORY] [--fault 1..10]");
+        const bool isKnown = i + 1 < argc && options.count(argv[i]) == 1;
+        if (!isKnown || (argv[i] != std::string("--output") && std::atoi(argv[i + 1]) <= 0)) {
+            throw std::runtime_error(
+                "usage: overset_host [--output DIRECTORY] [--n 10] [--fault 7]");
         }
-        if (name == "--output") {
-            options.output = argv[i + 1];
-        } else {
-            options.fault = std::atoi(argv[i + 1]);
-            if (options.fault < 1 || options.fault > faultCount) {
-                throw std::runtime_error("--fault takes a number from 1 to 10");
-            }
-        }
+        options[argv[i]] = argv[i + 1];
     }
     return options;
 }
@@ -70,143 +59,177 @@ Options ReadOptions(int argc, char** argv) {
 /// The implicit equation (T - T_old) V / dt = sum of gradients, with a row for each cell and ghost.
 class HeatEquation {
 public:
-    HeatEquation(TwoGrids& hostGrids, const CutMesh& cutMesh, FaceStencils& faceStencils)
-        : grids(hostGrids), cut(cutMesh), stencils(faceStencils), matrix(grids.fvm.NcAll) {
-        DeclarePattern();
-    }
-
-    /// One step of implicit Euler from grids.temperature.
-    /// @param boundaryValues  by ghost cell, 1..NcAll
-    checks::SolveReport Step(double dt, const std::vector<double>& boundaryValues) {
-        const CKVX3DFiniteVolumeMesh& fvm = grids.fvm;
-        std::vector<double> rhs = boundaryValues;
-        matrix.Clear();
-        KVX_ART_FVM::CKVX_ART_MatOperator(&matrix, &stencils.gv).PureLaplaceOperator(-1.0);
-        for (int row = 1; row <= fvm.NcAll; ++row) {
-            const bool isSolved = row <= fvm.Nc && cut.isActive[row];
-            const double diagonal = isSolved ? fvm.volume[row] / dt : 1.0;
-            matrix.AddElementValue(row, row, diagonal);
-            if (isSolved) {
-                rhs[row] = diagonal * grids.temperature[row];
-            }
-        }
-        return checks::SafeSolve(matrix, rhs.data(), grids.temperature.data(), reduction);
-    }
-
-private:
-    /// All positions before the first value: a position that is missing later costs a copy of the
-    /// whole matrix.
-    void DeclarePattern() {
-        const CKVX_ACMT_GV& gv = stencils.gv;
-        const auto declare = [&](int row, const CMAFVMFaceData& record) {
-            for (int k = 1; k <= record.idNormal[0]; ++k) {
-                matrix.AddIndex(row, record.idNormal[k]);
-            }
-        };
+    /// Lets the toolbox write the donors into Ce23; each face must have one: see Assess().
+    HeatEquation(Blocks& twoBlocks, CKVXOversetMesh& overset)
+        : blocks(twoBlocks),
+          mesh(blocks.gv, blocks.fvm),
+          search(mesh, overset),
+          boundaryValues(blocks.fvm.NcAll + 1, 0.0),
+          matrix(blocks.fvm.NcAll) {
+        gv.getKvx3dGV(&blocks.gv, &blocks.fvm);
+        gv.getKvx3dData();
         for (int row = 1; row <= gv.NcAll; ++row) {
             matrix.AddIndex(row, row);
         }
-        for (int face = 1; face <= gv.Ne; ++face) {
-            declare(gv.Ce23[0][face], gv.faceDataLeft[face]);
-            declare(gv.Ce23[1][face], gv.faceDataRight[face]);
+        FillInnerFaces(overset);
+        FillBoundaryFaces();
+    }
+
+    /// One step of implicit Euler.
+    checks::SolveReport Step(double dt) {
+        std::vector<double> rhs(gv.NcAll + 1);
+        matrix.Clear();
+        KVX_ART_FVM::CKVX_ART_MatOperator(&matrix, &gv).PureLaplaceOperator(-1.0);
+        for (int row = 1; row <= gv.NcAll; ++row) {
+            const bool isSolved = row <= gv.Nc && search.IsActive(row);
+            const double diagonal = isSolved ? blocks.fvm.volume[row] / dt : 1.0;
+            matrix.AddElementValue(row, row, diagonal);
+            rhs[row] = isSolved ? diagonal * blocks.temperature[row] : boundaryValues[row];
         }
-        const CMAFVMFaceData* const records[] = {gv.faceDataInlet, gv.faceDataOutlet,
-                                                 gv.faceDataWall};
-        for (int kind = 0; kind < 3; ++kind) {
-            const checks::BoundaryFaces faces = checks::BoundaryKinds(grids.fvm)[kind];
-            for (int face = 1; face <= faces.count; ++face) {
-                declare(faces.cell[face], records[kind][face]);
+        return checks::SafeSolve(matrix, rhs.data(), blocks.temperature.data(), 1e-10);
+    }
+
+    double LargestError() const {
+        double largest = 0.0;
+        for (int cell = 1; cell <= gv.Nc; ++cell) {
+            const double error = blocks.temperature[cell] - SteadyState(mesh.CellCenter(cell));
+            largest = search.IsActive(cell) ? std::max(largest, std::abs(error)) : largest;
+        }
+        return largest;
+    }
+
+private:
+    using Stencil = std::vector<std::pair<int, double>>;  // cells and their weights
+
+    /// Gradient along the area vector S of a face with center P, times the area. The cells are
+    /// square, so it is (T2 - T1) S.S / (S.d) between two points that are d apart.
+    /// @param cell     at the face and active
+    /// @param other    beyond it: a cell, or a ghost cell, which has the value at P
+    /// @param isDonor  `other` is a cell of the other grid. The mirrored point of `cell` takes its
+    ///                 place, with the biquadratic interpolant on 3 x 3 cells around the donor. All
+    ///                 of them are active: the hole begins two cells inside the component.
+    Stencil Gradient(int cell, const Point& P, const Point& S, int other, bool isDonor) const {
+        const Point d = 2.0 * (P - mesh.CellCenter(cell));
+        const double factor = (other > gv.Nc ? 2.0 : 1.0) * Dot(S, S) / Dot(S, d);
+        if (!isDonor) {
+            return {{cell, -factor}, {other, factor}};
+        }
+        const int row = blocks.CellsPerRow(other);
+        const Point center = mesh.CellCenter(other), to = mesh.CellCenter(cell) + d - center;
+        const Point alongI = mesh.CellCenter(other + 1) - center;
+        const Point alongJ = mesh.CellCenter(other + row) - center;
+        const auto weights = [&](const Point& along) {
+            const double s = Dot(to, along) / Dot(along, along);
+            return std::array<double, 3>{0.5 * s * (s - 1.0), 1.0 - s * s, 0.5 * s * (s + 1.0)};
+        };
+        Stencil stencil{{cell, -factor}};
+        for (const int j : {-1, 0, 1}) {
+            for (const int i : {-1, 0, 1}) {
+                const double weight = weights(alongI)[i + 1] * weights(alongJ)[j + 1];
+                stencil.emplace_back(other + i + row * j, factor * weight);
+            }
+        }
+        return stencil;
+    }
+
+    /// Fills a record, which owns its arrays, and declares the positions in the matrix before the
+    /// first value: a position that is missing later costs a copy of the whole matrix.
+    void Put(CMAFVMFaceData& record, int row, const Stencil& stencil) {
+        const int count = static_cast<int>(stencil.size());
+        record.idNormal = new int[count + 1]{count};
+        record.coefNormal = new double[count + 1];
+        for (int k = 1; k <= count; ++k) {
+            std::tie(record.idNormal[k], record.coefNormal[k]) = stencil[k - 1];
+            matrix.AddIndex(row, record.idNormal[k]);
+        }
+    }
+
+    /// Fills the active sides of the inner faces. The side of a cut cell adds nothing.
+    void FillInnerFaces(CKVXOversetMesh& overset) {
+        gv.faceDataLeft = new CMAFVMFaceData[gv.Ne + 1];  // released with gv, as all records
+        gv.faceDataRight = new CMAFVMFaceData[gv.Ne + 1];
+        for (int face = 1; face <= gv.Ne; ++face) {
+            const int cells[] = {gv.Ce23[0][face], gv.Ce23[1][face]};
+            const bool isHole = search.IsActive(cells[0]) != search.IsActive(cells[1]);
+            if (isHole) {
+                overset.ReplaceDonorIdtoNonActCellId(face);
+            }
+            for (const int side : {0, 1}) {
+                const int cell = cells[side], other = gv.Ce23[1 - side][face];
+                const Point P = mesh.InnerFaceCenter(face), S = mesh.InnerFaceArea(face);
+                Put((side == 0 ? gv.faceDataLeft : gv.faceDataRight)[face], cell,
+                    search.IsActive(cell) ? Gradient(cell, P, S, other, isHole) : Stencil());
             }
         }
     }
 
-    TwoGrids& grids;
-    const CutMesh& cut;
-    FaceStencils& stencils;
+    void FillBoundaryFaces() {
+        // Inlets, outlets, walls and symmetry planes, across which there is no gradient.
+        CMAFVMFaceData** const records[] = {&gv.faceDataInlet, &gv.faceDataOutlet, &gv.faceDataWall,
+                                            &gv.faceDataSymm};
+        for (const int kind : {0, 1, 2, 3}) {
+            const checks::BoundaryFaces faces = checks::BoundaryKinds(blocks.fvm)[kind];
+            *records[kind] = new CMAFVMFaceData[faces.count + 1];
+            for (int face = 1; face <= faces.count; ++face) {
+                const int cell = faces.cell[face], ghost = faces.ghost[face];
+                const int donor = kind == 2 ? search.NearestWallDonor(face).donor : 0;
+                const Point P = faces.Center(face), S = faces.Area(face);
+                Put((*records[kind])[face], cell,
+                    kind == 3 ? Stencil()
+                              : Gradient(cell, P, S, donor > 0 ? donor : ghost, donor > 0));
+                boundaryValues[ghost] = SteadyState(P);
+            }
+        }
+    }
+
+    Blocks& blocks;
+    const checks::MeshView mesh;
+    const checks::BoundedDonorSearch search;
+    std::vector<double> boundaryValues;  // by ghost cell
+    CKVX_ACMT_GV gv;
     CKVX_ART_MatSolver_BiCGSTAB matrix;
 };
-
-/// Values of the formula at all boundary faces, by ghost cell. On the cylinder the value is 1.
-std::vector<double> BoundaryValues(const Shape& shape, const CKVX3DFiniteVolumeMesh& fvm) {
-    std::vector<double> values(fvm.NcAll + 1, 0.0);
-    for (const checks::BoundaryFaces& faces : checks::BoundaryKinds(fvm)) {
-        for (int face = 1; face <= faces.count; ++face) {
-            values[faces.ghost[face]] = Exact(shape, faces.x[face], faces.y[face]);
-        }
-    }
-    return values;
-}
-
-/// Prints the largest error of the temperature and the heat from the cylinder.
-void Compare(const Shape& shape, const TwoGrids& grids, const CutMesh& cut,
-             const CKVX_ACMT_GV& gv) {
-    double largest = 0.0;
-    for (int cell = 1; cell <= grids.fvm.Nc; ++cell) {
-        if (cut.isActive[cell]) {
-            const double exact = Exact(shape, grids.fvm.xc[cell], grids.fvm.yc[cell]);
-            largest = std::max(largest, std::abs(grids.temperature[cell] - exact));
-        }
-    }
-    double heat = 0.0;
-    for (int face = 1; face <= grids.fvm.NWall; ++face) {
-        if (cut.outerDonor[face] == 0 && cut.mesh.Grid(grids.fvm.CWall23[face]) == 2) {
-            const CMAFVMFaceData& record = gv.faceDataWall[face];
-            for (int k = 1; k <= record.idNormal[0]; ++k) {
-                heat += record.coefNormal[k] * grids.temperature[record.idNormal[k]];
-            }
-        }
-    }
-    std::cout << "largest error of the temperature: " << largest << '\n'
-              << "heat per depth: " << heat * shape.n << ", by the formula "
-              << 2.0 * std::acos(-1.0) / std::log(farRadius / shape.inner) << '\n';
-}
 
 }  // namespace
 
 int main(int argc, char** argv) try {
     const Options options = ReadOptions(argc, argv);
-    std::filesystem::create_directories(options.output);
+    const std::string& output = options.at("--output");
+    const int fault = std::stoi(options.at("--fault"));
 
     // Step 1: fill the host objects.
     Shape shape;
-    PlantInShape(options.fault, shape);
-    TwoGrids grids(shape, options.output);
-    PlantInArrays(options.fault, grids);
+    shape.n = std::stoi(options.at("--n"));
+    PlantInShape(fault, shape);
+    Blocks blocks(shape, output);
+    PlantInArrays(fault, blocks);
 
-    // Step 2: ask whether the toolbox may set them up. It checks nothing itself: a wrong id would
-    // be read out of range.
-    const checks::Verdict verdict = checks::MaySetUp(grids.gv, grids.fvm);
+    // Step 2: ask whether the toolbox may set them up: a wrong id would be read out of range.
+    const checks::Verdict verdict = checks::MaySetUp(blocks.gv, blocks.fvm);
     std::cout << Report(verdict);
     if (!verdict) {
         return 1;
     }
 
-    // Step 3: let the toolbox cut the holes, and assess the result before any donor is taken: its
+    // Step 3: let the toolbox cut the hole, and assess the result before any donor is taken: its
     // search for a donor that does not exist would never end.
     CKVXOversetMesh overset;
-    overset.SetFVM(&grids.gv, &grids.fvm);
-    const checks::Soundness soundness = checks::Assess(grids.gv, grids.fvm, overset);
+    overset.SetFVM(&blocks.gv, &blocks.fvm);
+    const checks::Soundness soundness = checks::Assess(blocks.gv, blocks.fvm, overset);
     std::cout << Report(soundness);
-    checks::WriteInspection(options.output, grids.gv, grids.fvm, overset);  // for ParaView
+    checks::WriteInspection(output, blocks.gv, blocks.fvm, overset);  // for ParaView
     if (!soundness) {
         return 1;
     }
 
-    // Step 4: keep the decisions in tables of the host, and take the donors.
-    const checks::MeshView view(grids.gv, grids.fvm);
-    const CutMesh cut(view, overset);
-
-    // Step 5: turn geometry into stencils.
-    FaceStencils stencils(grids, cut);
-
-    // Step 6: assemble, solve and publish.
-    HeatEquation equation(grids, cut, stencils);
-    const std::vector<double> boundaryValues = BoundaryValues(shape, grids.fvm);
+    // Step 4: take the donors and turn geometry into stencils.
+    HeatEquation equation(blocks, overset);
     overset.InitializeVTKTool();
-    double time = 0.0;
-    double dt = 0.01;
+
+    // Step 5: assemble, solve and publish.
+    double time = 0.0, dt = 0.01;
     for (int step = 1; step <= 12; ++step, dt *= 2.0) {
-        const checks::SolveReport report = equation.Step(dt, boundaryValues);
+        const checks::SolveReport report = equation.Step(dt);
         time += dt;
         std::cout << "step " << step << ", t = " << time << ": " << Text(report) << '\n';
         if (!report.reached) {
@@ -216,8 +239,8 @@ int main(int argc, char** argv) try {
     }
     overset.PostRunVTKDataSMP();
 
-    // Step 7: compare with the formula.
-    Compare(shape, grids, cut, stencils.gv);
+    // Step 6: compare with the formula.
+    std::cout << "largest error of the temperature: " << equation.LargestError() << '\n';
     return 0;
 } catch (const std::exception& error) {
     std::cerr << "overset_host: " << error.what() << '\n';

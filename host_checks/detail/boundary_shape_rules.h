@@ -18,8 +18,8 @@ void CheckFaceSizes(const OuterBoundary& outer, std::vector<Fault>& faults);
 /// Component cells at the outer boundary must be about as thick as the background cells.
 void CheckLayer(const OuterBoundary& outer, std::vector<Fault>& faults);
 
-/// Neighboring faces must meet at small angles: the cut follows the plane of the nearest face and
-/// jumps at corners.
+/// Neighboring faces must not meet at a corner sharper than a right angle: the cut follows the
+/// plane of the nearest face, and the plane changes at a corner.
 void CheckSmooth(const OuterBoundary& outer, std::vector<Fault>& faults);
 
 /// Counts the faces in whose plane some other face of the same piece lies in front: in a hollow

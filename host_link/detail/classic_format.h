@@ -13,7 +13,9 @@ namespace kvx3d::detail {
 /// What the library prints is compared as text, so a number must look the same whatever the host
 /// did to std::cout or std::cerr before: decimal integers, six significant digits, no field width,
 /// and the classic locale (no thousands separators, a decimal point). The destructor restores
-/// flags, precision, width, fill character and locale, also when an exception passes through.
+/// flags, precision, width, fill character and locale, also when an exception passes through. A
+/// field width that the host has set and not yet used pads nothing printed meanwhile; it applies to
+/// the next output after that.
 ///
 ///     const kvx3d::detail::ClassicFormat format(std::cout);
 ///     std::cout << "Nc = " << Nc << '\n';

@@ -37,14 +37,17 @@ public:
     bool Empty() const { return size == 0; }
     int Size() const { return size; }
 
-    void Push(const OpenBranch& branch) {
+    /// Room for one more branch. The caller fills it in place, which is faster than a copy of a
+    /// record just written, and adds it by Keep().
+    OpenBranch& Room() {
         if (size == capacity) {
             Grow();
         }
-        base[size++] = branch;
+        return base[size];
     }
+    void Keep() { ++size; }
 
-    /// The last branch; valid until the next Push().
+    /// Removes the last branch; valid until the next Room().
     const OpenBranch& Pop() { return base[--size]; }
 
 private:
@@ -93,14 +96,14 @@ public:
           bestSq(DistanceSq(from, tree.root->pos)) {}
 
     const KDtreeNode* Run() {
-        OpenBranch branch = {core.root, 0.0, {}};
-        BoxDistances(*core.rect, query, branch.sq);
-        Descend(branch);
+        double sq[3];
+        BoxDistances(*core.rect, query, sq);
+        Descend(core.root, sq);
         while (!branches.Empty()) {
-            branch = branches.Pop();
+            const OpenBranch& branch = branches.Pop();
             fewestOpen = std::min(fewestOpen, branches.Size());
             if (branch.distSq <= bestSq) {  // an equally near node may still replace `best`
-                Descend(branch);
+                Descend(branch.node, branch.sq);
             }
         }
         return best;
@@ -108,18 +111,42 @@ public:
 
 private:
     /// Follows the near side of a subtree to its end and opens the far sides that may matter.
-    void Descend(const OpenBranch& branch) {
-        const KDtreeNode* node = branch.node;
+    ///
+    /// The loop works on copies of the query, of the box and of bestSq: a write to the list of
+    /// branches might change the members, so they would be loaded again after each.
+    void Descend(const KDtreeNode* node, const double* sq) {
+        const double q[3] = {query[0], query[1], query[2]};
+        const double boxSq[3] = {sq[0], sq[1], sq[2]};
+        double leastSq = bestSq;
         while (node) {
             const double* pos = node->pos;
             const int dir = node->dir;
-            const double d = query[dir] - pos[dir];
+            const double d = q[dir] - pos[dir];
+            const double planeSq = d * d;
             // A query on the splitting plane goes left first, although points on it lie right.
-            const KDtreeNode* near = d <= 0.0 ? node->left : node->right;
-            const KDtreeNode* far = d <= 0.0 ? node->right : node->left;
-            const bool isBest = IsBest(node, DistanceSq(query, pos));
-            if (far && !(d * d > bestSq)) {
-                OpenFar(far, branch.sq, dir, d * d);
+            const bool left = d <= 0.0;
+            const KDtreeNode* near = left ? node->left : node->right;
+            if (planeSq > leastSq) {  // too far away: the node itself and all beyond its plane
+                node = near;
+                continue;
+            }
+            const KDtreeNode* far = left ? node->right : node->left;
+            const double distSq = DistanceSq(q, pos);
+            const bool isBest = distSq < leastSq || (distSq == leastSq && WinsTie());
+            if (isBest) {
+                best = node;
+                leastSq = distSq;
+            }
+            if (far && !(planeSq > leastSq)) {
+                OpenBranch& open = branches.Room();
+                std::copy(boxSq, boxSq + 3, open.sq);
+                // 0 at a plane with a NaN coordinate: every point inserted later lies on its left.
+                open.sq[dir] = std::max(0.0, planeSq);
+                open.distSq = open.sq[0] + open.sq[1] + open.sq[2];
+                open.node = far;
+                if (open.distSq <= leastSq) {
+                    branches.Keep();
+                }
             }
             if (isBest) {
                 openAtBest = branches.Size();
@@ -127,29 +154,11 @@ private:
             }
             node = near;
         }
+        bestSq = leastSq;
     }
 
-    /// Makes the node the best one if it is nearer, or equally near and earlier.
-    bool IsBest(const KDtreeNode* node, double distSq) {
-        const bool isTie = distSq == bestSq && best != core.root && fewestOpen >= openAtBest;
-        if (!(distSq < bestSq) && !isTie) {
-            return false;
-        }
-        best = node;
-        bestSq = distSq;
-        return true;
-    }
-
-    /// Opens a far child unless its box is too far away. `sq` belongs to the parent's box.
-    void OpenFar(const KDtreeNode* far, const double* sq, int dir, double planeSq) {
-        OpenBranch branch = {far, 0.0, {sq[0], sq[1], sq[2]}};
-        // 0 at a plane with a NaN coordinate: every point inserted later lies on its left.
-        branch.sq[dir] = std::max(0.0, planeSq);
-        branch.distSq = branch.sq[0] + branch.sq[1] + branch.sq[2];
-        if (branch.distSq <= bestSq) {
-            branches.Push(branch);
-        }
-    }
+    /// True if an equally near node, measured now, comes before `best`.
+    bool WinsTie() const { return best != core.root && fewestOpen >= openAtBest; }
 
     const KDtreeCore& core;
     const double query[3];

@@ -12,7 +12,7 @@ namespace {
 /// are -x, +x, -y, +y, -z, +z.
 using FaceCoefficient = std::function<double(int k, int direction)>;
 
-/// Cells exchange by faces; `wall` says whether a wall face weighs on the diagonal too.
+/// Each face couples two cells; `wall` says whether a wall face contributes to the diagonal too.
 Problem GridProblem(int m, bool wall, const FaceCoefficient& coefficient) {
     Problem problem;
     const int step[3] = {1, m, m * m};
@@ -91,7 +91,7 @@ double LargestError(const Problem& problem, const std::vector<double>& x) {
     double largest = 0.0;
     for (int i = 0; i < problem.n; ++i) {
         const double error = std::fabs(x[i] - problem.exact[i]);
-        largest = error <= largest ? largest : error;  // a NaN gets through
+        largest = error <= largest ? largest : error;  // a NaN is kept
     }
     return largest;
 }

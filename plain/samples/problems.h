@@ -3,8 +3,8 @@
 
 #include <vector>
 
-/// A system in the form solveMatrix() takes, its known solution beside it: arrays addressed from
-/// 0, numbers from 1, the diagonal first in each row, rhs = A times exact.
+/// A system in the form that solveMatrix() takes, with its known solution: arrays addressed from 0,
+/// row and column numbers from 1, the diagonal first in each row, rhs = A times exact.
 struct Problem {
     int n = 0;
     std::vector<int> Ia, Ja;
@@ -19,7 +19,7 @@ struct Problem {
     };
     void AddRow(double diagonal, const std::vector<Neighbor>& neighbors);
 
-    /// Chooses `exact` at random in [-1, 1] and the right-hand side that belongs to it.
+    /// Chooses `exact` at random in [-1, 1] and computes the right-hand side from it.
     void ChooseSolution(unsigned seed);
 };
 
@@ -39,21 +39,23 @@ Problem ConvectionDiffusion(int m, double peclet);
 Problem JumpingDiffusion(int m, double jump);
 /// Diffusion with closed walls, the first cell fixed by an identity row.
 Problem NeumannWithOneFixedCell(int m);
-/// Diffusion with closed walls and no fixed cell: singular, the right-hand side consistent.
+/// Diffusion with closed walls and no fixed cell: singular, with a consistent right-hand side.
 Problem PureNeumann(int m);
 
-// The same problems made harder; all keep `exact`.
+// Changes that make a problem harder. All of them keep `exact`.
 
 /// Negates about half of the rows and their right-hand sides.
 void NegateHalfOfTheRows(Problem& problem, unsigned seed);
-/// Turns about 30 % of the rows into identity rows, as for blanked cells; the entries stay, as 0.
+/// Turns about 30 % of the rows into identity rows, as for blanked cells. Their other entries stay
+/// stored with the value 0.
 void BlankCells(Problem& problem, unsigned seed);
 /// Multiplies each row and its right-hand side by 10^u, u uniform in [-6, 6].
 void ScaleRows(Problem& problem, unsigned seed);
 
-/// `perRow` neighbors a row at random, values in [-1, 1], the diagonal about half their sum.
+/// `perRow` random neighbors in each row with values in [-1, 1]; the diagonal is about half the sum
+/// of their magnitudes.
 Problem RandomSparse(int n, int perRow, unsigned seed);
-/// Full matrix; `dominance` times the sum of a row's magnitudes is its diagonal.
+/// A full matrix. The diagonal of a row is `dominance` times the sum of its magnitudes.
 Problem Dense(int n, double dominance, unsigned seed);
 
 #endif

@@ -41,9 +41,10 @@ TEST_P(MeshRuleOfShape, IsReportedOnceWhenBroken) {
     ExpectFault(FaultsOf(host), GetParam().rule, GetParam().words);
 }
 
-/// Radius of a square with the half side 1.
-double SquareRadius(double angle) {
-    return 1.0 / std::max(std::abs(std::cos(angle)), std::abs(std::sin(angle)));
+/// Radius of an equilateral triangle with the inner radius 0.65 and a corner at the angle 0.
+double TriangleRadius(double angle) {
+    const double third = 2.0 * std::acos(-1.0) / 3.0;
+    return 0.65 / std::cos(std::remainder(angle - third / 2.0, third));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -98,10 +99,13 @@ INSTANTIATE_TEST_SUITE_P(
               Rule::OuterLayer,
               [](AnnulusShape& s) { s.across = 4; },
               {"at the overset boundary is 1.7", "0.7 to 1.5 cells thick"}},
-        Shape{"SquareBoundary",
+        Shape{"TriangularBoundary",
               Rule::SmoothBoundary,
-              [](AnnulusShape& s) { s.outerRadius = SquareRadius; },
-              {" meet at 90 degrees (and 3 more)", "its faces may turn by 45"}},
+              [](AnnulusShape& s) {
+                  s.around = 81;  // with a node at each corner
+                  s.outerRadius = TriangleRadius;
+              },
+              {" meet at 120 degrees (and 2 more)", "its faces may turn by 91"}},
         Shape{"HollowBoundary",
               Rule::ConvexBoundary,
               [](AnnulusShape& s) {

@@ -147,11 +147,12 @@ INSTANTIATE_TEST_SUITE_P(
                {{"n", 10}},
                {{"nr = Round((ro - ri) * n)", "nr = Round(0.5 * (ro - ri) * n)"}},
                {"at the overset boundary is 1.7", "0.7 to 1.5 cells thick"}},
-        Edited{
-            "SquareBoundary",
-            {{"n", 10}},
-            {{"Circle(111 + i) = {111 + i, 100, 111 + j}", "Line(111 + i) = {111 + i, 111 + j}"}},
-            {"meet at 90 degrees (and 3 more)", "its faces may turn by 45"}},
+        Edited{"KiteBoundary",
+               {{"n", 10}},
+               {{"Circle(111 + i) = {111 + i, 100, 111 + j}", "Line(111 + i) = {111 + i, 111 + j}"},
+                {"{cx + ro * Cos(a), cy + ro * Sin(a), 0}",
+                 "{cx + (i ? ro : 1.7) * Cos(a), cy + (i ? ro : 1.7) * Sin(a), 0}"}},
+               {"meet at 107 degrees: round", "its faces may turn by 91"}},
         Edited{
             "HollowBoundary",
             {{"n", 10}},
