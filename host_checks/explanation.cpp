@@ -1,6 +1,10 @@
 #include "host_checks/explanation.h"
 
+#include <algorithm>
+#include <cmath>
 #include <stdexcept>
+
+#include "host_checks/detail/box_tree.h"
 
 namespace kvx3d::checks {
 namespace {
@@ -24,6 +28,10 @@ std::vector<int> OuterFacesOfGroup1(const CKvx3dGV& gv) {
     return {faces + 1, faces + 1 + gv.oversetBCFaceCount[1]};
 }
 
+bool IsFinite(const Point& point) {
+    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+}
+
 }  // namespace
 
 Explainer::Explainer(const MeshView& mesh, CKVXOversetMesh& oversetMesh, int tryBound)
@@ -31,9 +39,31 @@ Explainer::Explainer(const MeshView& mesh, CKVXOversetMesh& oversetMesh, int try
       overset(oversetMesh),
       donors(mesh, oversetMesh, tryBound),
       outerFaces(OuterFacesOfGroup1(mesh.gv)),
-      wallTree(mesh.WallFaces(0, OversetGrid_Background),
-               [&](int face) { return mesh.Walls().Center(face); }),
-      outerTree(outerFaces, [&](int face) { return mesh.Walls().Center(face); }) {}
+      walls(mesh, mesh.WallFaces(0, OversetGrid_Background)),
+      outers(mesh, outerFaces) {}
+
+Explainer::~Explainer() = default;
+
+Explainer::Judges::Judges(const MeshView& mesh, const std::vector<int>& faces)
+    : tree(faces, [&](int face) { return mesh.Walls().Center(face); }) {
+    const bool areFinite = std::all_of(
+        faces.begin(), faces.end(), [&](int face) { return IsFinite(mesh.Walls().Center(face)); });
+    if (areFinite && !faces.empty()) {
+        boxes =
+            std::make_unique<BoxTree>(faces, [&](int face) { return mesh.Walls().Center(face); });
+    }
+}
+
+Explainer::Judges::~Judges() = default;
+
+/// The face that the toolbox takes, 0 if there are no faces.
+int Explainer::Judges::Nearest(const Point& center) const {
+    if (!boxes || !IsFinite(center)) {
+        return tree.Nearest(center);
+    }
+    const std::vector<int>& nearest = boxes->Nearest(center);
+    return nearest.size() == 1 ? nearest.front() : tree.Nearest(center);
+}
 
 CellExplanation Explainer::ExplainCell(int cell) const {
     CheckRange("cell", cell, view.fvm.Nc);
@@ -52,7 +82,7 @@ void Explainer::Judge(CellExplanation& cell) const {
     if (!isComponent && cell.grid != OversetGrid_Background) {
         return;
     }
-    cell.wallFace = (isComponent ? wallTree : outerTree).Nearest(cell.center);
+    cell.wallFace = (isComponent ? walls : outers).Nearest(cell.center);
     if (cell.wallFace == 0) {
         return;
     }

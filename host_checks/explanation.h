@@ -1,6 +1,7 @@
 #ifndef KVX3D_HOST_CHECKS_EXPLANATION_H
 #define KVX3D_HOST_CHECKS_EXPLANATION_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -81,11 +82,13 @@ struct WallFaceExplanation {
     double distanceInCells = 0.0;  ///< distance from the query point to the donor / cellSize
 };
 
+class BoxTree;
+
 /// Explains the decisions of a set-up CKVXOversetMesh about single cells and faces.
 ///
 /// Nothing is changed, and no search of the toolbox is called that might not end. Donors are
 /// searched with the current entries of Ce23, so explain faces before donors are written there.
-/// Cells can be explained at any time.
+/// Cells can be explained at any time. One call at a time per object.
 class KVX3D_CHECKS_API Explainer {
 public:
     /// @param mesh        view of the host objects; must outlive this object
@@ -93,6 +96,9 @@ public:
     /// @param tryBound    largest number of tree searches for a donor
     Explainer(const MeshView& mesh, CKVXOversetMesh& oversetMesh,
               int tryBound = BoundedDonorSearch::defaultMaxTries);
+    ~Explainer();
+    Explainer(const Explainer&) = delete;
+    Explainer& operator=(const Explainer&) = delete;
 
     /// @param cell  1..Nc
     /// @throws std::out_of_range  there is no such cell
@@ -108,14 +114,25 @@ public:
     const BoundedDonorSearch& Donors() const { return donors; }
 
 private:
+    /// Faces among which the nearest one judges a cell.
+    struct Judges {
+        Judges(const MeshView& mesh, const std::vector<int>& faces);
+        ~Judges();
+        int Nearest(const Point& center) const;
+
+        PointTree tree;                  // takes of equally near faces the one of the toolbox
+        std::unique_ptr<BoxTree> boxes;  // fast, but does not decide ties; null without
+                                         // faces or if a center is not finite
+    };
+
     void Judge(CellExplanation& cell) const;
 
     const MeshView& view;
     CKVXOversetMesh& overset;
     BoundedDonorSearch donors;
     std::vector<int> outerFaces;  // of component 1, in the order of the group
-    PointTree wallTree;           // physical walls of the background
-    PointTree outerTree;          // outer faces of component 1
+    Judges walls;                 // physical walls of the background
+    Judges outers;                // outer faces of component 1
 };
 
 /// The explanation in full sentences, on one line.

@@ -15,7 +15,7 @@ enum class Rule {
     Counts,                 ///< counts of nodes, cells and faces are not negative
     GhostCount,             ///< NcAll counts the cells and one ghost cell for each boundary face
     NullPointer,            ///< every array that the toolbox reads exists
-    Coordinates,            ///< coordinates of nodes and cell centers are finite
+    Coordinates,            ///< coordinates and area vectors are finite
     CellVolume,             ///< volumes are positive
     CellNodes,              ///< each cell lists its nodes by valid ids
     InnerFaceCells,         ///< an inner face lies between two different real cells

@@ -82,8 +82,9 @@ DonorSummary Summarize(const MeshView& mesh, const std::vector<FaceDonor>& donor
 
 }  // namespace
 
-Verdict MaySetUp(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& fvm) {
-    Verdict verdict{HostFaults(gv, fvm)};
+Verdict MaySetUp(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& fvm,
+                 CPartitionFace_DLL* partition) {
+    Verdict verdict{HostFaults(gv, fvm, partition)};
     if (!verdict) {
         return verdict;
     }

@@ -37,7 +37,10 @@ struct Verdict {
 /// the rules of MeshFaults(). Nothing is read out of range if each array is as long as its count
 /// says. A single grid may be set up if it has an inlet face, because the toolbox always reads
 /// inlet face 1.
-KVX3D_CHECKS_API Verdict MaySetUp(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& fvm);
+///
+/// @param partition  partition faces of a distributed run, null if there are none
+KVX3D_CHECKS_API Verdict MaySetUp(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& fvm,
+                                  CPartitionFace_DLL* partition = nullptr);
 
 /// The result of hole cutting on one grid.
 struct GridCut {

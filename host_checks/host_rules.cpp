@@ -27,37 +27,64 @@ Point CellCenter(const CKVX3DFiniteVolumeMesh& m, int cell) {
     return {m.xc[cell], m.yc[cell], m.zc[cell]};
 }
 
-std::vector<Fault> CountFaults(const CKVX3DFiniteVolumeMesh& m) {
-    std::vector<Fault> faults;
-    const std::array<std::pair<const char*, int>, 7> counts = {{{"Nn", m.Nn},
-                                                                {"Ne", m.Ne},
-                                                                {"NInlet", m.NInlet},
-                                                                {"NOutlet", m.NOutlet},
-                                                                {"NWall", m.NWall},
-                                                                {"NSymm", m.NSymm},
-                                                                {"Nc", m.Nc - 1}}};
-    for (const auto& [name, value] : counts) {
-        if (value < 0) {
-            faults.push_back(
-                {Rule::Counts, std::string(name) + " is too small", 0, 1, "give the true count"});
+using Kinds = std::vector<BoundaryFaces>;
+
+constexpr const char* partitionName = "partition";
+
+/// The four boundary kinds and, if there are any, the partition faces as a fifth one.
+Kinds AllKinds(const CKVX3DFiniteVolumeMesh& m, CPartitionFace_DLL* partition) {
+    const auto four = BoundaryKinds(m);
+    Kinds kinds(four.begin(), four.end());
+    const int n = partition != nullptr ? partition->NParInterFace() : 0;
+    if (n != 0) {  // without faces no other accessor may be called
+        BoundaryFaces faces{};
+        faces.name = partitionName;
+        faces.count = n;
+        if (n > 0) {
+            faces = {partitionName,        n,
+                     partition->ijParxc(), partition->ijParyc(),
+                     partition->ijParzc(), partition->ijParSx(),
+                     partition->ijParSy(), partition->ijParSz(),
+                     partition->ijParCV(), partition->ijPar()};
         }
+        kinds.push_back(faces);
     }
-    // Sums of 64 bits: counts that are nonsense may overflow an int.
-    const long long needed =
-        static_cast<long long>(m.Nc) + m.NInlet + m.NOutlet + m.NWall + m.NSymm;
+    return kinds;
+}
+
+std::vector<Fault> CountFaults(const CKVX3DFiniteVolumeMesh& m, const Kinds& kinds) {
+    std::vector<Fault> faults;
+    const auto check = [&](const std::string& name, int value, int least) {
+        if (value < least) {
+            faults.push_back({Rule::Counts, name + " is too small: " + std::to_string(value), 0, 1,
+                              "give the true count"});
+        }
+    };
+    check("Nc", m.Nc, 1);
+    check("Nn", m.Nn, 0);
+    check("Ne", m.Ne, 0);
+    long long needed = m.Nc;  // 64 bits: counts that are nonsense may overflow an int
+    constexpr const char* names[] = {"NInlet", "NOutlet", "NWall", "NSymm", "NParInterFace()"};
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+        check(names[i], kinds[i].count, 0);
+        needed += kinds[i].count;
+    }
     if (m.NcAll != needed) {
         faults.push_back({Rule::GhostCount,
                           "NcAll is " + std::to_string(m.NcAll) +
                               ", but cells and boundary faces together are " +
                               std::to_string(needed),
-                          0, 1, "give each boundary face one ghost cell"});
+                          0, 1,
+                          "give each boundary face one ghost cell, and pass the partition faces to "
+                          "this check if there are any"});
     }
     return faults;
 }
 
 using NamedPointers = std::vector<std::pair<const char*, const void*>>;
 
-NamedPointers RequiredPointers(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m) {
+NamedPointers RequiredPointers(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m,
+                               const Kinds& kinds) {
     NamedPointers pointers = {{"xn", m.xn},
                               {"yn", m.yn},
                               {"zn", m.zn},
@@ -66,15 +93,6 @@ NamedPointers RequiredPointers(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh&
                               {"zc", m.zc},
                               {"volume", m.volume},
                               {"cellNodes", m.cellNodes},
-                              {"xe", m.xe},
-                              {"ye", m.ye},
-                              {"ze", m.ze},
-                              {"nxe", m.nxe},
-                              {"nye", m.nye},
-                              {"nze", m.nze},
-                              {"Ce23[0]", m.Ce23[0]},
-                              {"Ce23[1]", m.Ce23[1]},
-                              {"nonmatchingFace", m.nonmatchingFace},
                               {"flowVariables[0]", gv.flowVariables[0]},
                               {"flowVariables[1]", gv.flowVariables[1]},
                               {"flowVariables[2]", gv.flowVariables[2]},
@@ -87,7 +105,18 @@ NamedPointers RequiredPointers(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh&
                               {"pProcessId", gv.pProcessId},
                               {"cavityId", gv.cavityId},
                               {"NOversetBCGroup", gv.NOversetBCGroup}};
-    for (const BoundaryFaces& kind : BoundaryKinds(m)) {
+    if (m.Ne > 0) {
+        pointers.insert(pointers.end(), {{"xe", m.xe},
+                                         {"ye", m.ye},
+                                         {"ze", m.ze},
+                                         {"nxe", m.nxe},
+                                         {"nye", m.nye},
+                                         {"nze", m.nze},
+                                         {"Ce23[0]", m.Ce23[0]},
+                                         {"Ce23[1]", m.Ce23[1]},
+                                         {"nonmatchingFace", m.nonmatchingFace}});
+    }
+    for (const BoundaryFaces& kind : kinds) {
         if (kind.count == 0) {
             continue;
         }
@@ -101,9 +130,10 @@ NamedPointers RequiredPointers(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh&
     return pointers;
 }
 
-std::vector<Fault> PointerFaults(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m) {
+std::vector<Fault> PointerFaults(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m,
+                                 const Kinds& kinds) {
     std::vector<Fault> faults;
-    for (const auto& [name, pointer] : RequiredPointers(gv, m)) {
+    for (const auto& [name, pointer] : RequiredPointers(gv, m, kinds)) {
         if (pointer == nullptr) {
             faults.push_back({Rule::NullPointer,
                               "an array of \"" + std::string(name) + "\" is null", 0, 1,
@@ -113,42 +143,61 @@ std::vector<Fault> PointerFaults(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMes
     return faults;
 }
 
-void CheckCoordinates(const CKVX3DFiniteVolumeMesh& m, std::vector<Fault>& faults) {
+void CheckCoordinates(const CKVX3DFiniteVolumeMesh& m, const Kinds& kinds,
+                      std::vector<Fault>& faults) {
     FaultCounter infinite(Rule::Coordinates);
-    const auto check = [&](const char* name, int id, double x, double y, double z) {
-        if (!std::isfinite(x) || !std::isfinite(y) || !std::isfinite(z)) {
-            infinite.Add(id, [&] { return name + std::to_string(id) + " is " + At({x, y, z}); });
+    const auto check = [&](int id, const Point& p, const std::string& what) {
+        if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z)) {
+            infinite.Add(id, [&] { return what + " " + std::to_string(id) + " is " + Triple(p); });
         }
     };
+    const std::string cellCenter = "the center of cell";
     for (int cell = 1; cell <= m.Nc; ++cell) {
-        check("the center of cell ", cell, m.xc[cell], m.yc[cell], m.zc[cell]);
+        check(cell, CellCenter(m, cell), cellCenter);
     }
+    const std::string nodePosition = "the position of node";
     for (int node = 1; node <= m.Nn; ++node) {
-        check("node ", node, m.xn[node], m.yn[node], m.zn[node]);
+        check(node, {m.xn[node], m.yn[node], m.zn[node]}, nodePosition);
     }
-    infinite.AppendTo(faults, "coordinates must be finite");
+    const std::string faceCenter = "the center of inner face";
+    const std::string faceArea = "the area vector of inner face";
+    for (int face = 1; face <= m.Ne; ++face) {
+        check(face, {m.xe[face], m.ye[face], m.ze[face]}, faceCenter);
+        check(face, {m.nxe[face], m.nye[face], m.nze[face]}, faceArea);
+    }
+    for (const BoundaryFaces& kind : kinds) {
+        const std::string center = "the center of " + std::string(kind.name) + " face";
+        const std::string area = "the area vector of " + std::string(kind.name) + " face";
+        for (int face = 1; face <= kind.count; ++face) {
+            check(face, kind.Center(face), center);
+            check(face, kind.Area(face), area);
+        }
+    }
+    infinite.AppendTo(faults, "coordinates and area vectors must be finite");
 }
 
 void CheckCells(const CKVX3DFiniteVolumeMesh& m, std::vector<Fault>& faults) {
     FaultCounter volumes(Rule::CellVolume);
     FaultCounter nodeLists(Rule::CellNodes);
+    constexpr int minNodes = 4;  // of a tetrahedron
     for (int cell = 1; cell <= m.Nc; ++cell) {
         const auto name = [&] {
             return "cell " + std::to_string(cell) + " " + At(CellCenter(m, cell));
         };
-        if (!(m.volume[cell] > 0)) {  // true for NaN as well
+        if (!(m.volume[cell] > 0) || !std::isfinite(m.volume[cell])) {  // true for NaN as well
             volumes.Add(cell, [&] { return name() + " has volume " + Digits(m.volume[cell]); });
         }
         const int* row = m.cellNodes[cell];
-        const bool isGood = row != nullptr && IsWithin(row[0], 1, m.Nn) &&
+        const bool isGood = row != nullptr && IsWithin(row[0], minNodes, m.Nn) &&
                             std::all_of(row + 1, row + 1 + row[0],
                                         [&](int node) { return IsWithin(node, 1, m.Nn); });
         if (!isGood) {
             nodeLists.Add(cell, [&] { return name() + " has no valid node list"; });
         }
     }
-    volumes.AppendTo(faults, "volumes must be positive");
-    nodeLists.AppendTo(faults, "slot 0 holds the count, then node ids " + FromTo(1, m.Nn));
+    volumes.AppendTo(faults, "volumes must be positive and finite");
+    nodeLists.AppendTo(faults,
+                       "slot 0 holds the count, at least 4, then node ids " + FromTo(1, m.Nn));
 }
 
 void CheckInnerFaces(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m,
@@ -186,12 +235,14 @@ void CheckInnerFaces(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m,
     flags.AppendTo(faults, "nonmatchingFace must be 0 or 1");
 }
 
-void CheckBoundaryFaces(const CKVX3DFiniteVolumeMesh& m, std::vector<Fault>& faults) {
-    std::vector<char> isTaken(m.NcAll + 1, 0);
+void CheckBoundaryFaces(const CKVX3DFiniteVolumeMesh& m, const Kinds& kinds,
+                        std::vector<Fault>& faults) {
+    std::vector<char> isTaken(static_cast<std::size_t>(m.NcAll) + 1, 0);
     FaultCounter cells(Rule::BoundaryFaceCell);
     FaultCounter ghosts(Rule::GhostCell);
     FaultCounter directions(Rule::BoundaryFaceDirection);
-    for (const BoundaryFaces& kind : BoundaryKinds(m)) {
+    for (const BoundaryFaces& kind : kinds) {
+        const bool isPartition = kind.name == partitionName;  // their vectors may point either way
         for (int face = 1; face <= kind.count; ++face) {
             const auto name = [&] {
                 return std::string(kind.name) + " face " + std::to_string(face) + " " +
@@ -208,7 +259,7 @@ void CheckBoundaryFaces(const CKVX3DFiniteVolumeMesh& m, std::vector<Fault>& fau
                 continue;
             }
             const Point outward = kind.Center(face) - CellCenter(m, kind.cell[face]);
-            if (!(Dot(kind.Area(face), outward) > 0)) {
+            if (!isPartition && !(Dot(kind.Area(face), outward) > 0)) {
                 directions.Add(face, name);
             }
         }
@@ -246,18 +297,20 @@ int CheckCavities(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m, std::vect
 
 }  // namespace
 
-std::vector<Fault> HostFaults(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& fvm) {
-    std::vector<Fault> faults = CountFaults(fvm);
+std::vector<Fault> HostFaults(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& fvm,
+                              CPartitionFace_DLL* partition) {
+    const Kinds kinds = AllKinds(fvm, partition);
+    std::vector<Fault> faults = CountFaults(fvm, kinds);
     if (faults.empty()) {
-        faults = PointerFaults(gv, fvm);
+        faults = PointerFaults(gv, fvm, kinds);
     }
     if (!faults.empty()) {
         return faults;  // the other rules would read out of range
     }
-    CheckCoordinates(fvm, faults);
+    CheckCoordinates(fvm, kinds, faults);
     CheckCells(fvm, faults);
     CheckInnerFaces(gv, fvm, faults);
-    CheckBoundaryFaces(fvm, faults);
+    CheckBoundaryFaces(fvm, kinds, faults);
     const int nGrids = CheckCavities(gv, fvm, faults);
     if (nGrids > 0 && faults.empty()) {
         CheckOversetGroups(gv, fvm, nGrids, faults);

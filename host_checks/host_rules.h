@@ -20,9 +20,12 @@ namespace kvx3d::checks {
 ///
 /// Array lengths cannot be checked: each array must have one slot more than its count.
 ///
+/// @param partition  partition faces of a distributed run, null if there are none: they have ghost
+///                   cells too. The direction of their area vectors is not checked.
 /// @return one fault for each broken rule; none if the objects are sound
 KVX3D_CHECKS_API std::vector<Fault> HostFaults(const CKvx3dGV& gv,
-                                               const CKVX3DFiniteVolumeMesh& fvm);
+                                               const CKVX3DFiniteVolumeMesh& fvm,
+                                               CPartitionFace_DLL* partition = nullptr);
 
 }  // namespace kvx3d::checks
 

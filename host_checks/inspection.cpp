@@ -126,7 +126,9 @@ void WriteBlock(const fs::path& path, VTK_Block& block) {
             tool.OutputRun(/*time=*/0.0, /*iteration=*/0);
         }
     }
-    fs::rename(stepDirectory / (project + "_Itr0_T0_P0_B1.vtu"), path, ignored);
+    const fs::path step = stepDirectory / (project + "_Itr0_T0_P0_B1.vtu");
+    fs::rename(step, path, ignored);
+    fs::remove(step, ignored);  // still there if `path` is a directory
     fs::remove(stepDirectory, ignored);
     fs::remove(fs::path(root) / (project + ".vtkcollection_0"), ignored);
     if (!IsComplete(path)) {

@@ -87,7 +87,9 @@ void MeshView::ReadWallGroups() {
 }
 
 void MeshView::FindThinDirection() {
-    constexpr double parallelTolerance = 1e-10;  // sine of the angle between normals
+    // Sine of the angle between normals. Far from the origin, coordinates are rounded to some
+    // 1e-8 of a cell and normals turn by as much; wedge cells turn by more than 0.01.
+    constexpr double parallelTolerance = 1e-4;
     const BoundaryFaces& symmetries = Symmetries();
     if (symmetries.count != 2 * fvm.Nc) {
         return;

@@ -78,14 +78,35 @@ int Call(CKVX_ART_MatSolver_SAMG& A, const double* b, double* x) {
 class Solve {
 public:
     Solve(CKVX_ART_SparseMatrix& matrix, const double* rightHandSide, double* solution)
-        : A(matrix), b(rightHandSide), x(solution), n(matrix.GetRowsN()), defect(n + 1, 0.0) {}
+        : A(matrix),
+          b(rightHandSide),
+          x(solution),
+          n(matrix.GetRowsN()),
+          defect(n + 1, 0.0),
+          rounding(n + 1, 0.0) {}
 
     /// Norm of b - A v; the entries stay in `defect`.
-    double Defect(double* v) {
+    ///
+    /// Summed in extended precision. Where the entries of v are huge, for example after a call on
+    /// a singular matrix, A v may cancel by chance in rounded numbers. If the bound of all rounding
+    /// errors is above `target` it is therefore added to the norm.
+    double Defect(const double* v, double target) {
+        constexpr long double epsilon = std::numeric_limits<long double>::epsilon();
         for (int row = 1; row <= n; ++row) {
-            defect[row] = b[row] - A.DotProduct(row, v);
+            long double sum = b[row];
+            long double size = std::abs(sum);
+            for (int k = A.Ia[row]; k < A.Ia[row + 1]; ++k) {
+                const long double term = static_cast<long double>(A.Aa[k]) * v[A.Ja[k]];
+                sum -= term;
+                size += std::abs(term);
+            }
+            const int nTerms = A.Ia[row + 1] - A.Ia[row] + 1;
+            defect[row] = static_cast<double>(sum);
+            rounding[row] = static_cast<double>(nTerms * epsilon * size);
         }
-        return Norm(defect.data(), n);
+        const double norm = Norm(defect.data(), n);
+        const double bound = Norm(rounding.data(), n);
+        return bound > target ? norm + bound : norm;
     }
 
     /// First guess of the correction after `failures` calls without success: zeros, the scaled
@@ -107,16 +128,17 @@ public:
     const double* b;
     double* x;
     int n;
-    Vector defect;  ///< of the vector measured last
-    Vector right;   ///< defect of the best x, divided by its norm
+    Vector defect;    ///< of the vector measured last
+    Vector rounding;  ///< bound of the rounding error of each entry of `defect`
+    Vector right;     ///< defect of the best x, divided by its norm
 };
 
 constexpr int startCount = 3;  // of Solve::Start()
 
 void CheckArguments(const CKVX_ART_SparseMatrix& A, double reduction, int maxCalls) {
-    if (!(reduction > 0.0) || maxCalls < 1) {
+    if (!(reduction > 0.0) || !std::isfinite(reduction) || maxCalls < 1) {
         throw std::invalid_argument(
-            "SafeSolve: the reduction must be above 0 and the calls at least 1");
+            "SafeSolve: the reduction must be above 0 and finite, and the calls at least 1");
     }
     const int n = A.GetRowsN();
     for (int k = 1; k < A.Ia[n + 1]; ++k) {
@@ -150,7 +172,7 @@ void Iterate(Solver& A, Solve& solve, int maxCalls, SolveReport& report) {
         for (int row = 1; row <= solve.n; ++row) {
             candidate[row] = solve.x[row] + report.residual * correction[row];
         }
-        const double residual = solve.Defect(candidate.data());
+        const double residual = solve.Defect(candidate.data(), report.target);
         if (residual < report.residual && IsFinite(candidate.data(), solve.n)) {
             std::copy(candidate.begin() + 1, candidate.end(), solve.x + 1);
             report.residual = residual;
@@ -173,11 +195,11 @@ SolveReport SolveWith(Solver& A, const double* b, double* x, double reduction, i
     SolveReport report;
     report.target = reduction * normB;
     Solve solve(A, b, x);
-    report.firstResidual = solve.Defect(x);
+    report.firstResidual = solve.Defect(x, report.target);
     report.residual = report.firstResidual;
     if (canBeSolved && (normB == 0.0 || !std::isfinite(report.firstResidual))) {
         std::fill(x + 1, x + 1 + n, 0.0);
-        report.residual = solve.Defect(x);
+        report.residual = solve.Defect(x, report.target);
     }
     if (canBeSolved) {
         Iterate(A, solve, maxCalls, report);

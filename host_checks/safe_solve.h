@@ -26,8 +26,12 @@ struct SolveReport {
 /// after its first iteration, and its breakdown tests compare with the absolute number 1e-30, so
 /// that it stops at once on a system with small entries. Each call here therefore solves for a
 /// correction of the best x so far, A d = (b - A x) / |b - A x|, whose right-hand side has the
-/// norm 1. The true residual is computed after each call, and a correction that does not lower it
-/// is dropped: the returned x is never worse than the first guess.
+/// norm 1. The true residual is computed after each call in extended precision, and a correction
+/// that does not lower it is dropped: the returned x is never worse than the first guess. Where
+/// rounding errors could hide more than the target, their bound is part of the reported residual.
+///
+/// Scaling helps against small right-hand sides, not against small matrices: MatSolve adds 1e-30
+/// to each diagonal entry, so rows whose entries are all below about 1e-28 are not solved.
 ///
 /// A call that does not lower the residual is repeated from other first guesses for d (the residual
 /// divided by the diagonal, then a fixed vector of mixed signs), since a breakdown depends on the
@@ -44,9 +48,10 @@ struct SolveReport {
 ///                           MatSolve moves the diagonal of each row to its front.
 /// @param[in]     b          right-hand side, entries 1..rowsN
 /// @param[in,out] x          first guess on entry, the best x found on return, entries 1..rowsN
-/// @param         reduction  of the residual against |b|, above 0
+/// @param         reduction  target of the residual relative to |b|, above 0 and finite
 /// @param         maxCalls   largest number of calls of MatSolve, at least 1
-/// @throws LinearSolverException  a row stores no diagonal; x is the first guess
+/// @throws LinearSolverException  a row stores no diagonal and the first guess misses the target; x
+///                                is the first guess, or zeros if that was not finite
 /// @throws std::invalid_argument  reduction or maxCalls is out of range, or A stores a column above
 ///                                rowsN
 KVX3D_CHECKS_API SolveReport SafeSolve(CKVX_ART_MatSolver_BiCGSTAB& A, const double* b, double* x,

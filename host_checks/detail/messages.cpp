@@ -1,18 +1,24 @@
 #include "host_checks/detail/messages.h"
 
 #include <array>
-#include <cstdio>
+#include <charconv>
 
 namespace kvx3d::checks {
 
 std::string Digits(double value, int digits) {
+    // Not printf: a host may have set a locale with a decimal comma.
     std::array<char, 40> text{};
-    std::snprintf(text.data(), text.size(), "%.*g", digits, value);
-    return text.data();
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
+                                   std::chars_format::general, digits);
+    return {text.data(), end.ptr};
+}
+
+std::string Triple(const Point& point) {
+    return "(" + Digits(point.x) + ", " + Digits(point.y) + ", " + Digits(point.z) + ")";
 }
 
 std::string At(const Point& point) {
-    return "at (" + Digits(point.x) + ", " + Digits(point.y) + ", " + Digits(point.z) + ")";
+    return "at " + Triple(point);
 }
 
 std::string CellAt(const MeshView& mesh, int cell) {

@@ -16,6 +16,9 @@ constexpr const char* scaleRemedy =
 /// A number with this many significant digits, in the shorter of the two notations.
 std::string Digits(double value, int digits = 6);
 
+/// "(x, y, z)" with six significant digits per coordinate.
+std::string Triple(const Point& point);
+
 /// "at (x, y, z)" with six significant digits per coordinate.
 std::string At(const Point& point);
 

@@ -100,6 +100,9 @@ std::string TableFault(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m, int 
 }  // namespace
 
 bool AreInterfaceBlocks(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m) {
+    if (m.Ne < 1) {
+        return false;  // the table of flags may be null
+    }
     const auto range = std::minmax_element(gv.cavityId + 1, gv.cavityId + m.Nc + 1);
     return *range.first == 0 && *range.second == 1 &&
            std::count(m.nonmatchingFace + 1, m.nonmatchingFace + m.Ne + 1, 1) > 0;

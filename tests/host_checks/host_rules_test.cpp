@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -51,105 +52,136 @@ void RemoveInlets(CKVX3DFiniteVolumeMesh& m) {
 
 INSTANTIATE_TEST_SUITE_P(
     OfCounts, HostRule,
-    testing::Values(
-        Broken{"NegativeCount",
-               Rule::Counts,
-               [](CKvx3dGV&, auto& m) { m.NSymm = -1; },
-               {"NSymm is too small"}},
-        Broken{"NoCells", Rule::Counts, [](CKvx3dGV&, auto& m) { m.Nc = 0; }, {"Nc is too small"}},
-        Broken{"GhostCount",
-               Rule::GhostCount,
-               [](CKvx3dGV&, auto& m) { ++m.NcAll; },
-               {"NcAll is 1841", "together are 1840"}},
-        Broken{"NullNodes",
-               Rule::NullPointer,
-               [](CKvx3dGV&, auto& m) { m.xn = nullptr; },
-               {"\"xn\" is null"}},
-        Broken{"NullField",
-               Rule::NullPointer,
-               [](CKvx3dGV& gv, auto&) { gv.flowVariables[2] = nullptr; },
-               {"\"flowVariables[2]\" is null"}},
-        Broken{"NullBoundary",
-               Rule::NullPointer,
-               [](CKvx3dGV&, auto& m) { m.idWall = nullptr; },
-               {"\"wall\" is null"}},
-        Broken{"NullDirectory",
-               Rule::NullPointer,
-               [](CKvx3dGV& gv, auto&) { gv.rootDir = nullptr; },
-               {"\"rootDir\" is null"}}),
+    testing::Values(Broken{"NegativeCount",
+                           Rule::Counts,
+                           [](CKvx3dGV&, auto& m) { m.NSymm = -1; },
+                           {"NSymm is too small: -1"}},
+                    Broken{"NoCells",
+                           Rule::Counts,
+                           [](CKvx3dGV&, auto& m) { m.Nc = 0; },
+                           {"Nc is too small: 0"}},
+                    Broken{"LeastInt",
+                           Rule::Counts,
+                           [](CKvx3dGV&, auto& m) { m.Nc = std::numeric_limits<int>::min(); },
+                           {"Nc is too small: -2147483648"}},
+                    Broken{"GhostCount",
+                           Rule::GhostCount,
+                           [](CKvx3dGV&, auto& m) { ++m.NcAll; },
+                           {"NcAll is 1841", "together are 1840"}},
+                    Broken{"NullNodes",
+                           Rule::NullPointer,
+                           [](CKvx3dGV&, auto& m) { m.xn = nullptr; },
+                           {"\"xn\" is null"}},
+                    Broken{"NullField",
+                           Rule::NullPointer,
+                           [](CKvx3dGV& gv, auto&) { gv.flowVariables[2] = nullptr; },
+                           {"\"flowVariables[2]\" is null"}},
+                    Broken{"NullBoundary",
+                           Rule::NullPointer,
+                           [](CKvx3dGV&, auto& m) { m.idWall = nullptr; },
+                           {"\"wall\" is null"}},
+                    Broken{"NullDirectory",
+                           Rule::NullPointer,
+                           [](CKvx3dGV& gv, auto&) { gv.rootDir = nullptr; },
+                           {"\"rootDir\" is null"}}),
     NameOfCase<Broken>);
 
 INSTANTIATE_TEST_SUITE_P(
     OfCellsAndFaces, HostRule,
-    testing::Values(Broken{"NodeCoordinate",
-                           Rule::Coordinates,
-                           [](CKvx3dGV&, auto& m) { m.yn[30] = std::nan(""); },
-                           {"node 30 is at (", "nan", "coordinates must be finite"}},
-                    Broken{"CellCenter",
-                           Rule::Coordinates,
-                           [](CKvx3dGV&, auto& m) { m.zc[30] = INFINITY; },
-                           {"the center of cell 30 is at (", "inf)"}},
-                    Broken{"Volume",
-                           Rule::CellVolume,
-                           [](CKvx3dGV&, auto& m) { m.volume[7] = m.volume[9] = 0.0; },
-                           {"cell 7 at (", "has volume 0 (and 1 more): volumes must be positive"}},
-                    Broken{"VolumeNaN",
-                           Rule::CellVolume,
-                           [](CKvx3dGV&, auto& m) { m.volume[3] = std::nan(""); },
-                           {"cell 3 at (", "has volume nan"}},
-                    Broken{"NodeOutOfRange",
-                           Rule::CellNodes,
-                           [](CKvx3dGV&, auto& m) { m.cellNodes[3][8] = m.Nn + 1; },
-                           {"cell 3 at (", "no valid node list", "ids from 1 to 1282"}},
-                    Broken{"NodeCountTooLarge",
-                           Rule::CellNodes,
-                           [](CKvx3dGV&, auto& m) { m.cellNodes[3][0] = m.Nn + 1; },
-                           {"cell 3 at (", "no valid node list"}},
-                    Broken{"NoNodeList",
-                           Rule::CellNodes,
-                           [](CKvx3dGV&, auto& m) { m.cellNodes[5] = nullptr; },
-                           {"cell 5 at ("}},
-                    Broken{"OwnerOutOfRange",
-                           Rule::InnerFaceCells,
-                           [](CKvx3dGV&, auto& m) { m.Ce23[0][5] = 0; },
-                           {"inner face 5 at (", "between cells 0 and",
-                            "different cells from 1 to 560"}},
-                    Broken{"OwnerIsTheNeighbor",
-                           Rule::InnerFaceCells,
-                           [](CKvx3dGV&, auto& m) { m.Ce23[1][5] = m.Ce23[0][5]; },
-                           {"inner face 5 at ("}},
-                    Broken{"NeighborIsAGhost",
-                           Rule::InnerFaceCells,
-                           [](CKvx3dGV&, auto& m) { m.Ce23[1][5] = m.Nc + 1; },
-                           {"inner face 5 at ("}},
-                    Broken{"FaceOfTwoCavities",
-                           Rule::SeparateCavities,
-                           [](CKvx3dGV&, auto& m) { m.Ce23[1][1] = 560; },
-                           {"inner face 1 at (", "between cells 1 and 560", "grids share no face"}},
-                    Broken{"InnerDirection",
-                           Rule::InnerFaceDirection,
-                           [](CKvx3dGV&, auto& m) { std::swap(m.Ce23[0][4], m.Ce23[1][4]); },
-                           {"inner face 4 at (", "from the owner to the neighbor"}},
-                    Broken{"NonmatchingFlag",
-                           Rule::NonmatchingFlag,
-                           [](CKvx3dGV&, auto& m) { m.nonmatchingFace[2] = 2; },
-                           {"inner face 2 at (", "nonmatchingFace must be 0 or 1"}},
-                    Broken{"BoundaryCell",
-                           Rule::BoundaryFaceCell,
-                           [](CKvx3dGV&, auto& m) { m.CInlet23[2] = 0; },
-                           {"inlet face 2 at (", "beside cell 0", "one from 1 to 560"}},
-                    Broken{"GhostOutOfRange",
-                           Rule::GhostCell,
-                           [](CKvx3dGV&, auto& m) { m.idOutlet[1] = m.Nc; },
-                           {"outlet face 1 at (", "ghost cell of its own from 561 to 1840"}},
-                    Broken{"GhostUsedTwice",
-                           Rule::GhostCell,
-                           [](CKvx3dGV&, auto& m) { m.idSymm[2] = m.idSymm[1]; },
-                           {"symmetry face 2 at (", "ghost cell of its own"}},
-                    Broken{"BoundaryDirection",
-                           Rule::BoundaryFaceDirection,
-                           [](CKvx3dGV&, auto& m) { m.nyWall[1] = -m.nyWall[1]; },
-                           {"wall face 1 at (", "must point out of the domain"}}),
+    testing::Values(
+        Broken{"NodeCoordinate",
+               Rule::Coordinates,
+               [](CKvx3dGV&, auto& m) { m.yn[30] = std::nan(""); },
+               {"the position of node 30 is (1.6, nan, 0)", "must be finite"}},
+        Broken{"CellCenter",
+               Rule::Coordinates,
+               [](CKvx3dGV&, auto& m) { m.zc[30] = INFINITY; },
+               {"the center of cell 30 is (", "inf)"}},
+        Broken{"InnerFaceCenter",
+               Rule::Coordinates,
+               [](CKvx3dGV&, auto& m) { m.xe[7] = std::nan(""); },
+               {"the center of inner face 7 is (nan, "}},
+        Broken{"InnerFaceArea",
+               Rule::Coordinates,
+               [](CKvx3dGV&, auto& m) { m.nxe[1] = INFINITY; },
+               {"the area vector of inner face 1 is (inf, ",
+                "coordinates and area vectors must be finite"}},
+        Broken{"BoundaryFaceCenter",
+               Rule::Coordinates,
+               [](CKvx3dGV&, auto& m) { m.xOutlet[2] = INFINITY; },
+               {"the center of outlet face 2 is (inf, "}},
+        Broken{"BoundaryFaceArea",
+               Rule::Coordinates,
+               [](CKvx3dGV&, auto& m) { m.nxWall[100] = std::nan(""); },
+               {"the area vector of wall face 100 is (nan, "}},
+        Broken{"VolumeInfinite",
+               Rule::CellVolume,
+               [](CKvx3dGV&, auto& m) { m.volume[3] = INFINITY; },
+               {"cell 3 at (", "has volume inf: volumes must be positive and finite"}},
+        Broken{"ThreeNodes",
+               Rule::CellNodes,
+               [](CKvx3dGV&, auto& m) { m.cellNodes[3][0] = 3; },
+               {"cell 3 at (", "no valid node list: slot 0 holds the count, at least 4"}},
+        Broken{"Volume",
+               Rule::CellVolume,
+               [](CKvx3dGV&, auto& m) { m.volume[7] = m.volume[9] = 0.0; },
+               {"cell 7 at (", "has volume 0 (and 1 more): volumes must be positive"}},
+        Broken{"VolumeNaN",
+               Rule::CellVolume,
+               [](CKvx3dGV&, auto& m) { m.volume[3] = std::nan(""); },
+               {"cell 3 at (", "has volume nan"}},
+        Broken{"NodeOutOfRange",
+               Rule::CellNodes,
+               [](CKvx3dGV&, auto& m) { m.cellNodes[3][8] = m.Nn + 1; },
+               {"cell 3 at (", "no valid node list", "ids from 1 to 1282"}},
+        Broken{"NodeCountTooLarge",
+               Rule::CellNodes,
+               [](CKvx3dGV&, auto& m) { m.cellNodes[3][0] = m.Nn + 1; },
+               {"cell 3 at (", "no valid node list"}},
+        Broken{"NoNodeList",
+               Rule::CellNodes,
+               [](CKvx3dGV&, auto& m) { m.cellNodes[5] = nullptr; },
+               {"cell 5 at ("}},
+        Broken{"OwnerOutOfRange",
+               Rule::InnerFaceCells,
+               [](CKvx3dGV&, auto& m) { m.Ce23[0][5] = 0; },
+               {"inner face 5 at (", "between cells 0 and", "different cells from 1 to 560"}},
+        Broken{"OwnerIsTheNeighbor",
+               Rule::InnerFaceCells,
+               [](CKvx3dGV&, auto& m) { m.Ce23[1][5] = m.Ce23[0][5]; },
+               {"inner face 5 at ("}},
+        Broken{"NeighborIsAGhost",
+               Rule::InnerFaceCells,
+               [](CKvx3dGV&, auto& m) { m.Ce23[1][5] = m.Nc + 1; },
+               {"inner face 5 at ("}},
+        Broken{"FaceOfTwoCavities",
+               Rule::SeparateCavities,
+               [](CKvx3dGV&, auto& m) { m.Ce23[1][1] = 560; },
+               {"inner face 1 at (", "between cells 1 and 560", "grids share no face"}},
+        Broken{"InnerDirection",
+               Rule::InnerFaceDirection,
+               [](CKvx3dGV&, auto& m) { std::swap(m.Ce23[0][4], m.Ce23[1][4]); },
+               {"inner face 4 at (", "from the owner to the neighbor"}},
+        Broken{"NonmatchingFlag",
+               Rule::NonmatchingFlag,
+               [](CKvx3dGV&, auto& m) { m.nonmatchingFace[2] = 2; },
+               {"inner face 2 at (", "nonmatchingFace must be 0 or 1"}},
+        Broken{"BoundaryCell",
+               Rule::BoundaryFaceCell,
+               [](CKvx3dGV&, auto& m) { m.CInlet23[2] = 0; },
+               {"inlet face 2 at (", "beside cell 0", "one from 1 to 560"}},
+        Broken{"GhostOutOfRange",
+               Rule::GhostCell,
+               [](CKvx3dGV&, auto& m) { m.idOutlet[1] = m.Nc; },
+               {"outlet face 1 at (", "ghost cell of its own from 561 to 1840"}},
+        Broken{"GhostUsedTwice",
+               Rule::GhostCell,
+               [](CKvx3dGV&, auto& m) { m.idSymm[2] = m.idSymm[1]; },
+               {"symmetry face 2 at (", "ghost cell of its own"}},
+        Broken{"BoundaryDirection",
+               Rule::BoundaryFaceDirection,
+               [](CKvx3dGV&, auto& m) { m.nyWall[1] = -m.nyWall[1]; },
+               {"wall face 1 at (", "must point out of the domain"}}),
     NameOfCase<Broken>);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -242,6 +274,44 @@ TEST(HostFaults, SoundObjectsHaveNone) {
     EXPECT_EQ(TextsOf(HostFaults(box.gv, box.fvm)), "");
 }
 
+/// Ghost cells of partition faces are above those of the boundary faces.
+TEST(HostFaults, PartitionFacesHaveGhostCellsOfTheirOwn) {
+    BoxHost host(4, 3, 2);
+    host.WithPartitionFaces();
+    ASSERT_EQ(host.partition.count, 6);
+
+    EXPECT_EQ(TextsOf(HostFaults(host.gv, host.fvm, &host.partition)), "");
+    ExpectFault(HostFaults(host.gv, host.fvm), Rule::GhostCount, {"pass the partition faces"});
+
+    host.partition.ijPar()[2] = host.partition.ijPar()[1];
+    host.partition.ijParCV()[1] = host.fvm.Nc + 1;
+
+    const std::vector<Fault> faults = HostFaults(host.gv, host.fvm, &host.partition);
+    ExpectFault(faults, Rule::GhostCell, {"partition face 2 at ("});
+    ExpectFault(faults, Rule::BoundaryFaceCell, {"partition face 1 at (", "beside cell 25"});
+}
+
+TEST(HostFaults, PartitionWithoutFacesIsAskedForItsCountOnly) {
+    BoxHost host(4, 3, 2);
+    host.partition.ResetCalls();
+
+    EXPECT_EQ(TextsOf(HostFaults(host.gv, host.fvm, &host.partition)), "");
+
+    EXPECT_EQ(host.partition.CallsOfOthers(), 0);
+}
+
+TEST(HostFaults, MeshWithoutInnerFacesMayLeaveTheirArraysNull) {
+    BoxHost host(1, 1, 1);
+    CKVX3DFiniteVolumeMesh& m = host.fvm;
+    ASSERT_EQ(m.Ne, 0);
+    for (double** array : {&m.xe, &m.ye, &m.ze, &m.nxe, &m.nye, &m.nze}) {
+        *array = nullptr;
+    }
+    m.Ce23[0] = m.Ce23[1] = m.nonmatchingFace = nullptr;
+
+    EXPECT_EQ(TextsOf(HostFaults(host.gv, host.fvm)), "");
+}
+
 TEST(HostFaults, FaultNamesTheFirstPlaceAndCountsTheOthers) {
     AnnulusHost host(SmallAnnulus());
     host.fvm.volume[12] = host.fvm.volume[40] = host.fvm.volume[41] = -1.0;
@@ -254,7 +324,7 @@ TEST(HostFaults, FaultNamesTheFirstPlaceAndCountsTheOthers) {
     EXPECT_EQ(faults[0].count, 3);
     EXPECT_EQ(Text(faults[0]),
               "cell 12 at (2.3, 0.1, 0.1) has volume -1 (and 2 more): volumes must "
-              "be positive");
+              "be positive and finite");
 }
 
 /// The group rules read the cavity of the cells beside wall faces.

@@ -260,6 +260,18 @@ TEST(InspectionFailure, NamesTheDirectoryThatCannotBeMade) {
                            "exists, is writable and is not full");
 }
 
+TEST(InspectionFailure, LeavesNothingBesideADirectoryInTheWay) {
+    const TempDirectory directory;
+    Inspected mesh(Pair());
+    fs::create_directories(directory.Path() / "cells.vtu" / "kept");
+
+    EXPECT_NE(MessageOf(mesh, directory.Text()).find("cells.vtu cannot be written"),
+              std::string::npos);
+
+    EXPECT_TRUE(fs::exists(directory.Path() / "cells.vtu" / "kept"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(directory.Path()), fs::directory_iterator()), 1);
+}
+
 TEST(InspectionFailure, NoticesAFullDiskInTheFileOfCells) {
     const TempDirectory directory;
     Inspected mesh(Pair());

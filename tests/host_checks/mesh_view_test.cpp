@@ -203,6 +203,25 @@ TEST(EdgeLength, OfAMeshOneCellThickIsInThePlane) {
     EXPECT_NEAR(view.EdgeLength(1), 0.2, 1e-14);
 }
 
+/// A turned block of 4 x 4 x 1 cells, 1e6 cells from the origin: its coordinates are rounded to
+/// 1e-10 of a cell, so its symmetry faces are parallel up to that only.
+TEST(OneCellThick, HoldsFarFromTheOrigin) {
+    const double cosine = std::cos(0.7), sine = std::sin(0.7);
+    BlockHost::Block block;
+    block.n = {4, 4, 1};
+    block.node = [=](int i, int j, int k) {
+        const Point turned = {cosine * i - sine * j, sine * i + cosine * j, 1.0 * k};
+        return Point{turned.x + 1e6, cosine * turned.y - sine * turned.z - 2e6,
+                     sine * turned.y + cosine * turned.z + 3e6};
+    };
+    block.sides = {BlockHost::inlet, BlockHost::outlet,   BlockHost::wall,
+                   BlockHost::wall,  BlockHost::symmetry, BlockHost::symmetry};
+    BlockHost host;
+    host.Add(block);
+
+    EXPECT_TRUE(MeshView(host.gv, host.fvm).IsOneCellThick());
+}
+
 TEST(OneCellThick, IsNoMeshWithTwoLayersOrASideThatIsNoSymmetry) {
     AnnulusShape layers = SmallAnnulus();
     layers.layers = 2;

@@ -119,6 +119,51 @@ TYPED_TEST(SafeSolveOf, NeverReturnsAWorseSolutionThanTheFirstGuess) {
     }
 }
 
+/// |b - A x| in extended precision.
+double ExactResidual(const CKVX_ART_SparseMatrix& A, const Vector& b, const Vector& x) {
+    long double sum = 0.0L;
+    for (int row = 1; row < static_cast<int>(b.size()); ++row) {
+        long double defect = b[row];
+        for (int k = A.Ia[row]; k < A.Ia[row + 1]; ++k) {
+            defect -= static_cast<long double>(A.Aa[k]) * x[A.Ja[k]];
+        }
+        sum += defect * defect;
+    }
+    return static_cast<double>(std::sqrt(sum));
+}
+
+/// A call on a singular matrix returns corrections of size 1e30, whose products with the rows
+/// cancel in double precision and leave a residual that looks smaller than the one before.
+TYPED_TEST(SafeSolveOf, IsNotDeceivedByCancellationOnSingularMatrices) {
+    std::mt19937 random(78);
+    std::uniform_real_distribution<double> entry(-1.0, 1.0);
+    std::uniform_int_distribution<int> column(1, 12);
+    for (int system = 0; system < 500; ++system) {
+        constexpr int n = 12;
+        TypeParam A(n);
+        for (int row = 1; row <= n; ++row) {
+            A.AddElementValue(row, row, row == n ? 0.0 : 4.0 + entry(random));
+            A.AddElementValue(row, column(random), row == n ? 0.0 : entry(random));
+        }
+        A.SetTimes(100);
+        Vector b(n + 1, 0.0);
+        Vector x(n + 1, 0.0);
+        for (int row = 1; row <= n; ++row) {
+            b[row] = entry(random);
+            x[row] = entry(random);
+        }
+        const double before = ExactResidual(A, b, x);
+
+        const SolveReport report = SafeSolve(A, b.data(), x.data(), 1e-6);
+
+        const double after = ExactResidual(A, b, x);
+        ASSERT_LE(after, before * (1 + 1e-12)) << "system " << system;
+        // May include the bound of the rounding errors.
+        ASSERT_GE(report.residual, after * (1 - 1e-12)) << "system " << system;
+        ASSERT_LE(report.residual, before * (1 + 1e-12)) << "system " << system;
+    }
+}
+
 TYPED_TEST(SafeSolveOf, GivesUpAfterThreeUselessCallsAndKeepsTheFirstGuess) {
     TypeParam A(2);
     Fill(A, {{0, 0}, {0, 0}});
@@ -216,6 +261,8 @@ TYPED_TEST(SafeSolveOf, RefusesArgumentsOutOfRange) {
 
     EXPECT_THROW(SafeSolve(A, b.data(), x.data(), 0.0), std::invalid_argument);
     EXPECT_THROW(SafeSolve(A, b.data(), x.data(), notANumber), std::invalid_argument);
+    EXPECT_THROW(SafeSolve(A, b.data(), x.data(), std::numeric_limits<double>::infinity()),
+                 std::invalid_argument);
     EXPECT_THROW(SafeSolve(A, b.data(), x.data(), 1e-6, 0), std::invalid_argument);
     EXPECT_THROW(SafeSolve(wide, b.data(), x.data(), 1e-6), std::invalid_argument);
 }
