@@ -4,6 +4,7 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -35,22 +36,16 @@ std::string ReadText(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// The messages of the parser may quote text with line ends.
-std::string OneLine(std::string text) {
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    return text;
-}
-
 /// A value for messages: itself, or its type if it is not a single value.
 std::string Shown(const toml::node& node) {
     if (const auto* text = node.as_string()) {
-        return fmt::format("\"{}\"", OneLine(text->get()));
+        return Quoted(text->get());
     }
     if (const auto* integer = node.as_integer()) {
         return fmt::format("{}", integer->get());
     }
     if (const auto* number = node.as_floating_point()) {
-        return fmt::format("{}", number->get());
+        return fmt::format("{:#}", number->get());  // 10.0 is no integer
     }
     if (const auto* flag = node.as_boolean()) {
         return flag->get() ? "true" : "false";
@@ -79,8 +74,11 @@ bool Fits(const toml::node& node, ValueKind kind) {
 
 /// A value as Option::assign() takes it.
 std::string TextOf(const toml::node& node) {
-    const auto* text = node.as_string();
-    return text ? text->get() : Shown(node);
+    if (const auto* text = node.as_string()) {
+        return text->get();
+    }
+    const auto* number = node.as_floating_point();
+    return number ? fmt::format("{}", number->get()) : Shown(node);
 }
 
 std::vector<std::string> TextsOf(const toml::node& node, ValueKind kind) {
@@ -104,6 +102,9 @@ std::vector<std::string> TextsOf(const toml::node& node, ValueKind kind) {
 }
 
 std::string MeshPath(const std::string& name, const std::string& caseFile) {
+    if (name.empty()) {
+        throw std::invalid_argument("must not be empty");
+    }
     const std::filesystem::path mesh = std::filesystem::path(caseFile).parent_path() / name;
     if (!std::filesystem::exists(mesh)) {
         throw std::invalid_argument(fmt::format("names no file: {} does not exist", mesh.string()));
@@ -111,9 +112,10 @@ std::string MeshPath(const std::string& name, const std::string& caseFile) {
     return mesh.string();
 }
 
-/// All keys in the order of the file, without `case`. The keys of a table are listed as table.key.
-/// A table that the case does not have, or a plain value with the name of a table, is listed under
-/// that name, so that it can be reported.
+/// All keys in the order of the file, without `case`. The keys of a table are listed as table.key;
+/// a key above all tables that has a dot in its name is listed with quotes, as it is written in
+/// TOML. A table that the case does not have, or a plain value with the name of a table, is listed
+/// under that name, so that it can be reported.
 std::vector<Entry> EntriesOf(const toml::table& root, const std::vector<std::string>& tableNames) {
     std::vector<Entry> entries;
     for (const auto& [key, node] : root) {
@@ -127,7 +129,8 @@ std::vector<Entry> EntriesOf(const toml::table& root, const std::vector<std::str
                     {name + "." + std::string(subKey.str()), &subNode, subKey.source().begin.line});
             }
         } else if (name != "case") {
-            entries.push_back({name, &node, key.source().begin.line});
+            const bool isQuoted = name.find('.') != std::string::npos;
+            entries.push_back({isQuoted ? Quoted(name) : name, &node, key.source().begin.line});
         }
     }
     std::stable_sort(entries.begin(), entries.end(),
@@ -145,7 +148,7 @@ void SetEntry(const Entry& entry, const std::string& caseFile, CaseOptions& opti
         throw std::runtime_error(place + " must be a table, not " + Shown(*entry.node));
     }
     if (TableOf(entry.name) == "parameters") {
-        if (!IsNumber(*entry.node)) {
+        if (!IsNumber(*entry.node) || !std::isfinite(*entry.node->value<double>())) {
             throw std::runtime_error(place + " must be a number, not " + Shown(*entry.node));
         }
         options.SetParameter(KeyOf(entry.name), *entry.node->value<double>(), place);

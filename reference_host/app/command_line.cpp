@@ -68,7 +68,7 @@ void SetByShortForm(const std::string& text, CaseOptions& options) {
         }
         options.SetParameter(parameter.name, ParseNumber(*parameter.value), "--set " + text);
     } catch (const std::invalid_argument&) {
-        throw std::runtime_error("--set takes name=number, for example n=10, not \"" + text + "\"");
+        throw std::runtime_error("--set takes name=number, for example n=10, not " + Quoted(text));
     }
 }
 
@@ -80,9 +80,18 @@ void SetParameter(const Assignment& word, CaseOptions& options) {
     }
 }
 
+/// Takes the next word as the value of a short form. A word that begins with two dashes is the next
+/// option, so the value is missing: "--output --check". "--output=--check" names such a value.
+std::string TakeValue(const std::string& shortForm, Words& words) {
+    if (words.empty() || words.front().rfind("--", 0) == 0) {
+        throw std::runtime_error(shortForm + " needs a value");
+    }
+    return TakeFirst(words);
+}
+
 /// Reads an option that begins with dashes; its value may be the next word.
 void ReadShortForm(const Assignment& word, Words& words, CaseOptions& options) {
-    const Option* option = options.Find(word.name);
+    const Option* option = options.FindShortForm(word.name);
     const bool isSet = word.name == "--set";
     if (!isSet && !option) {
         throw std::runtime_error("unknown option " + word.name + ": --help lists the options");
@@ -91,11 +100,8 @@ void ReadShortForm(const Assignment& word, Words& words, CaseOptions& options) {
     if (!value && option && option->kind == ValueKind::Flag) {
         value = "true";
     }
-    if (!value && words.empty()) {
-        throw std::runtime_error(word.name + " needs a value");
-    }
     if (!value) {
-        value = TakeFirst(words);
+        value = TakeValue(word.name, words);
     }
     if (isSet) {
         SetByShortForm(*value, options);
@@ -108,10 +114,14 @@ void ReadShortForm(const Assignment& word, Words& words, CaseOptions& options) {
 
 /// Reads an option in the notation of case files: table.key=value.
 void ReadFullName(const Assignment& word, CaseOptions& options) {
-    if (!word.value) {
-        throw std::runtime_error("\"" + word.name +
-                                 "\" is not an option: write name=value, for example "
+    if (!word.value || KeyOf(word.name).empty()) {
+        throw std::runtime_error(Quoted(word.name) +
+                                 " is not an option: write name=value, for example "
                                  "parameters.n=10; --help lists the names");
+    }
+    if (word.name == "case") {
+        throw std::runtime_error("the case is the first word or that of the case file, not case=" +
+                                 *word.value);
     }
     if (TableOf(word.name) == "parameters") {
         SetParameter(word, options);
@@ -152,8 +162,8 @@ Choice ReadChoice(Words& words) {
     }
     if (!named && !file) {
         throw std::runtime_error(
-            fmt::format("\"{}\" is no case: give one of {}, or a case file that ends in .toml",
-                        words[0], CaseNames()));
+            fmt::format("{} is no case: give one of {}, or a case file that ends in .toml",
+                        Quoted(words[0]), CaseNames()));
     }
     return {named ? named : FindCase(file->CaseName()), std::move(file)};
 }

@@ -19,6 +19,7 @@ namespace {
 
 constexpr double reduction = 1e-10;  // of the true residual, in every step
 constexpr double stepGrowth = 1.5;   // the temperature changes more slowly as it spreads
+constexpr int maxSteps = 1000;  // the time stays finite: the last step is 1e176 times the first
 
 /// Temperature 1 on the body, 0 on inlet and other walls, no heat through the outlet.
 BoundaryConditions HeatConditions(const Mesh& mesh, const OversetLink& link) {
@@ -48,10 +49,16 @@ void PrintBalance(const HeatBalance& balance, bool perDepth) {
 }
 
 struct MarchEnd {
-    SolveReport solve;  // of the last step
     double time = 0.0;
     bool interrupted = false;
+    std::string miss;  // the first step that did not converge, as a sentence; empty if all did
 };
+
+std::string MissText(int step, bool steady, const SolveReport& solve) {
+    return fmt::format("{} did not converge: residual {:.1e}, the target is {:.1e}",
+                       steady ? "the steady state" : fmt::format("time step {}", step),
+                       solve.finalResidual, solve.target);
+}
 
 /// Makes the time steps, then solves the steady state, and publishes each of them.
 MarchEnd March(const HeatCase& run, HeatProblem& heat, ResultSeries& results) {
@@ -62,11 +69,13 @@ MarchEnd March(const HeatCase& run, HeatProblem& heat, ResultSeries& results) {
     for (int i = 1; i <= run.steps + 1 && !end.interrupted; ++i, step *= stepGrowth) {
         const bool steady = i > run.steps;
         end.time += step;
-        end.solve = heat.Advance(steady ? 0.0 : step);
+        const SolveReport solve = heat.Advance(steady ? 0.0 : step);
+        if (!solve.Converged() && end.miss.empty()) {
+            end.miss = MissText(i, steady, solve);
+        }
         heat.Publish();
         results.Write(end.time, i);
-        progress.StepDone((steady ? "steady, " : "") +
-                          StatusLine(end.time, end.solve, heat.Balance()));
+        progress.StepDone((steady ? "steady, " : "") + StatusLine(end.time, solve, heat.Balance()));
         end.interrupted = !steady && interrupt.Requested();
     }
     return end;
@@ -138,7 +147,7 @@ CaseOptions OptionsOf(HeatCase& run) {
             run.parameters,
             {
                 IntegerOption({"solver.steps", "--steps", "time steps before the steady state"},
-                              run.steps, Range::Between(0, 10000)),
+                              run.steps, Range::Between(0, maxSteps)),
                 NumberOption({"solver.first_step", "--first-step", "size of the first time step"},
                              run.firstStep, Range::Between(1e-9, 1e3)),
                 SolverOption(run.matrixSolver),
@@ -168,11 +177,8 @@ int RunHeat(const HeatCase& run) {
             "Interrupted at t = {:.4g}: the results up to this time are complete.\n", end.time);
         return Interrupt::exitCode;
     }
-    if (!end.solve.Converged()) {
-        throw std::runtime_error(
-            fmt::format("{}: the steady state did not converge: residual {:.1e}, the target is "
-                        "{:.1e}",
-                        run.meshFile, end.solve.finalResidual, end.solve.target));
+    if (!end.miss.empty()) {
+        throw std::runtime_error(run.meshFile + ": " + end.miss);
     }
     return 0;
 }

@@ -63,11 +63,16 @@ void RunLevel(const MmsCase& run, std::optional<int> kind, int size,
     }
 }
 
-std::vector<OrderStudy> RunStudies(const MmsCase& run) {
-    std::vector<std::optional<int>> kinds(run.kinds.begin(), run.kinds.end());
-    if (kinds.empty()) {
-        kinds.push_back(std::nullopt);
+/// The kinds of mesh to run; one without a number if the mesh has no kinds.
+std::vector<std::optional<int>> KindsOf(const MmsCase& run) {
+    if (run.kinds.empty()) {
+        return {std::nullopt};
     }
+    return {run.kinds.begin(), run.kinds.end()};
+}
+
+std::vector<OrderStudy> RunStudies(const MmsCase& run) {
+    const std::vector<std::optional<int>> kinds = KindsOf(run);
     std::vector<OrderStudy> studies;
     Progress progress("mms", static_cast<int>(kinds.size()), std::cout, StandardOutputIsTerminal());
     for (const std::optional<int>& kind : kinds) {
@@ -137,6 +142,11 @@ std::vector<OrderStudy> RunKind(const MmsCase& run, std::optional<int> kind) {
 }
 
 int RunMms(const MmsCase& run) {
+    if (run.check) {
+        for (const std::optional<int>& kind : KindsOf(run)) {
+            RequireLimits(kind, run.sizes, !run.depth);
+        }
+    }
     const std::vector<OrderStudy> studies = RunStudies(run);
     PrintTable(studies);
     if (!run.outputDir.empty()) {

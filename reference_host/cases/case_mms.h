@@ -34,7 +34,8 @@ std::vector<OrderStudy> RunKind(const MmsCase& run, std::optional<int> kind);
 
 /// Runs the study and prints its table.
 /// @return 0; 1 if a checked figure is outside its limits
-/// @throws std::runtime_error  one line: bad mesh, output directory not writable, not converged
+/// @throws std::runtime_error  one line: bad mesh, no limits to check against, output directory not
+///         writable, not converged
 int RunMms(const MmsCase& run);
 
 }  // namespace host

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <stdexcept>
 #include <utility>
@@ -50,6 +52,23 @@ void RunLevel(const NonmatchingCase& run, std::size_t level, std::vector<OrderSt
             solver.Solve(study.scheme, DefaultMu(study.scheme), run.matrixSolver));
     }
     series.Finish();
+}
+
+void RequireSizes(const NonmatchingCase& run) {
+    if (run.n.size() != run.m.size()) {
+        throw std::runtime_error(
+            fmt::format("study.n (--n) has {} values and study.m (--m) has {}: give one m for "
+                        "each n",
+                        run.n.size(), run.m.size()));
+    }
+    // Equal sizes have no order: the logarithm of their ratio is 0.
+    if (std::adjacent_find(run.n.begin(), run.n.end(), std::greater_equal<>()) != run.n.end()) {
+        throw std::runtime_error(fmt::format(
+            "study.n (--n) must ascend from coarse to fine, not {}", fmt::join(run.n, ",")));
+    }
+    if (run.check) {
+        RequireLimits(std::nullopt, run.n, /*isPlane=*/true);
+    }
 }
 
 }  // namespace
@@ -102,12 +121,7 @@ CaseOptions OptionsOf(NonmatchingCase& run) {
 }
 
 int RunNonmatching(const NonmatchingCase& run) {
-    if (run.n.size() != run.m.size()) {
-        throw std::runtime_error(
-            fmt::format("study.n (--n) has {} values and study.m (--m) has {}: give one m for "
-                        "each n",
-                        run.n.size(), run.m.size()));
-    }
+    RequireSizes(run);
     std::vector<OrderStudy> studies;
     for (const Scheme scheme : run.schemes) {
         studies.push_back({scheme, std::nullopt, {}});

@@ -25,8 +25,8 @@ namespace host {
 /// with m cells.
 struct NonmatchingCase {
     std::string meshFile = ShippedMesh("nonmatching_blocks.geo");
-    MeshParameters parameters;  ///< further variables of the .geo
-    std::vector<int> n = {8, 16};
+    MeshParameters parameters;      ///< further variables of the .geo
+    std::vector<int> n = {8, 16};   ///< ascending
     std::vector<int> m = {12, 24};  ///< one for each n, in a fixed ratio to it
     WholeFaces whole = WholeFaces::None;
     std::vector<Scheme> schemes = {Scheme::Diffusion};
@@ -61,8 +61,8 @@ private:
 
 /// Runs the study and prints its table.
 /// @return 0; 1 if a checked figure is outside its limits
-/// @throws std::runtime_error  one line: bad mesh, n and m of different length, output directory
-///         not writable, not converged
+/// @throws std::runtime_error  one line: bad mesh, n and m of different length, n not ascending,
+///         no limits to check against, output directory not writable, not converged
 int RunNonmatching(const NonmatchingCase& run);
 
 }  // namespace host

@@ -46,9 +46,15 @@ CaseOptions::CaseOptions(std::string& meshFile_, MeshParameters& parameters_,
                                          meshFile, ValueKind::MeshFile));
 }
 
-const Option* CaseOptions::Find(const std::string& nameOrShortForm) const {
+const Option* CaseOptions::Find(const std::string& name) const {
+    const auto found = std::find_if(list.begin(), list.end(),
+                                    [&](const Option& option) { return option.name == name; });
+    return found == list.end() ? nullptr : &*found;
+}
+
+const Option* CaseOptions::FindShortForm(const std::string& shortForm) const {
     const auto found = std::find_if(list.begin(), list.end(), [&](const Option& option) {
-        return option.name == nameOrShortForm || option.shortForm == nameOrShortForm;
+        return option.shortForm == shortForm;
     });
     return found == list.end() ? nullptr : &*found;
 }

@@ -23,8 +23,10 @@ public:
 
     /// In the order in which the help lists them, `mesh.file` first; without the parameters.
     const std::vector<Option>& List() const { return list; }
-    /// The option with this name or this short form, or null.
-    const Option* Find(const std::string& nameOrShortForm) const;
+    /// The option with this name, "table.key", or null.
+    const Option* Find(const std::string& name) const;
+    /// The option with this short form, "--key", or null.
+    const Option* FindShortForm(const std::string& shortForm) const;
     /// "unknown option solver.stepps: the table solver has steps, first_step".
     std::string UnknownName(const std::string& name) const;
     /// Names of the tables that the case has, "parameters" among them.
@@ -42,7 +44,7 @@ public:
     /// @throws std::runtime_error  one line: the value is refused
     void Set(const std::string& name, const std::vector<std::string>& values,
              const std::string& place);
-    /// Sets the variable `name` of the .geo; any name is accepted until RequireComplete().
+    /// Sets the variable `name` of the .geo; any name is accepted until Complete().
     void SetParameter(const std::string& name, double value, const std::string& place);
     /// Takes mesh and parameters of another case.
     void TakeMesh(const CaseOptions& other);

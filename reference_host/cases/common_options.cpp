@@ -77,14 +77,15 @@ Option SchemesOption(std::vector<Scheme>& field) {
             fmt::format("{}", fmt::join(shown, ",")),
             [&field, choices](const std::vector<std::string>& names) {
                 std::vector<Scheme> read;
+                bool takesAll = false;
                 for (const std::string& name : names) {
                     if (name == "all") {
-                        read = allSchemes;
-                        break;
+                        takesAll = true;
+                    } else {
+                        read.push_back(ChoiceNamed(choices, name));
                     }
-                    read.push_back(ChoiceNamed(choices, name));
                 }
-                field = read;
+                field = takesAll ? allSchemes : read;
             }};
 }
 

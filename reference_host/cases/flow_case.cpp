@@ -36,8 +36,7 @@ std::vector<Option> FlowOptions(FlowCase& run) {
         SchemeOption(run.scheme),
         NumberOption({"solver.relaxation", "--relaxation",
                       "relaxation factor of the momentum equations; by default 0.9 up to 10 cells "
-                      "per diameter, "
-                      "0.95 at 20, 0.975 at 40"},
+                      "per diameter, 0.95 at 20, 0.975 at 40"},
                      run.relaxation, Range::Between(0.01, 0.999)),
         SolverOption(run.matrixSolver),
         PressureSolverOption(run.pressureSolver),

@@ -1,5 +1,6 @@
 #include "reference_host/cases/option.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -21,7 +22,7 @@ bool Parse(const std::string& text, T& value) {
 int ParseInteger(const std::string& text, const Range& range) {
     int value = 0;
     if (!Parse(text, value)) {
-        throw std::invalid_argument(fmt::format("must be an integer, not \"{}\"", text));
+        throw std::invalid_argument("must be an integer, not " + Quoted(text));
     }
     range.Require(value, text);
     return value;
@@ -33,14 +34,36 @@ double ParseNumberIn(const std::string& text, const Range& range) {
     return value;
 }
 
+/// An option for a number that may have a default or none.
+template <class Field>
+Option NumberOptionFor(const OptionNames& names, Field& field, const Range& range,
+                       const std::string& shown) {
+    return {names.name,
+            names.shortForm,
+            names.help,
+            ValueKind::Number,
+            range.Text(),
+            shown,
+            [&field, range](const auto& values) { field = ParseNumberIn(values.at(0), range); }};
+}
+
 bool ParseFlag(const std::string& text) {
     if (text != "true" && text != "false") {
-        throw std::invalid_argument(fmt::format("must be true or false, not \"{}\"", text));
+        throw std::invalid_argument("must be true or false, not " + Quoted(text));
     }
     return text == "true";
 }
 
 }  // namespace
+
+std::string OneLine(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
+std::string Quoted(const std::string& text) {
+    return '"' + OneLine(text) + '"';
+}
 
 bool IsList(ValueKind kind) {
     return kind == ValueKind::Integers || kind == ValueKind::Texts;
@@ -147,23 +170,11 @@ Option IntegersOption(const OptionNames& names, std::vector<int>& field, const R
 }
 
 Option NumberOption(const OptionNames& names, double& field, const Range& range) {
-    return {names.name,
-            names.shortForm,
-            names.help,
-            ValueKind::Number,
-            range.Text(),
-            fmt::format("{:g}", field),
-            [&field, range](const auto& values) { field = ParseNumberIn(values.at(0), range); }};
+    return NumberOptionFor(names, field, range, fmt::format("{:g}", field));
 }
 
 Option NumberOption(const OptionNames& names, std::optional<double>& field, const Range& range) {
-    return {names.name,
-            names.shortForm,
-            names.help,
-            ValueKind::Number,
-            range.Text(),
-            field ? fmt::format("{:g}", *field) : "",
-            [&field, range](const auto& values) { field = ParseNumberIn(values.at(0), range); }};
+    return NumberOptionFor(names, field, range, field ? fmt::format("{:g}", *field) : "");
 }
 
 Option TextOption(const OptionNames& names, std::string& field, ValueKind kind) {
@@ -178,7 +189,7 @@ Option TextOption(const OptionNames& names, std::string& field, ValueKind kind) 
 double ParseNumber(const std::string& text) {
     double value = 0.0;
     if (!Parse(text, value) || !std::isfinite(value)) {
-        throw std::invalid_argument(fmt::format("must be a number, not \"{}\"", text));
+        throw std::invalid_argument("must be a number, not " + Quoted(text));
     }
     return value;
 }

@@ -78,6 +78,11 @@ Option NumberOption(const OptionNames& names, std::optional<double>& field, cons
 /// Refuses the empty text.
 Option TextOption(const OptionNames& names, std::string& field, ValueKind kind = ValueKind::Text);
 
+/// The text for a message of one line: line ends become blanks.
+std::string OneLine(std::string text);
+/// The same in quotes.
+std::string Quoted(const std::string& text);
+
 /// The values that an option chooses from, by name.
 template <class Value>
 using Choices = std::vector<std::pair<std::string, Value>>;
@@ -101,7 +106,7 @@ Value ChoiceNamed(const Choices<Value>& choices, const std::string& name) {
         }
     }
     throw std::invalid_argument(
-        fmt::format("must be one of {}, not \"{}\"", NamesOf(choices), name));
+        fmt::format("must be one of {}, not {}", NamesOf(choices), Quoted(name)));
 }
 
 /// An option that names one of the choices.

@@ -106,6 +106,17 @@ StudyLimits LimitsOf(Scheme scheme, std::optional<int> kind, int size) {
     return limits;
 }
 
+void RequireLimits(std::optional<int> kind, const std::vector<int>& sizes, bool isPlane) {
+    // Whether the error has a limit does not depend on the scheme.
+    const bool hasErrorLimit =
+        isPlane && !sizes.empty() && LimitsOf(Scheme::Diffusion, kind, sizes[0]).l2;
+    if (sizes.size() < 2 && !hasErrorLimit) {
+        throw std::runtime_error(
+            "check: one size has no order, and the error has limits only on plane meshes of kind 0 "
+            "and 1 at n = 20: give two sizes in study.n (--n)");
+    }
+}
+
 double Order(double coarseError, double fineError, int coarseSize, int fineSize) {
     return std::log(coarseError / fineError) / std::log(static_cast<double>(fineSize) / coarseSize);
 }

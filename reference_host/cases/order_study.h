@@ -48,6 +48,13 @@ struct StudyLimits {
 /// discretization was measured with.
 StudyLimits LimitsOf(Scheme scheme, std::optional<int> kind, int size);
 
+/// Refuses to compare figures if there is nothing to compare them with: an order needs two sizes,
+/// and the L2 error has a limit at one size only.
+///
+/// @param kind, sizes, isPlane  of the study
+/// @throws std::runtime_error  one line
+void RequireLimits(std::optional<int> kind, const std::vector<int>& sizes, bool isPlane);
+
 /// Order of an error between a coarse and a fine level.
 double Order(double coarseError, double fineError, int coarseSize, int fineSize);
 

@@ -49,6 +49,8 @@ INSTANTIATE_TEST_SUITE_P(
                 "a.toml:2: solver.steps must be an integer, not \"12\""},
         Mistake{"NumberForInteger", "case = \"heat\"\nsolver.steps = 2.5\n",
                 "a.toml:2: solver.steps must be an integer, not 2.5"},
+        Mistake{"WholeNumberForInteger", "case = \"heat\"\nsolver.steps = 10.0\n",
+                "a.toml:2: solver.steps must be an integer, not 10.0"},
         Mistake{"FlagForNumber", "case = \"heat\"\nsolver.first_step = true\n",
                 "a.toml:2: solver.first_step must be a number, not true"},
         Mistake{"NumberForString", "case = \"heat\"\noutput.directory = 3\n",
@@ -79,6 +81,14 @@ INSTANTIATE_TEST_SUITE_P(
                 "a.toml:2: study.whole must be one of none, block0, block1, not \"block2\""},
         Mistake{"StringForParameter", "case = \"heat\"\n[parameters]\nn = \"ten\"\n",
                 "a.toml:3: parameters.n must be a number, not \"ten\""},
+        Mistake{"NanForParameter", "case = \"heat\"\n[parameters]\nn = nan\n",
+                "a.toml:3: parameters.n must be a number, not nan"},
+        Mistake{"InfinityForParameter", "case = \"heat\"\n[parameters]\nn = inf\n",
+                "a.toml:3: parameters.n must be a number, not inf"},
+        Mistake{"EmptyMesh", "case = \"heat\"\n[mesh]\nfile = \"\"\n",
+                "a.toml:3: mesh.file must not be empty"},
+        Mistake{"LineEndInAString", "case = \"heat\"\nsolver.matrix = \"a\\nb\"\n",
+                "a.toml:2: solver.matrix must be one of bicgstab, samg, not \"a b\""},
         Mistake{"UnknownParameter",
                 "case = \"heat\"\n[mesh]\nfile = \"box.geo\"\n[parameters]\nwings = 2\n",
                 "a.toml:5: parameters.wings: box.geo has no parameter wings with a Name in its "
@@ -96,6 +106,12 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"UnknownTopKey", "case = \"cylinder\"\nchek = true\n",
                 "a.toml:2: unknown option chek: without a table there is only case and check; all "
                 "others are written table.key, for example parameters.n"},
+        Mistake{"ShortForm", "case = \"cylinder\"\n\"--check\" = true\n",
+                "a.toml:2: unknown option --check: without a table there is only case and check; "
+                "all others are written table.key, for example parameters.n"},
+        Mistake{"QuotedName", "case = \"dump\"\n\"mesh.file\" = \"box.geo\"\n",
+                "a.toml:2: unknown option \"mesh.file\": the tables of this case are mesh, "
+                "parameters"},
         Mistake{"UnknownTable", "case = \"dump\"\n\n[wings]\nn = 1\n",
                 "a.toml:3: unknown table wings: the tables of this case are mesh, parameters"},
         Mistake{"ValueForTable", "case = \"dump\"\nmesh = \"box.geo\"\n",

@@ -220,6 +220,18 @@ TEST(CommandLine, MessagesNameTheOptionAsItWasWritten) {
     EXPECT_EQ(MessageOf({"heat", "--mesh"}), "--mesh needs a value");
 }
 
+TEST(CommandLine, ShortFormDoesNotTakeTheNextOptionAsItsValue) {
+    EXPECT_EQ(MessageOf({"cylinder", "--output", "--check"}), "--output needs a value");
+    EXPECT_EQ(MessageOf({"cylinder", "--set", "--check"}), "--set needs a value");
+    EXPECT_EQ(ReadAs<CylinderCase>({"cylinder", "--output=--check"}).outputDir, "--check");
+    EXPECT_THAT(ReadAs<MmsCase>({"mms", "--kind", "-1"}).kinds, ElementsAre(-1));
+}
+
+TEST(CommandLine, CaseIsNotAnOption) {
+    EXPECT_EQ(MessageOf({"cylinder", "case=heat"}),
+              "the case is the first word or that of the case file, not case=heat");
+}
+
 TEST(CommandLine, UnknownOptionsAreNamed) {
     EXPECT_EQ(MessageOf({"heat", "--wings"}), "unknown option --wings: --help lists the options");
     EXPECT_EQ(MessageOf({"heat", "solver.stepps=3"}),
@@ -231,6 +243,8 @@ TEST(CommandLine, UnknownOptionsAreNamed) {
               "unknown option n: without a table there is only case and check; all others are "
               "written table.key, for example parameters.n");
     EXPECT_THAT(MessageOf({"mms", "stray"}), HasSubstr("\"stray\" is not an option"));
+    EXPECT_THAT(MessageOf({"heat", "parameters.=3"}),
+                HasSubstr("\"parameters.\" is not an option"));
 }
 
 TEST(CommandLine, UnknownSchemeListsTheKnownOnes) {
@@ -275,6 +289,7 @@ TEST(CommandLine, EveryMistakeIsOneLine) {
     const std::vector<std::vector<std::string>> mistakes = {
         {},
         {"fly"},
+        {"f\nly"},
         {"heat"},
         {"heat", "--mesh"},
         {"heat", "--mesh", "a.geo", "--steps", "-1"},

@@ -102,6 +102,19 @@ TEST(MmsRun, PrintsATableAndWritesResultsOfASingleGrid) {
     EXPECT_NE(step.find("Name=\"Solution\""), std::string::npos);
 }
 
+TEST(MmsRun, RefusesToCheckWithoutLimits) {
+    MmsCase run;
+    run.meshFile = ShippedMesh(boxFile);
+    run.check = true;
+
+    run.kinds = {1};
+    run.sizes = {10};
+    EXPECT_THROW(host::RunMms(run), std::runtime_error);
+    run.kinds = {0, 3};
+    run.sizes = {20};
+    EXPECT_THROW(host::RunMms(run), std::runtime_error);
+}
+
 TEST(MmsRun, FigureOutsideItsLimitExitsWithOneLine) {
     MmsCase run;
     run.meshFile = ShippedMesh(boxFile);

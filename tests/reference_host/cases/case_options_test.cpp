@@ -43,7 +43,8 @@ TEST(CaseOptions, AreFoundByNameAndByShortForm) {
     const Example example;
 
     ASSERT_NE(example.options.Find("solver.steps"), nullptr);
-    EXPECT_EQ(example.options.Find("--steps"), example.options.Find("solver.steps"));
+    EXPECT_EQ(example.options.FindShortForm("--steps"), example.options.Find("solver.steps"));
+    EXPECT_EQ(example.options.Find("--steps"), nullptr);
     EXPECT_EQ(example.options.Find("steps"), nullptr);
 }
 
@@ -55,7 +56,7 @@ TEST(CaseOptions, RememberWhatWasGiven) {
     example.options.SetParameter("n", 10, "--set n=10");
 
     EXPECT_EQ(example.steps, 5);
-    EXPECT_EQ(example.options.Find("--steps")->shown, "5");
+    EXPECT_EQ(example.options.Find("solver.steps")->shown, "5");
     EXPECT_EQ(example.parameters, (MeshParameters{{"n", 10}}));
     EXPECT_TRUE(example.options.IsGiven("solver.steps"));
     EXPECT_TRUE(example.options.IsGiven("parameters.n"));

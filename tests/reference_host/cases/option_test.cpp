@@ -10,6 +10,7 @@ namespace {
 using host::Option;
 using host::Range;
 using testing::ElementsAre;
+using testing::EndsWith;
 
 const host::OptionNames names = {"table.key", "--key", "help"};
 
@@ -78,6 +79,13 @@ TEST(OptionValues, MustBeWholeTexts) {
     EXPECT_EQ(number, 7.0);
 }
 
+TEST(OptionValues, AreShownOnOneLineInMessages) {
+    int field = 7;
+
+    EXPECT_EQ(RefusalOf(IntegerOption(names, field, Range::Any()), {"1\n2"}),
+              "must be an integer, not \"1 2\"");
+}
+
 TEST(OptionValues, OfAListReplaceTheListTogether) {
     std::vector<int> field = {1, 2, 3};
     const Option option = IntegersOption(names, field, Range::Between(1, 9));
@@ -127,6 +135,14 @@ TEST(SchemesOption, TakesAllAsEveryScheme) {
     option.assign({"lud", "all"});
 
     EXPECT_EQ(field.size(), 8u);
+}
+
+TEST(SchemesOption, RefusesAnUnknownSchemeBesideAll) {
+    std::vector<host::Scheme> field = {host::Scheme::Quick};
+    const Option option = host::SchemesOption(field);
+
+    EXPECT_THAT(RefusalOf(option, {"all", "weno"}), EndsWith("not \"weno\""));
+    EXPECT_THAT(field, ElementsAre(host::Scheme::Quick));
 }
 
 }  // namespace

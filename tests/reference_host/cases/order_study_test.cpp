@@ -140,4 +140,14 @@ TEST(LevelSolver, MeasuresEachGridAndWritesOneStepPerScheme) {
     EXPECT_THAT(pvd, HasSubstr("Itr2_"));
 }
 
+TEST(OrderStudyLimits, AreMissingForASingleSizeUnlessItsErrorHasOne) {
+    EXPECT_NO_THROW(host::RequireLimits(1, {20}, /*isPlane=*/true));
+    EXPECT_NO_THROW(host::RequireLimits(3, {10, 20}, true));
+    EXPECT_NO_THROW(host::RequireLimits(std::nullopt, {6, 9}, false));
+    EXPECT_THROW(host::RequireLimits(1, {20}, false), std::runtime_error);
+    EXPECT_THROW(host::RequireLimits(1, {10}, true), std::runtime_error);
+    EXPECT_THROW(host::RequireLimits(3, {20}, true), std::runtime_error);
+    EXPECT_THROW(host::RequireLimits(std::nullopt, {20}, true), std::runtime_error);
+}
+
 }  // namespace
