@@ -132,8 +132,8 @@ private:
         return stencil;
     }
 
-    /// Fills a record, which owns its arrays, and declares its positions in the matrix. A value at a
-    /// position that was not declared costs a copy of the whole matrix.
+    /// Fills a record, which owns its arrays, and declares its positions in the matrix. A value at
+    /// a position that was not declared costs a copy of the whole matrix.
     void Put(CMAFVMFaceData& record, int row, const Stencil& stencil) {
         const int count = static_cast<int>(stencil.size());
         record.idNormal = new int[count + 1]{count};
