@@ -132,9 +132,8 @@ private:
         return stencil;
     }
 
-    /// Fills a record, which owns its arrays, and declares its positions in the matrix. All
-    /// positions are declared before the first value is added: a value at a position that was not
-    /// declared would cost a copy of the whole matrix.
+    /// Fills a record, which owns its arrays, and declares its positions in the matrix. A value at
+    /// a position that was not declared costs a copy of the whole matrix.
     void Put(CMAFVMFaceData& record, int row, const Stencil& stencil) {
         const int count = static_cast<int>(stencil.size());
         record.idNormal = new int[count + 1]{count};
@@ -205,8 +204,7 @@ int main(int argc, char** argv) try {
     Blocks blocks(shape, output);
     PlantInArrays(fault, blocks);
 
-    // Step 2: check whether the toolbox may set them up: a wrong id would lead to reads out of
-    // range.
+    // Step 2: check whether the toolbox may set them up: wrong ids lead to reads out of range.
     const checks::Verdict verdict = checks::MaySetUp(blocks.gv, blocks.fvm);
     std::cout << Report(verdict);
     if (!verdict) {
