@@ -21,7 +21,7 @@ void CheckRange(const char* name, int id, int count) {
 /// Outer faces of component 1 in the order of the toolbox, which decides between equally near
 /// faces.
 std::vector<int> OuterFacesOfGroup1(const CKvx3dGV& gv) {
-    if (gv.NOversetBCGroup[0] < 1) {
+    if (gv.NOversetBCGroup[0] < 1 || gv.oversetBCFaceCount[1] < 1) {
         return {};
     }
     const int* faces = gv.oversetBCWallFace[1];

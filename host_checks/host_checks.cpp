@@ -92,6 +92,10 @@ Verdict MaySetUp(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& fvm,
         verdict.faults.push_back({Rule::CavityIds,
                                   "the cavities 0 and 1 are blocks beside a non-matching interface",
                                   0, 1, "number cavities from 1 for an overset setup"});
+    } else if (fvm.Nc < 2) {
+        verdict.faults.push_back({Rule::LastCell, "the mesh has one cell only", 1, 1,
+                                  "the setup does not count the last cell, so give the mesh two "
+                                  "cells or more"});
     } else if (fvm.NInlet < 1) {
         verdict.faults.push_back({Rule::BackgroundInlet, "there is no inlet face", 0, 1,
                                   "the setup reads inlet face 1 also of a single grid, so give "

@@ -124,6 +124,9 @@ void CheckOversetGroups(const CKvx3dGV& gv, const CKVX3DFiniteVolumeMesh& m, int
     GroupRules rules(gv, m);
     for (int group = 1; group <= gv.NOversetBCGroup[0]; ++group) {
         const int count = gv.oversetBCFaceCount[group];
+        if (count == 0 && group >= nGrids) {
+            continue;  // no component needs it, and the toolbox reads nothing of it
+        }
         if (count < 1 || count > m.NWall || gv.oversetBCWallFace[group] == nullptr) {
             const std::string size =
                 count > m.NWall ? "more faces than there are walls" : "no face";

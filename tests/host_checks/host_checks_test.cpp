@@ -82,6 +82,15 @@ TEST(MaySetUp, AcceptsASingleGridWithAnInletOnly) {
                 {"there is no inlet face", "also of a single grid"});
 }
 
+/// The setup counts the cavities of all cells but the last; without any its tables are too short.
+TEST(MaySetUp, RefusesAMeshOfOneCell) {
+    const BoxHost one(1, 1, 1);
+    const BoxHost two(2, 1, 1);
+
+    ExpectFault(MaySetUp(one.gv, one.fvm).faults, Rule::LastCell, {"one cell only"});
+    EXPECT_TRUE(MaySetUp(two.gv, two.fvm));
+}
+
 TEST(MaySetUp, RefusesBlocksOfANonmatchingInterface) {
     BoxHost host(4, 1, 1);
     for (int cell = 1; cell <= host.fvm.Nc; ++cell) {

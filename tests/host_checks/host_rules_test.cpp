@@ -300,6 +300,21 @@ TEST(HostFaults, PartitionWithoutFacesIsAskedForItsCountOnly) {
     EXPECT_EQ(host.partition.CallsOfOthers(), 0);
 }
 
+/// The toolbox reads the first face of a group for each component only.
+TEST(HostFaults, GroupWithoutAComponentMayBeEmpty) {
+    AnnulusHost host(SmallAnnulus());
+    int count = 2;
+    int sizes[] = {0, host.gv.oversetBCFaceCount[1], 0};
+    int* rows[] = {nullptr, host.gv.oversetBCWallFace[1], nullptr};
+    host.gv.NOversetBCGroup = &count;
+    host.gv.oversetBCFaceCount = sizes;
+    host.gv.oversetBCWallFace = rows;
+    EXPECT_EQ(TextsOf(HostFaults(host.gv, host.fvm)), "");
+
+    sizes[2] = -1;
+    ExpectFault(HostFaults(host.gv, host.fvm), Rule::OversetGroupFaces, {"group 2 has no face"});
+}
+
 TEST(HostFaults, MeshWithoutInnerFacesMayLeaveTheirArraysNull) {
     BoxHost host(1, 1, 1);
     CKVX3DFiniteVolumeMesh& m = host.fvm;
