@@ -92,8 +92,8 @@ std::string CaseHelp(const CaseEntry& entry, const CaseOptions& options) {
     }
     text +=
         "\n"
-        "An option is written TABLE.KEY=VALUE, or in its short form --KEY VALUE. In a case file it "
-        "is the\nkey KEY of the table [TABLE].\n"
+        "An option is written TABLE.KEY=VALUE, or in the short form in parentheses, for example\n"
+        "--mesh FILE. In a case file it is the key KEY of the table [TABLE].\n"
         "\n";
     for (const Option& option : options.List()) {
         text += OptionHelp(option, options.IsGiven(option.name));

@@ -64,7 +64,7 @@ def draw_grids(outlines, regions, donors, png):
         right.plot(*cell[chosen].T, ".", color=color, markersize=5)
         right.plot(*donor[chosen].T, "o", color=color, markersize=5, fillstyle="none")
     right.legend(loc="lower right", fontsize=8, framealpha=1)
-    figure.savefig(png, dpi=110)
+    vtu_series.save(figure, png)
 
 
 def on_lattice(centers, values, window, step=0.05):
@@ -93,7 +93,7 @@ def draw_flow(outlines, velocity, pressure, png):
         frame(axes, window, title)
         figure.colorbar(field, ax=axes, label=label, shrink=0.9)
     panels[0].streamplot(x, y, u, v, density=1.6, color="white", linewidth=0.5, arrowsize=0.6)
-    figure.savefig(png, dpi=110)
+    vtu_series.save(figure, png)
 
 
 def draw_history(history, png):
@@ -110,7 +110,7 @@ def draw_history(history, png):
         axes.set_xlabel("iteration")
         axes.grid(alpha=0.3)
         axes.legend()
-    figure.savefig(png, dpi=110)
+    vtu_series.save(figure, png)
 
 
 def main(directory):

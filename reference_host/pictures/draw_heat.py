@@ -50,7 +50,7 @@ def main(pvd, png):
     show(right, shade, near, "Temperature across the grid boundary")
     figure.colorbar(shade, ax=[channel, left, right], label="temperature (wall 0, cylinder 1)",
                     shrink=0.8)
-    figure.savefig(png, dpi=110)
+    vtu_series.save(figure, png)
 
 
 if __name__ == "__main__":

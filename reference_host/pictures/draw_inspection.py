@@ -145,8 +145,7 @@ def main():
         axes.set_ylabel("xyz"[in_plane[1]])
     figure.suptitle(f"{options.directory}, plane {options.axis} = {at:.4g}", fontsize=9,
                     color="0.4")
-    figure.savefig(options.picture, dpi=110)
-    print("Picture:", options.picture)
+    vtu_series.save(figure, options.picture)
 
 
 if __name__ == "__main__":

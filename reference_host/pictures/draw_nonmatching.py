@@ -30,7 +30,8 @@ def picture(directory, moment, block):
                            f"*_B{block}.vtu")
     paths = glob.glob(pattern)
     if len(paths) != 1:
-        sys.exit(f"{len(paths)} files are {pattern}, not one")
+        sys.exit(f"there must be one file {pattern}, but there are {len(paths)}: give the results of "
+                 "one mesh, for example nonmatching_results/n8_m12")
     return vtu_series.flat_cells(vtu_series.read(paths[0]))
 
 
@@ -69,7 +70,7 @@ def main(directory, png):
     field.add_collection(shade)
     finish(field, "Manufactured solution across the interface")
     figure.colorbar(shade, ax=field, label="phi", shrink=0.7)
-    figure.savefig(png, dpi=110)
+    vtu_series.save(figure, png)
 
 
 if __name__ == "__main__":

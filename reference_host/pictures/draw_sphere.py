@@ -62,7 +62,7 @@ def draw_axis(axes, path):
 
 def main():
     if len(sys.argv) != 2:
-        sys.exit("draw_sphere.py takes the directory of a run's results")
+        sys.exit("usage: draw_sphere.py RESULT_DIRECTORY")
     directory = sys.argv[1]
     last = vtu_series.steps(os.path.join(directory, "VTK_Overset_Flow_Results.pvd"))[-1][1]
     figure, (left, right) = plt.subplots(1, 2, figsize=(12, 4.6), layout="constrained",
@@ -70,8 +70,7 @@ def main():
     draw_plane(figure, left, vtu_series.read(last))
     draw_axis(right, os.path.join(directory, "wake_axis.csv"))
     png = os.path.join(directory, "sphere.png")
-    figure.savefig(png, dpi=110, bbox_inches="tight")
-    print("Picture:", png)
+    vtu_series.save(figure, png, bbox_inches="tight")
 
 
 if __name__ == "__main__":

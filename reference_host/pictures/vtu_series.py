@@ -1,4 +1,5 @@
-"""Reads result files of the toolbox with VTK's own reader and makes plane outlines of cells."""
+"""Reads result files of the toolbox with VTK's own reader, makes plane outlines of cells and writes
+pictures."""
 
 import os
 import sys
@@ -28,6 +29,8 @@ def steps(pvd):
 
 def read(path):
     """The unstructured grid of one .vtu file. Ends the program if VTK cannot read it."""
+    if not os.path.isfile(path):
+        sys.exit(f"{path} does not exist")
     failures = []
     reader = vtk.vtkXMLUnstructuredGridReader()
     reader.AddObserver("ErrorEvent", lambda *_: failures.append(path))
@@ -36,6 +39,15 @@ def read(path):
     if failures:
         sys.exit(f"VTK cannot read {path}")
     return reader.GetOutput()
+
+
+def save(figure, png, **options):
+    """Writes a picture and prints its path. Ends the program if the file cannot be written."""
+    try:
+        figure.savefig(png, dpi=110, **options)
+    except OSError as error:
+        sys.exit(f"{png} cannot be written: {error.strerror}")
+    print("Picture:", png)
 
 
 def cell_array(grid, name):
