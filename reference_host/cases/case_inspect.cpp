@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 
 #include "host_checks/explanation.h"
@@ -11,6 +12,7 @@
 #include "overset/overset_mesh.h"
 #include "reference_host/cases/common_options.h"
 #include "reference_host/link/host_objects.h"
+#include "reference_host/run/picture.h"
 #include "reference_host/run/result_series.h"
 
 namespace host {
@@ -38,14 +40,24 @@ void PrintExplanations(const InspectCase& run, const kvx3d::checks::Explainer& e
     }
 }
 
-void PrintFiles(const kvx3d::checks::InspectionFiles& files, const std::string& directory) {
+void PrintFiles(const kvx3d::checks::InspectionFiles& files) {
     std::cout << fmt::format(
         "\nInspection files\n"
         "{}: all cells with grid, state, distance, margin and number of donors\n"
         "{}: the donors as lines\n"
-        "Open both in ParaView, or draw a slice:\n"
-        "    reference_host/pictures/draw_inspection.py {} inspection.png\n",
-        files.cells, files.donors, directory);
+        "Open both in ParaView.\n",
+        files.cells, files.donors);
+}
+
+void DrawPicture(const std::string& directory) {
+    const std::string picture = (std::filesystem::path(directory) / "inspection.png").string();
+    const std::string command = DrawingCommand("draw_inspection.py", {directory, picture});
+    if (Draw(command)) {
+        std::cout << "Picture: " << picture << '\n';
+    } else {
+        std::cout << "No picture was drawn. This command draws it and says what is missing:\n    "
+                  << command << '\n';
+    }
 }
 
 }  // namespace
@@ -60,6 +72,8 @@ CaseOptions OptionsOf(InspectCase& run) {
                                run.cells, ids),
                 IntegersOption({"explain.faces", "--faces", "numbers of inner faces to explain"},
                                run.faces, ids),
+                FlagOption({"output.picture", "--picture", "draw a slice as inspection.png"},
+                           run.picture),
             }};
 }
 
@@ -85,7 +99,10 @@ int RunInspect(const InspectCase& run) {
     std::cout << "\nAfter the setup\n" << Report(soundness);
     const kvx3d::checks::MeshView view(objects.gv, objects.fvm);
     const kvx3d::checks::Explainer explainer(view, overset);
-    PrintFiles(WriteInspection(run.outputDir, explainer), run.outputDir);
+    PrintFiles(WriteInspection(run.outputDir, explainer));
+    if (run.picture) {
+        DrawPicture(run.outputDir);
+    }
     PrintExplanations(run, explainer);
     return verdict && soundness ? 0 : 1;
 }

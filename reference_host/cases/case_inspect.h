@@ -22,11 +22,13 @@ struct InspectCase {
     std::string outputDir = "inspection_results";
     std::vector<int> cells;  ///< numbers of cells to explain
     std::vector<int> faces;  ///< numbers of inner faces to explain
+    bool picture = true;     ///< draw a slice, which needs Python with VTK and Matplotlib
 };
 
 CaseOptions OptionsOf(InspectCase& run);
 
-/// Prints everything on standard output and writes `cells.vtu` and `donors.vtu`.
+/// Prints everything on standard output, writes `cells.vtu` and `donors.vtu` and draws them as
+/// `inspection.png`. A picture that cannot be drawn is reported in a line with the command.
 ///
 /// @return 0 if the mesh is sound before and after the set-up, otherwise 1. With faults that make
 ///         the set-up itself unsafe nothing is set up and no file is written.

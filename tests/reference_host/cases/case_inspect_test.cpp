@@ -24,6 +24,7 @@ struct Inspection {
         run.meshFile = ShippedGeo(boxGeo);
         run.parameters = parameters;
         run.outputDir = directory.Text();
+        run.picture = false;
     }
 
     int Run() {
@@ -53,9 +54,23 @@ TEST(InspectCase, ReportsASoundMeshAndWhereItsFilesAre) {
     EXPECT_THAT(inspection.text, HasSubstr("\nAfter the setup\nbackground: 400 cells"));
     EXPECT_THAT(inspection.text,
                 HasSubstr("\n" + inspection.directory.Text() + "/cells.vtu: all cells"));
-    EXPECT_THAT(inspection.text, EndsWith("reference_host/pictures/draw_inspection.py " +
-                                          inspection.directory.Text() + " inspection.png\n"));
+    EXPECT_THAT(inspection.text, EndsWith("Open both in ParaView.\n"));
     EXPECT_TRUE(inspection.HasFiles());
+}
+
+TEST(InspectCase, DrawsAPictureOrSaysHowToDrawIt) {
+    Inspection inspection({{"n", 5}, {"kind", 0}});
+    inspection.run.picture = true;
+
+    EXPECT_EQ(inspection.Run(), 0);
+
+    const std::string picture = inspection.directory.Text() + "/inspection.png";
+    if (fs::exists(picture)) {
+        EXPECT_THAT(inspection.text, EndsWith("\nPicture: " + picture + "\n"));
+    } else {
+        EXPECT_THAT(inspection.text, HasSubstr("\nNo picture was drawn."));
+        EXPECT_THAT(inspection.text, EndsWith("'" + picture + "'\n"));
+    }
 }
 
 TEST(InspectCase, ExplainsTheCellsAndFacesThatItIsGiven) {
