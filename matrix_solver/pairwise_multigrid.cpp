@@ -16,7 +16,7 @@
 namespace kvx3d_solver {
 namespace {
 
-// The figures behind these constants are in docs/matrix_solver.md.
+// docs/matrix_solver.md has the measurements that led to these constants.
 constexpr int matchings = 3;            // per level: up to 2^3 rows in an aggregate
 constexpr int coarsestRows = 300;       // coarsening stops here
 constexpr int largestCoarsest = 1000;   // rows that the dense LU may still get; more is a stall
