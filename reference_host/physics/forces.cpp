@@ -64,14 +64,11 @@ Vec3 ForceOnBody(const Momentum& momentum, const FlowFields& fields) {
     for (const int face : BodyFaces(builder.mesh, builder.link)) {
         const CMAFVMFaceData& record = momentum.records.AtBoundary(Boundary::Wall, face);
         const Vec3& area = builder.mesh.Faces(Boundary::Wall)[face].area;  // into the body
-        const Vec3 n = area.normalized();
-        Vec3 stress;
-        for (int component = 0; component < 3; ++component) {
-            stress[component] =
+        force += fields.pressure[builder.objects.Ghost(Boundary::Wall, face)] * area;
+        for (int component = 0; component < momentum.Dimensions(); ++component) {
+            force[component] -=
                 momentum.mu * Apply(record.idNormal, record.coefNormal, fields.velocity[component]);
         }
-        const double pressure = fields.pressure[builder.objects.Ghost(Boundary::Wall, face)];
-        force += pressure * area - (stress - n * n.dot(stress));
     }
     return force;
 }

@@ -46,6 +46,16 @@ public:
     const std::vector<double>& Coefficients() const { return coefficients; }
     /// Number of velocity components that are solved.
     int Dimensions() const { return dimensions; }
+    /// The scheme of the convection terms.
+    Scheme ConvectionScheme() const { return scheme; }
+    /// Whether the matrix contains viscous stress at a boundary face; not under a zero gradient.
+    bool IsViscousAt(Boundary kind, int face) const {
+        return conditions.velocity[0].At(kind, face).kind != GhostCondition::Kind::ZeroGradient;
+    }
+    /// Contribution of the normal viscous stress at a symmetry plane to the right-hand side.
+    /// @param velocity  of the cell beside the face
+    double NormalStressAtSymmetry(const BoundaryFace& face, const Vec3& velocity,
+                                  int component) const;
 
     const StencilBuilder builder;
     StencilRecords records;
@@ -55,8 +65,6 @@ public:
 private:
     void SumDiffusionWeights();
     void SumCoefficients(const CMAFVMFaceVariableAll& flux);
-    double NormalStressAtSymmetry(const BoundaryFace& face, const Vec3& velocity,
-                                  int component) const;
     std::vector<double> RightHandSide(const std::vector<Vec3>& pressureGradient,
                                       const FlowFields& fields, int component) const;
 

@@ -249,7 +249,7 @@ TEST(Forces, LinearPressureGivesBuoyancy) {
     EXPECT_NEAR(force.z(), 0.0, 1e-12);
 }
 
-TEST(Forces, ViscousForceIsThatOfTheTangentialStress) {
+TEST(Forces, ViscousForceIsThatOfTheWholeNormalDerivative) {
     OutputCapture quiet;
     Parts parts(channel5);
     FlowFields fields(parts.c.objects.CellAndGhostCount());
@@ -262,11 +262,11 @@ TEST(Forces, ViscousForceIsThatOfTheTangentialStress) {
 
     const Vec3 force = host::ForceOnBody(parts.momentum, fields);
 
-    // For a cylinder that moves along x through fluid at rest, the stress on each face is mu / d
-    // without its normal part; the integral of 1 - n_x^2 over a circle is half its length.
+    // For a cylinder that moves along x through fluid at rest, mu du/dn is mu / d on each face,
+    // with its part normal to the face.
     const int sides = 40;
     const double perimeter = sides * std::sin(std::acos(-1.0) / sides);
-    EXPECT_NEAR(force.x(), -0.5 * 0.05 / wallDistance * perimeter * parts.c.mesh.Depth(), 1e-9);
+    EXPECT_NEAR(force.x(), -0.05 / wallDistance * perimeter * parts.c.mesh.Depth(), 1e-9);
     EXPECT_NEAR(force.y(), 0.0, 1e-9);  // nodes of Gmsh are on the arc to about 1e-11
 }
 
