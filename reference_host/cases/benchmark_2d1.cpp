@@ -38,16 +38,19 @@ InletProfile Inflow(const Mesh& mesh) {
     };
 }
 
+double ForceUnit(const Mesh& mesh) {
+    return 0.5 * mesh.Depth();
+}
+
 Result Measure(const FlowSolver& flow) {
     constexpr double pressureUnit = 0.04;  // the benchmark's mean velocity 0.2, squared
     const Momentum& momentum = flow.MomentumPart();
-    const double depth = momentum.builder.mesh.Depth();
-    const Vec3 force = ForceOnBody(momentum, flow.Fields());
+    const Vec3 force = ForceOnBody(momentum, flow.Fields()) / ForceUnit(momentum.builder.mesh);
     const StagnationPressures stagnation =
         PressuresAtStagnation(momentum.builder, flow.Fields().pressure);
     Result result;
-    result.cd = 2.0 * force.x() / depth;
-    result.cl = 2.0 * force.y() / depth;
+    result.cd = force.x();
+    result.cl = force.y();
     result.dp = pressureUnit * (stagnation.front - stagnation.back);
     result.massDefect = flow.MassDefect();
     return result;

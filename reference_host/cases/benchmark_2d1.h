@@ -39,6 +39,9 @@ struct Result {
     int iterations = 0;
 };
 
+/// Force with the coefficient 1: half the depth of the mesh.
+double ForceUnit(const Mesh& mesh);
+
 /// The figures of the present flow, without the iterations.
 Result Measure(const FlowSolver& flow);
 

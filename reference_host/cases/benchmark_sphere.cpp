@@ -30,9 +30,12 @@ Vec3 Stream() {
     return {1.0, 0.0, 0.0};
 }
 
+double ForceUnit() {
+    return 0.5 * std::acos(-1.0) * radius * radius;
+}
+
 Vec3 ForceCoefficient(const FlowSolver& flow) {
-    const double area = std::acos(-1.0) * radius * radius;
-    return ForceOnBody(flow.MomentumPart(), flow.Fields()) / (0.5 * area);
+    return ForceOnBody(flow.MomentumPart(), flow.Fields()) / ForceUnit();
 }
 
 std::vector<AxisPoint> WakeAxis(const FlowSolver& flow, double end, double step) {

@@ -40,6 +40,9 @@ struct Result {
     int iterations = 0;
 };
 
+/// Force with the coefficient 1: half the frontal area of the sphere.
+double ForceUnit();
+
 /// Force coefficients of the present flow: drag and the two components of the side force.
 Vec3 ForceCoefficient(const FlowSolver& flow);
 

@@ -47,6 +47,8 @@ public:
         return {now.cd, now.cl};
     }
 
+    double ForceUnit(const Mesh& mesh) const override { return benchmark2d1::ForceUnit(mesh); }
+
     void Report(const FlowRun& flowRun, const Mesh& mesh) override {
         result = benchmark2d1::Measure(flowRun.Flow());
         result.iterations = flowRun.IterationCount();

@@ -66,6 +66,8 @@ public:
         return {force.x(), force.y()};
     }
 
+    double ForceUnit(const Mesh&) const override { return benchmarksphere::ForceUnit(); }
+
     void Report(const FlowRun& flowRun, const Mesh& mesh) override {
         WriteWakeAxis(flowRun.Flow(), run.outputDir);
         result = benchmarksphere::Measure(flowRun.Flow());

@@ -18,13 +18,14 @@ FlowSettings SolverSettings(const FlowCase& run, const FlowProblem& problem, con
     return settings;
 }
 
-FlowRunSettings RunSettings(const FlowCase& run, const FlowProblem& problem) {
+FlowRunSettings RunSettings(const FlowCase& run, const FlowProblem& problem, const Mesh& mesh) {
     FlowRunSettings settings;
     settings.name = problem.Body();
     settings.outputDir = run.outputDir;
     settings.stepsEvery = run.stepsEvery;
     settings.maxIterations = run.maxIterations;
     settings.convergedChange = problem.ConvergedChange();
+    settings.forceUnit = problem.ForceUnit(mesh);
     return settings;
 }
 
@@ -58,10 +59,12 @@ int RunFlow(const FlowCase& run, FlowProblem& problem) {
     OversetLink link(mesh, objects);
     RequireComponentBody(mesh, link, run.meshFile, problem.Body());
     WriteDonorTable(mesh, link, run.outputDir);
-    FlowRun flow(mesh, objects, link, SolverSettings(run, problem, mesh), RunSettings(run, problem),
+    FlowRun flow(mesh, objects, link, SolverSettings(run, problem, mesh),
+                 RunSettings(run, problem, mesh),
                  [&problem](const FlowSolver& now) { return problem.Coefficients(now); });
     const FlowRun::End end = flow.Run();
     problem.Report(flow, mesh);
+    flow.PrintControl();
     flow.PrintEffort();
     const int code = flow.PrintEnd(end);
     return code != 0 || !run.check ? code : ReportMisses(problem.Misses());

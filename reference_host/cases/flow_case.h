@@ -44,6 +44,8 @@ public:
     virtual double ConvergedChange() const = 0;
     /// Drag and lift coefficient, for every iteration.
     virtual ForceCoefficients Coefficients(const FlowSolver& flow) const = 0;
+    /// Force along x with the drag coefficient 1.
+    virtual double ForceUnit(const Mesh& mesh) const = 0;
     /// Measures the final flow and prints its figures beside the published ones.
     virtual void Report(const FlowRun& run, const Mesh& mesh) = 0;
     /// The measured figures that are outside their limits, one sentence each.

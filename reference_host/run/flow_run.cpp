@@ -62,7 +62,8 @@ FlowRun::End FlowRun::Iterate(const Interrupt& interrupt) {
         pressureIterations += done.pressureIterations;
         mostPressureIterations = std::max(mostPressureIterations, done.pressureIterations);
         const ForceCoefficients now = figures(flow);
-        history.Add(iteration, done.change, done.massResidual, now.cd, now.cl);
+        history.Add(iteration, done.change, done.massResidual, now.cd, now.cl,
+                    MeasureControl(flow, settings.forceUnit));
         progress.Done(done.change, fmt::format("mass {:.1e}, Cd {:.5f}, Cl {:.5f}",
                                                done.massResidual, now.cd, now.cl));
         // The negation makes NaN count as diverged.
@@ -97,6 +98,10 @@ void FlowRun::Fail(End end) const {
     }
     throw std::runtime_error(
         fmt::format("not converged after {} iterations; the results are kept", iteration));
+}
+
+void FlowRun::PrintControl() const {
+    host::PrintControl(MeasureControl(flow, settings.forceUnit), figures(flow).cd);
 }
 
 void FlowRun::PrintEffort() const {

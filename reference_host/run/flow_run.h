@@ -5,6 +5,7 @@
 #include <string>
 
 #include "reference_host/physics/flow_solver.h"
+#include "reference_host/run/control_figures.h"
 #include "reference_host/run/interrupt.h"
 #include "reference_host/run/residual_history.h"
 #include "reference_host/run/result_series.h"
@@ -18,6 +19,7 @@ struct FlowRunSettings {
     int stepsEvery = 20;            ///< iterations between two steps of the result series
     int maxIterations = 2000;       ///< the run fails if it has not converged by then
     double convergedChange = 1e-7;  ///< change of the velocity in one iteration
+    double forceUnit = 1.0;         ///< force along x with the coefficient 1
 };
 
 /// Drag and lift coefficient, printed with every iteration.
@@ -48,6 +50,8 @@ public:
 
     const FlowSolver& Flow() const { return flow; }
     int IterationCount() const { return iteration; }
+    /// Prints the drag over the control surfaces and the mass created at the interface.
+    void PrintControl() const;
     /// Prints mass defect, iterations and CPU seconds.
     void PrintEffort() const;
     /// Prints where the results are and, after an interruption, that they are not converged.

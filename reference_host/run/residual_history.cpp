@@ -8,17 +8,29 @@
 
 namespace host {
 
+namespace {
+
+/// A figure, or an empty field without one.
+std::string Field(std::optional<double> figure) {
+    return figure ? fmt::format("{:.10g}", *figure) : "";
+}
+
+}  // namespace
+
 ResidualHistory::ResidualHistory(const std::string& path_) : path(path_), file(path_) {
     if (!file) {
         throw std::runtime_error(
             fmt::format("residual history {} cannot be written: {}", path, std::strerror(errno)));
     }
-    file << "iteration,velocity_change,mass_residual,cd,cl\n";
+    file << "iteration,velocity_change,mass_residual,cd,cl,"
+            "cd_overset,cd_hole,cd_outer,interface_mass\n";
 }
 
-void ResidualHistory::Add(int iteration, double change, double massResidual, double cd, double cl) {
-    file << fmt::format("{},{:.6e},{:.6e},{:.10g},{:.10g}\n", iteration, change, massResidual, cd,
-                        cl)
+void ResidualHistory::Add(int iteration, double change, double massResidual, double cd, double cl,
+                          const ControlFigures& control) {
+    file << fmt::format("{},{:.6e},{:.6e},{:.10g},{:.10g},{},{},{:.10g},{}\n", iteration, change,
+                        massResidual, cd, cl, Field(control.cdOverset), Field(control.cdHole),
+                        control.cdOuter, Field(control.interfaceMass))
          << std::flush;
 }
 

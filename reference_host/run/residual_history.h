@@ -4,6 +4,8 @@
 #include <fstream>
 #include <string>
 
+#include "reference_host/run/control_figures.h"
+
 namespace host {
 
 /// The history of a flow run as comma-separated values for a plot, one line per iteration.
@@ -14,7 +16,9 @@ public:
     explicit ResidualHistory(const std::string& path);
 
     /// Writes a line and flushes it, so that a run in progress can be plotted.
-    void Add(int iteration, double change, double massResidual, double cd, double cl);
+    /// Figures that do not exist on the mesh are empty.
+    void Add(int iteration, double change, double massResidual, double cd, double cl,
+             const ControlFigures& control);
 
     /// @throws std::runtime_error  one line: some lines could not be written
     void RequireWhole() const;

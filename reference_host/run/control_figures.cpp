@@ -1,0 +1,45 @@
+#include "reference_host/run/control_figures.h"
+
+#include <fmt/format.h>
+
+#include <iostream>
+
+#include "reference_host/physics/momentum_balance.h"
+
+namespace host {
+
+namespace {
+
+void PrintDrag(const char* name, std::optional<double> overSurface, double cd) {
+    if (overSurface) {
+        std::cout << fmt::format("  {:<20} {:15.10f} {:>15} {:+10.3f} %\n", name, *overSurface,
+                                 "from the body", 100.0 * (*overSurface / cd - 1.0));
+    }
+}
+
+}  // namespace
+
+ControlFigures MeasureControl(const FlowSolver& flow, double forceUnit) {
+    const BodyForces forces = ForcesFromMomentumBalance(flow);
+    ControlFigures figures;
+    if (forces.overset) {
+        figures.cdOverset = forces.overset->x() / forceUnit;
+    }
+    if (forces.hole) {
+        figures.cdHole = forces.hole->x() / forceUnit;
+    }
+    figures.cdOuter = forces.outer.x() / forceUnit;
+    figures.interfaceMass = InterfaceMassDefect(flow);
+    return figures;
+}
+
+void PrintControl(const ControlFigures& figures, double cd) {
+    PrintDrag("Cd, overset boundary", figures.cdOverset, cd);
+    PrintDrag("Cd, hole boundary", figures.cdHole, cd);
+    PrintDrag("Cd, outer boundary", figures.cdOuter, cd);
+    if (figures.interfaceMass) {
+        std::cout << fmt::format("  {:<20} {:15.2e}\n", "interface mass", *figures.interfaceMass);
+    }
+}
+
+}  // namespace host
