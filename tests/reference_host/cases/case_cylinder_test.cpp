@@ -52,14 +52,18 @@ TEST(CylinderRun, WritesSeriesHistoryAndTable) {
         out = capture.Out();
     }
 
-    for (const char* word : {"cylinder 10: change", "Cd ", "Cl ", "pressure difference",
-                             "5.5795352338", "0.0106189481", "0.1175201670", "mass defect",
-                             "outer iterations", "pressure iterations", "seconds"}) {
+    for (const char* word :
+         {"cylinder 10: change", "Cd ", "Cl ", "pressure difference", "5.5795352338",
+          "0.0106189481", "0.1175201670", "mass defect", "Cd, overset boundary",
+          "Cd, hole boundary", "Cd, outer boundary", "interface mass", "outer iterations",
+          "pressure iterations", "seconds"}) {
         EXPECT_THAT(out, HasSubstr(word));
     }
     const auto history = Lines(ReadFile(results.Path() / "history.csv"));
     ASSERT_GT(history.size(), 80u);
-    EXPECT_EQ(history[0], "iteration,velocity_change,mass_residual,cd,cl");
+    EXPECT_EQ(history[0],
+              "iteration,velocity_change,mass_residual,cd,cl,"
+              "cd_overset,cd_hole,cd_outer,interface_mass");
     EXPECT_THAT(history[40], testing::StartsWith("40,"));
     // The beginning, every 40th iteration and the end.
     const int iterations = static_cast<int>(history.size()) - 1;
