@@ -11,7 +11,7 @@ namespace host {
 ///
 ///     reference_host cylinder parameters.n=10 output.directory=results
 ///
-/// Expected there: Cd -0.35 %, Cl -6.8 %, pressure difference 0.00 % off the published values after
+/// Expected there: Cd -0.15 %, Cl -6.9 %, pressure difference 0.00 % off the published values after
 /// about 105 iterations.
 struct CylinderCase : FlowCase {
     CylinderCase();

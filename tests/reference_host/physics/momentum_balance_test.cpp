@@ -190,6 +190,7 @@ TEST(MomentumFlux, SymmetryPlaneCarriesPressureAndNormalStress) {
     RandomFlow flow({"Layers", boxFile, {{"n", 5}, {"kind", 1}, {"nz", 3}}});
     ASSERT_EQ(flow.momentum.Dimensions(), 3);
     const host::BoundaryFace& plane = flow.c.mesh.Faces(Boundary::Symmetry)[1];
+    flow.momentum.FillGhosts(flow.fields);
     flow.fields.pressure[flow.c.objects.Ghost(Boundary::Symmetry, 1)] = 2.0;
     const double distance = std::abs(plane.centre.z() - flow.c.mesh.cellCentre[plane.cell].z());
     const double w = flow.fields.velocity[2][plane.cell];
