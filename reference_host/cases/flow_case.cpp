@@ -24,7 +24,7 @@ FlowRunSettings RunSettings(const FlowCase& run, const FlowProblem& problem) {
     settings.outputDir = run.outputDir;
     settings.stepsEvery = run.stepsEvery;
     settings.maxIterations = run.maxIterations;
-    settings.convergedChange = problem.ConvergedChange();
+    settings.limits.change = problem.ConvergedChange();
     return settings;
 }
 

@@ -13,12 +13,13 @@ ResidualHistory::ResidualHistory(const std::string& path_) : path(path_), file(p
         throw std::runtime_error(
             fmt::format("residual history {} cannot be written: {}", path, std::strerror(errno)));
     }
-    file << "iteration,velocity_change,mass_residual,cd,cl\n";
+    file << "iteration,velocity_change,mass_residual,cd,cl,linear_reduction\n";
 }
 
-void ResidualHistory::Add(int iteration, double change, double massResidual, double cd, double cl) {
-    file << fmt::format("{},{:.6e},{:.6e},{:.10g},{:.10g}\n", iteration, change, massResidual, cd,
-                        cl)
+void ResidualHistory::Add(int iteration, double change, double massResidual, double cd, double cl,
+                          double linearReduction) {
+    file << fmt::format("{},{:.6e},{:.6e},{:.10g},{:.10g},{:.3e}\n", iteration, change,
+                        massResidual, cd, cl, linearReduction)
          << std::flush;
 }
 

@@ -14,7 +14,10 @@ public:
     explicit ResidualHistory(const std::string& path);
 
     /// Writes a line and flushes it, so that a run in progress can be plotted.
-    void Add(int iteration, double change, double massResidual, double cd, double cl);
+    ///
+    /// @param linearReduction  LargestReduction() of the iteration
+    void Add(int iteration, double change, double massResidual, double cd, double cl,
+             double linearReduction);
 
     /// @throws std::runtime_error  one line: some lines could not be written
     void RequireWhole() const;
