@@ -19,7 +19,7 @@ struct NamedSolve {
     std::string equation;
     LinearSolve solve;
     MatrixSolver solver;
-    double tolerance;
+    const char* option;  // that chooses the solver
 };
 
 std::vector<NamedSolve> SolvesOf(const FlowIteration& iteration, const FlowSettings& settings) {
@@ -27,11 +27,10 @@ std::vector<NamedSolve> SolvesOf(const FlowIteration& iteration, const FlowSetti
     std::vector<NamedSolve> solves;
     for (std::size_t component = 0; component < iteration.momentum.size(); ++component) {
         solves.push_back({fmt::format("{} momentum", axes[component]),
-                          iteration.momentum[component], settings.momentumSolver,
-                          settings.momentumTolerance});
+                          iteration.momentum[component], settings.momentumSolver, "solver.matrix"});
     }
     solves.push_back({"pressure correction", iteration.pressure, settings.pressureSolver,
-                      settings.pressureTolerance});
+                      "solver.pressure_matrix"});
     return solves;
 }
 
@@ -91,11 +90,10 @@ std::string IdleSolve(const FlowIteration& iteration, const FlowSettings& settin
                 named.solver == MatrixSolver::Samg ? MatrixSolver::Bicgstab : MatrixSolver::Samg;
             return fmt::format(
                 "the solver {} returned the first guess of the {} equation unchanged although its "
-                "residual is {:.1e} and rounding errors explain {:.1e} only: try solver.matrix={}, "
-                "a smaller solver.relaxation or a scheme with more upwinding (tolerance {:g}, at "
-                "most {} iterations)",
+                "residual is {:.1e} (the level of rounding errors is {:.1e}): try {}={}, a smaller "
+                "solver.relaxation or a scheme with more upwinding",
                 Name(named.solver), named.equation, named.solve.firstResidual, named.solve.rounding,
-                Name(other), named.tolerance, settings.maxSolverIterations);
+                named.option, Name(other));
         }
     }
     return "";

@@ -15,19 +15,19 @@ TEST(ResidualHistory, HasColumnNamesAndOneLinePerIteration) {
     const auto path = directory.Path() / "history.csv";
     host::ResidualHistory history(path.string());
 
-    history.Add(1, 0.5, 1.25, 5.5, -0.01);
+    history.Add(1, 0.5, 1.25, 5.5, -0.01, 0.125);
 
     // Read before the file is closed, as a plot of a run in progress does.
-    EXPECT_EQ(
-        ReadFile(path),
-        "iteration,velocity_change,mass_residual,cd,cl\n1,5.000000e-01,1.250000e+00,5.5,-0.01\n");
+    EXPECT_EQ(ReadFile(path),
+              "iteration,velocity_change,mass_residual,cd,cl,linear_reduction\n"
+              "1,5.000000e-01,1.250000e+00,5.5,-0.01,1.250e-01\n");
 }
 
 TEST(ResidualHistory, LineLostOnAFullDiskIsReported) {
     host::ResidualHistory history("/dev/full");
     EXPECT_EQ(ErrorOf([&] { history.RequireWhole(); }), "");
 
-    history.Add(1, 0.5, 0.25, 1.0, 0.0);
+    history.Add(1, 0.5, 0.25, 1.0, 0.0, 0.125);
 
     EXPECT_EQ(ErrorOf([&] { history.RequireWhole(); }),
               "/dev/full: some iterations could not be written");
