@@ -24,7 +24,7 @@ FlowRunSettings RunSettings(const FlowCase& run, const FlowProblem& problem, con
     settings.outputDir = run.outputDir;
     settings.stepsEvery = run.stepsEvery;
     settings.maxIterations = run.maxIterations;
-    settings.convergedChange = problem.ConvergedChange();
+    settings.limits.change = problem.ConvergedChange();
     settings.forceUnit = problem.ForceUnit(mesh);
     return settings;
 }
@@ -41,7 +41,10 @@ std::vector<Option> FlowOptions(FlowCase& run) {
                      run.relaxation, Range::Between(0.01, 0.999)),
         SolverOption(run.matrixSolver),
         PressureSolverOption(run.pressureSolver),
-        IntegerOption({"solver.iterations", "--iterations", "maximum number of iterations"},
+        IntegerOption({"solver.iterations", "--iterations",
+                       "maximum number of iterations; a run that has not converged by then fails, "
+                       "and it converges when velocity change and mass residual are small and "
+                       "every linear solve lowers its residual"},
                       run.maxIterations, count),
         OutputOption(run.outputDir),
         IntegerOption(

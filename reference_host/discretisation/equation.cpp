@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "reference_host/discretisation/norm.h"
+
 namespace host {
 
 Equation::Equation(const StencilBuilder& builder_, StencilRecords& records, Reach reach,
@@ -159,28 +161,20 @@ void Equation::FillGhosts(const BoundaryConditions& conditions, std::vector<doub
 }
 
 double Equation::Residual(const std::vector<double>& rhs, std::vector<double>& phi) {
-    double sum = 0.0;
-    for (int row = 1; row <= matrix.GetRowsN(); ++row) {
-        const double defect = rhs[row] - matrix.DotProduct(row, phi.data());
-        sum += defect * defect;
-    }
-    return std::sqrt(sum);
+    return solver.Residual(rhs, phi);
 }
 
 SolveReport Equation::Solve(const std::vector<double>& rhs, std::vector<double>& phi,
                             double reduction, int maxCalls) {
-    double zeroFieldResidual = 0.0;
-    for (int row = 1; row <= matrix.GetRowsN(); ++row) {
-        zeroFieldResidual += rhs[row] * rhs[row];
-    }
     SolveReport report;
-    report.target = reduction * std::sqrt(zeroFieldResidual);
+    report.target = reduction * Norm(rhs);
     report.initialResidual = Residual(rhs, phi);
     report.finalResidual = report.initialResidual;
     while (!report.Converged() && report.calls < maxCalls) {
-        report.iterations += solver.Solve(rhs, phi, report.target);
+        const LinearSolve call = solver.Solve(rhs, phi, report.target);
+        report.iterations += call.iterations;
         ++report.calls;
-        report.finalResidual = Residual(rhs, phi);
+        report.finalResidual = call.residual;
     }
     return report;
 }

@@ -1,8 +1,9 @@
 #include "reference_host/physics/flow_fields.h"
 
 #include <algorithm>
-#include <cmath>
+#include <vector>
 
+#include "reference_host/discretisation/norm.h"
 #include "reference_host/link/body.h"
 
 namespace host {
@@ -54,13 +55,13 @@ void FlowFields::Publish(HostObjects& objects) const {
 }
 
 double RelativeChange(const FlowFields& before, const FlowFields& now, int nCells) {
-    double change = 0.0;
-    double whole = 0.0;
+    std::vector<double> change(nCells + 1, 0.0);
+    std::vector<double> whole(nCells + 1, 0.0);
     for (int cell = 1; cell <= nCells; ++cell) {
-        change += (now.Velocity(cell) - before.Velocity(cell)).squaredNorm();
-        whole += now.Velocity(cell).squaredNorm();
+        change[cell] = (now.Velocity(cell) - before.Velocity(cell)).stableNorm();
+        whole[cell] = now.Velocity(cell).stableNorm();
     }
-    return std::sqrt(change / whole);
+    return Norm(change) / Norm(whole);
 }
 
 }  // namespace host

@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "reference_host/discretisation/face_flux.h"
+#include "reference_host/physics/wall_driven_flux.h"
 
 namespace host {
 
@@ -48,15 +49,15 @@ FlowIteration FlowSolver::Iterate() {
     FlowIteration report;
 
     momentum.Assemble(flux);
-    report.momentumIterations = momentum.Solve(pressure.Gradient(), fields);
+    report.momentum = momentum.Solve(pressure.Gradient(), fields);
 
     pressure.SetCoefficients(momentum.Coefficients());
     pressure.PredictFluxes(fields, momentum.records, flux);
     const std::vector<double> net = NetOutflow(mesh, link, flux);
     report.massResidual = std::accumulate(net.begin(), net.end(), 0.0,
                                           [](double sum, double x) { return sum + std::abs(x); }) /
-                          Inflow();
-    report.pressureIterations = pressure.Solve(net);
+                          MassScale();
+    report.pressure = pressure.Solve(net);
     pressure.Correct(fields, flux);
     momentum.FillGhosts(fields);
     pressure.UpdatePressure(fields);
@@ -67,6 +68,11 @@ FlowIteration FlowSolver::Iterate() {
 
 double FlowSolver::Inflow() const {
     return -std::accumulate(flux.inlet + 1, flux.inlet + mesh.FaceCount(Boundary::Inlet) + 1, 0.0);
+}
+
+double FlowSolver::MassScale() const {
+    const double inflow = Inflow();
+    return inflow > 0.0 ? inflow : WallDrivenFlux(mesh, conditions);
 }
 
 double FlowSolver::MassDefect() const {

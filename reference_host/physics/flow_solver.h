@@ -1,6 +1,8 @@
 #ifndef KVX3D_REFERENCE_HOST_PHYSICS_FLOW_SOLVER_H
 #define KVX3D_REFERENCE_HOST_PHYSICS_FLOW_SOLVER_H
 
+#include <vector>
+
 #include "reference_host/discretisation/scheme.h"
 #include "reference_host/discretisation/solver_matrix.h"
 #include "reference_host/physics/flow_fields.h"
@@ -34,11 +36,11 @@ double DefaultRelaxation(double cellsPerUnit);
 
 /// Result of one outer iteration.
 struct FlowIteration {
-    double change = 0.0;         ///< relative change of the velocity in the 2-norm
-    double massResidual = 0.0;   ///< sum of the magnitudes of the cells' net outflow before the
-                                 ///< correction, relative to the inflow
-    int momentumIterations = 0;  ///< of the linear solver, all components
-    int pressureIterations = 0;  ///< of the linear solver
+    double change = 0.0;        ///< relative change of the velocity in the 2-norm
+    double massResidual = 0.0;  ///< sum of the magnitudes of the cells' net outflow before the
+                                ///< correction, relative to FlowSolver::MassScale()
+    std::vector<LinearSolve> momentum;  ///< by velocity component
+    LinearSolve pressure;
 };
 
 /// Solver for steady laminar incompressible flow on a single grid or an overset pair, by a
@@ -60,6 +62,9 @@ public:
 
     /// Volume flux through the inlet into the domain.
     double Inflow() const;
+    /// Volume flux to which the mass residual is relative: the inflow, or that of the moving walls
+    /// where nothing flows in (WallDrivenFlux()).
+    double MassScale() const;
     /// (outflow - inflow) / inflow, the mass that the interpolation between the grids gains or
     /// loses.
     double MassDefect() const;

@@ -115,18 +115,19 @@ std::vector<double> Momentum::RightHandSide(const std::vector<Vec3>& pressureGra
     return rhs;
 }
 
-int Momentum::Solve(const std::vector<Vec3>& pressureGradient, FlowFields& fields) {
+std::vector<LinearSolve> Momentum::Solve(const std::vector<Vec3>& pressureGradient,
+                                         FlowFields& fields) {
     std::vector<std::vector<double>> rhs;
     rhs.reserve(dimensions);
     for (int component = 0; component < dimensions; ++component) {
         rhs.push_back(RightHandSide(pressureGradient, fields, component));
     }
-    int iterations = 0;
+    std::vector<LinearSolve> solves;
     for (int component = 0; component < dimensions; ++component) {
-        iterations += equation.solver.Solve(rhs[component], fields.velocity[component]);
+        solves.push_back(equation.solver.Solve(rhs[component], fields.velocity[component]));
     }
     FillGhosts(fields);
-    return iterations;
+    return solves;
 }
 
 void Momentum::FillGhosts(FlowFields& fields) const {

@@ -36,8 +36,8 @@ public:
     ///
     /// @param         pressureGradient  by cell, entries 1..Nc
     /// @param[in,out] fields            velocity: first guess and solution
-    /// @return number of iterations of the linear solver, the sum over all components
-    int Solve(const std::vector<Vec3>& pressureGradient, FlowFields& fields);
+    /// @return the linear solve of each component
+    std::vector<LinearSolve> Solve(const std::vector<Vec3>& pressureGradient, FlowFields& fields);
 
     /// Computes the velocity of the ghosts from the cells and the conditions.
     void FillGhosts(FlowFields& fields) const;

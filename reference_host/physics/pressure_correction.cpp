@@ -105,7 +105,7 @@ void PressureCorrection::PredictFluxes(const FlowFields& fields,
     }
 }
 
-int PressureCorrection::Solve(const std::vector<double>& net) {
+LinearSolve PressureCorrection::Solve(const std::vector<double>& net) {
     conditions.pressure.SetGhostMu(builder.mesh, objects, cellD);
     equation.Clear();
     KVX_ART_FVM::CKVX_ART_MatOperator operators(&equation.matrix, &records.gv);

@@ -41,8 +41,8 @@ public:
 
     /// Solves for the pressure correction.
     /// @param net  net outflow of each cell, entries 1..Nc
-    /// @return number of iterations of the linear solver
-    int Solve(const std::vector<double>& net);
+    /// @return the linear solve
+    LinearSolve Solve(const std::vector<double>& net);
 
     /// Corrects the fluxes, the pressure and the cell velocities.
     void Correct(FlowFields& fields, CMAFVMFaceVariableAll& flux);

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <ctime>
 #include <filesystem>
 #include <iostream>
@@ -16,8 +15,6 @@ namespace host {
 
 namespace {
 
-constexpr double divergedMass = 1e3;  // mass residual over the inflow; a good run begins near 1
-
 double CpuSeconds() {
     return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
@@ -28,8 +25,7 @@ FlowRun::FlowRun(const Mesh& mesh, HostObjects& objects_, OversetLink& link,
                  const FlowSettings& flow_, const FlowRunSettings& settings_, Figures figures_)
     : objects(objects_),
       settings(settings_),
-      relaxation(flow_.relaxation),
-      countsPressure(flow_.pressureSolver == MatrixSolver::Bicgstab),
+      flowSettings(flow_),
       figures(std::move(figures_)),
       flow(mesh, objects_, link, flow_),
       results(mesh, objects_, link, settings_.outputDir),
@@ -47,30 +43,33 @@ FlowRun::End FlowRun::Run() {
     }
     pvdPath = results.Finish();  // the toolbox prints what it merges
     history.RequireWhole();
-    if (end == End::Diverged || end == End::OutOfIterations) {
+    if (end != End::Converged && end != End::Interrupted) {
         Fail(end);
     }
     return end;
 }
 
 FlowRun::End FlowRun::Iterate(const Interrupt& interrupt) {
-    IterationProgress progress(settings.name, settings.convergedChange, std::cout,
+    IterationProgress progress(settings.name, settings.limits.change, std::cout,
                                StandardOutputIsTerminal());
     while (iteration < settings.maxIterations) {
-        const FlowIteration done = flow.Iterate();
+        last = flow.Iterate();
         ++iteration;
-        pressureIterations += done.pressureIterations;
-        mostPressureIterations = std::max(mostPressureIterations, done.pressureIterations);
+        pressureIterations += last.pressure.iterations;
+        mostPressureIterations = std::max(mostPressureIterations, last.pressure.iterations);
         const ForceCoefficients now = figures(flow);
-        history.Add(iteration, done.change, done.massResidual, now.cd, now.cl,
+        const double reduction = LargestReduction(last);
+        history.Add(iteration, last.change, last.massResidual, now.cd, now.cl, reduction,
                     MeasureControl(flow, settings.forceUnit));
-        progress.Done(done.change, fmt::format("mass {:.1e}, Cd {:.5f}, Cl {:.5f}",
-                                               done.massResidual, now.cd, now.cl));
-        // The negation makes NaN count as diverged.
-        if (!(done.massResidual < divergedMass) || !std::isfinite(done.change)) {
+        progress.Done(last.change, fmt::format("mass {:.1e}, linear {:.1e}, Cd {:.5f}, Cl {:.5f}",
+                                               last.massResidual, reduction, now.cd, now.cl));
+        if (HasDiverged(last)) {
             return End::Diverged;
         }
-        if (done.change < settings.convergedChange) {
+        if (!IdleSolve(last, flowSettings).empty()) {
+            return End::IdleSolver;
+        }
+        if (HasConverged(last, settings.limits)) {
             return End::Converged;
         }
         if (iteration % settings.stepsEvery == 0) {
@@ -94,10 +93,16 @@ void FlowRun::Fail(End end) const {
         throw std::runtime_error(
             fmt::format("diverged in iteration {}: reduce solver.relaxation, now {:.3g}, or use a "
                         "scheme with more upwinding; the results up to then are kept",
-                        iteration, relaxation));
+                        iteration, flowSettings.relaxation));
+    }
+    if (end == End::IdleSolver) {
+        throw std::runtime_error(fmt::format("iteration {}: {}; the results up to then are kept",
+                                             iteration, IdleSolve(last, flowSettings)));
     }
     throw std::runtime_error(
-        fmt::format("not converged after {} iterations; the results are kept", iteration));
+        fmt::format("not converged after {} iterations: {}; the results are "
+                    "kept",
+                    iteration, WhyNotConverged(last, settings.limits)));
 }
 
 void FlowRun::PrintControl() const {
@@ -107,7 +112,7 @@ void FlowRun::PrintControl() const {
 void FlowRun::PrintEffort() const {
     std::cout << fmt::format("  {:<20} {:15.2e}\n", "mass defect", flow.MassDefect())
               << fmt::format("  {:<20} {:15}\n", "outer iterations", iteration);
-    if (countsPressure) {
+    if (flowSettings.pressureSolver == MatrixSolver::Bicgstab) {  // SAMG reports no count
         std::cout << fmt::format("  {:<20} {:15.1f}  at most {}\n", "pressure iterations",
                                  static_cast<double>(pressureIterations) / std::max(iteration, 1),
                                  mostPressureIterations);

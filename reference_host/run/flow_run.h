@@ -6,6 +6,7 @@
 
 #include "reference_host/physics/flow_solver.h"
 #include "reference_host/run/control_figures.h"
+#include "reference_host/run/convergence.h"
 #include "reference_host/run/interrupt.h"
 #include "reference_host/run/residual_history.h"
 #include "reference_host/run/result_series.h"
@@ -16,10 +17,10 @@ namespace host {
 struct FlowRunSettings {
     std::string name;  ///< first word of the progress lines
     std::string outputDir;
-    int stepsEvery = 20;            ///< iterations between two steps of the result series
-    int maxIterations = 2000;       ///< the run fails if it has not converged by then
-    double convergedChange = 1e-7;  ///< change of the velocity in one iteration
-    double forceUnit = 1.0;         ///< force along x with the coefficient 1
+    int stepsEvery = 20;       ///< iterations between two steps of the result series
+    int maxIterations = 2000;  ///< the run fails if it has not converged by then
+    ConvergenceLimits limits;
+    double forceUnit = 1.0;    ///< force along x with the coefficient 1
 };
 
 /// Drag and lift coefficient, printed with every iteration.
@@ -32,7 +33,7 @@ struct ForceCoefficients {
 /// series (time is the iteration), interruption by Ctrl-C.
 class FlowRun {
 public:
-    enum class End { Converged, Interrupted, Diverged, OutOfIterations };
+    enum class End { Converged, Interrupted, Diverged, IdleSolver, OutOfIterations };
     using Figures = std::function<ForceCoefficients(const FlowSolver&)>;
 
     /// Borrows mesh, objects and link.
@@ -40,12 +41,12 @@ public:
     FlowRun(const Mesh& mesh, HostObjects& objects, OversetLink& link, const FlowSettings& flow,
             const FlowRunSettings& settings, Figures figures);
 
-    /// Iterates until the run ends for one of the four reasons, and completes the files. The
+    /// Iterates until the run ends for one of the five reasons, and completes the files. The
     /// results of an interrupted run include its last iteration.
     ///
     /// @return Converged or Interrupted
-    /// @throws std::runtime_error  one line: diverged, or out of iterations (the results so far are
-    ///         kept)
+    /// @throws std::runtime_error  one line: diverged, a linear solver that returned its first
+    ///         guess unchanged, or out of iterations (the results so far are kept)
     End Run();
 
     const FlowSolver& Flow() const { return flow; }
@@ -65,13 +66,13 @@ private:
 
     HostObjects& objects;
     const FlowRunSettings settings;
-    const double relaxation;
-    const bool countsPressure;  // SAMG does not report its iterations
+    const FlowSettings flowSettings;
     const Figures figures;
     FlowSolver flow;
     ResultSeries results;
     ResidualHistory history;
     std::string pvdPath;
+    FlowIteration last;  // the last iteration
     int iteration = 0;
     int lastWritten = 0;
     int pressureIterations = 0;

@@ -22,15 +22,15 @@ ResidualHistory::ResidualHistory(const std::string& path_) : path(path_), file(p
         throw std::runtime_error(
             fmt::format("residual history {} cannot be written: {}", path, std::strerror(errno)));
     }
-    file << "iteration,velocity_change,mass_residual,cd,cl,"
+    file << "iteration,velocity_change,mass_residual,cd,cl,linear_reduction,"
             "cd_overset,cd_hole,cd_outer,interface_mass\n";
 }
 
 void ResidualHistory::Add(int iteration, double change, double massResidual, double cd, double cl,
-                          const ControlFigures& control) {
-    file << fmt::format("{},{:.6e},{:.6e},{:.10g},{:.10g},{},{},{:.10g},{}\n", iteration, change,
-                        massResidual, cd, cl, Field(control.cdOverset), Field(control.cdHole),
-                        control.cdOuter, Field(control.interfaceMass))
+                          double linearReduction, const ControlFigures& control) {
+    file << fmt::format("{},{:.6e},{:.6e},{:.10g},{:.10g},{:.3e},{},{},{:.10g},{}\n", iteration,
+                        change, massResidual, cd, cl, linearReduction, Field(control.cdOverset),
+                        Field(control.cdHole), control.cdOuter, Field(control.interfaceMass))
          << std::flush;
 }
 

@@ -17,8 +17,10 @@ public:
 
     /// Writes a line and flushes it, so that a run in progress can be plotted.
     /// Figures that do not exist on the mesh are empty.
+    ///
+    /// @param linearReduction  LargestReduction() of the iteration
     void Add(int iteration, double change, double massResidual, double cd, double cl,
-             const ControlFigures& control);
+             double linearReduction, const ControlFigures& control);
 
     /// @throws std::runtime_error  one line: some lines could not be written
     void RequireWhole() const;

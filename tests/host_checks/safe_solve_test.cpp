@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -86,6 +87,27 @@ TYPED_TEST(SafeSolveOf, SolvesSystemsFarBelowTheAbsoluteThresholds) {
     EXPECT_TRUE(report.reached);
     for (int row = 1; row <= 50; ++row) {
         EXPECT_NEAR(A.DotProduct(row, x.data()), 1e-200, 1e-209) << "row " << row;
+    }
+}
+
+TYPED_TEST(SafeSolveOf, NeverCallsASystemOfAnyCoefficientSolvedThatIsNot) {
+    for (const double coefficient : {1e-150, 1e-20, 1e20, 1e150}) {
+        for (const double right : {1e-150, 1.0, 1e150}) {
+            TypeParam A(50);
+            FillPlate(A, -1.0 * coefficient, 4.5 * coefficient, -1.0 * coefficient);
+            const Vector b(51, right);
+            Vector x(51, 0.0);
+
+            const SolveReport report = SafeSolve(A, b.data(), x.data(), 1e-10);
+
+            double largest = 0.0;  // residual relative to the right-hand side
+            for (int row = 1; row <= 50; ++row) {
+                largest = std::max(largest, std::abs(1.0 - A.DotProduct(row, x.data()) / right));
+            }
+            EXPECT_NEAR(report.firstResidual / right, std::sqrt(50.0), 1e-9);
+            EXPECT_EQ(report.reached, largest < 1e-9) << coefficient << ' ' << right;
+            EXPECT_TRUE(report.reached || coefficient < 1e-28) << coefficient << ' ' << right;
+        }
     }
 }
 

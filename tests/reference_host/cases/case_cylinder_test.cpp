@@ -62,7 +62,7 @@ TEST(CylinderRun, WritesSeriesHistoryAndTable) {
     const auto history = Lines(ReadFile(results.Path() / "history.csv"));
     ASSERT_GT(history.size(), 80u);
     EXPECT_EQ(history[0],
-              "iteration,velocity_change,mass_residual,cd,cl,"
+              "iteration,velocity_change,mass_residual,cd,cl,linear_reduction,"
               "cd_overset,cd_hole,cd_outer,interface_mass");
     EXPECT_THAT(history[40], testing::StartsWith("40,"));
     // The beginning, every 40th iteration and the end.

@@ -251,6 +251,31 @@ TEST(EquationSolve, ReportsTheTrueResidual) {
     }
 }
 
+/// The pair has cut cells, whose rows hold 1 whatever the size of the coefficients is.
+TEST(EquationSolve, DiffusionCoefficientsOfAnySizeAreSolved) {
+    for (const host::MatrixSolver solver :
+         {host::MatrixSolver::Bicgstab, host::MatrixSolver::Samg}) {
+        for (const double mu : {1e-150, 1e150}) {
+            MeshCase c(oversetPair);
+            host::ScalarSolver scalar(c.mesh, c.objects, c.link, Scheme::Diffusion, solver);
+            const BoundaryConditions conditions = AllValues(c, 3.0);
+            scalar.Assemble(conditions, mu, host::Vec3::Zero());
+            const std::vector<double> source(c.mesh.CellCount() + 1, 0.0);
+            std::vector<double> phi(scalar.records.gv.NcAll + 1, 0.0);
+
+            const host::SolveReport report = scalar.Solve(conditions, source, phi);
+
+            EXPECT_TRUE(report.Converged()) << host::Name(solver) << ' ' << mu;
+            EXPECT_GT(report.initialResidual, mu) << host::Name(solver);
+            EXPECT_GT(report.calls, 0) << host::Name(solver) << ' ' << mu;
+            for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+                ASSERT_NEAR(phi[cell], c.link.IsActive(cell) ? 3.0 : 0.0, 1e-7)
+                    << host::Name(solver) << ' ' << mu << " cell " << cell;
+            }
+        }
+    }
+}
+
 TEST(EquationSolve, CallsTheSolverAgainUntilTheTargetOrTheLargestNumberOfCalls) {
     EquationSetup s(boxPrisms);
     CKVX_ART_MatOperator(&s.equation.matrix, &s.records.gv).DiffusionOperator(-1.0);

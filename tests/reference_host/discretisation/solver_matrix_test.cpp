@@ -50,7 +50,7 @@ TEST_P(SolverMatrixOfKind, SolvesWithTheSolverOfItsConstruction) {
     const std::vector<double> b = {0, 1, 1, 1, 1, 1};  // the solution is x = 1
     std::vector<double> x(6, 0.0);
 
-    const int iterations = A.Solve(b, x);
+    const int iterations = A.Solve(b, x).iterations;
 
     EXPECT_EQ(A.Solver(), GetParam());
     EXPECT_EQ(iterations > 0, GetParam() == MatrixSolver::Bicgstab);

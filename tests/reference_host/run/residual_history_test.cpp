@@ -17,25 +17,25 @@ TEST(ResidualHistory, HasColumnNamesAndOneLinePerIterationWithEmptyFieldsOnASing
 
     host::ControlFigures control;
     control.cdOuter = 5.75;
-    history.Add(1, 0.5, 1.25, 5.5, -0.01, control);
+    history.Add(1, 0.5, 1.25, 5.5, -0.01, 0.125, control);
     control.cdOverset = 5.25;
     control.cdHole = 5.125;
     control.interfaceMass = -0.0025;
-    history.Add(2, 0.5, 1.25, 5.5, -0.01, control);
+    history.Add(2, 0.5, 1.25, 5.5, -0.01, 0.125, control);
 
     // Read before the file is closed, as a plot of a run in progress does.
     EXPECT_EQ(ReadFile(path),
-              "iteration,velocity_change,mass_residual,cd,cl,"
+              "iteration,velocity_change,mass_residual,cd,cl,linear_reduction,"
               "cd_overset,cd_hole,cd_outer,interface_mass\n"
-              "1,5.000000e-01,1.250000e+00,5.5,-0.01,,,5.75,\n"
-              "2,5.000000e-01,1.250000e+00,5.5,-0.01,5.25,5.125,5.75,-0.0025\n");
+              "1,5.000000e-01,1.250000e+00,5.5,-0.01,1.250e-01,,,5.75,\n"
+              "2,5.000000e-01,1.250000e+00,5.5,-0.01,1.250e-01,5.25,5.125,5.75,-0.0025\n");
 }
 
 TEST(ResidualHistory, LineLostOnAFullDiskIsReported) {
     host::ResidualHistory history("/dev/full");
     EXPECT_EQ(ErrorOf([&] { history.RequireWhole(); }), "");
 
-    history.Add(1, 0.5, 0.25, 1.0, 0.0, {});
+    history.Add(1, 0.5, 0.25, 1.0, 0.0, 0.125, {});
 
     EXPECT_EQ(ErrorOf([&] { history.RequireWhole(); }),
               "/dev/full: some iterations could not be written");
