@@ -53,7 +53,7 @@ public:
     FlowSettings Flow(const Mesh&) const override {
         FlowSettings settings;
         settings.inlet = [](const Vec3&) { return benchmarksphere::Stream(); };
-        settings.farWalls = benchmarksphere::Stream();
+        settings.walls = MovingFarWalls(benchmarksphere::Stream());
         settings.mu = benchmarksphere::viscosity;
         return settings;
     }

@@ -48,6 +48,10 @@ Eigen::VectorXd DonorInterpolation::Basis(const Vec3& offset) const {
 }
 
 Stencil DonorInterpolation::Fit(int donor, const Vec3& point) const {
+    return Fit(donor, point, point);
+}
+
+Stencil DonorInterpolation::Fit(int donor, const Vec3& about, const Vec3& point) const {
     const std::vector<int> cloud = Cloud(donor);
     const int basisSize = quasi2d ? 6 : 10;
     if (static_cast<int>(cloud.size()) < basisSize + 2) {
@@ -55,13 +59,13 @@ Stencil DonorInterpolation::Fit(int donor, const Vec3& point) const {
     }
     double reach = 0.0;
     for (const int cell : cloud) {
-        reach = std::max(reach, (mesh.cellCentre[cell] - point).norm());
+        reach = std::max(reach, (mesh.cellCentre[cell] - about).norm());
     }
     Eigen::MatrixXd normal = Eigen::MatrixXd::Zero(basisSize, basisSize);
     std::vector<Eigen::VectorXd> weightedBasis;
     weightedBasis.reserve(cloud.size());
     for (const int cell : cloud) {
-        const Vec3 offset = (mesh.cellCentre[cell] - point) / reach;
+        const Vec3 offset = (mesh.cellCentre[cell] - about) / reach;
         const Eigen::VectorXd basis = Basis(offset);
         const double weight = 1.0 / (offset.squaredNorm() + 0.02);  // 0.02: finite at the donor
         weightedBasis.push_back(weight * basis);
@@ -72,7 +76,7 @@ Stencil DonorInterpolation::Fit(int donor, const Vec3& point) const {
     if (!factors.isInvertible()) {
         return {};
     }
-    const Eigen::VectorXd atPoint = factors.solve(Eigen::VectorXd::Unit(basisSize, 0));
+    const Eigen::VectorXd atPoint = factors.solve(Basis((point - about) / reach));
     Stencil value;
     for (std::size_t k = 0; k < cloud.size(); ++k) {
         value.Add(cloud[k], atPoint.dot(weightedBasis[k]));

@@ -26,6 +26,9 @@ public:
     /// @return an empty stencil if the cloud is degenerate, or has fewer cells than the basis has
     ///         functions plus 2
     Stencil Fit(int donor, const Vec3& point) const;
+    /// The same with the fit about one point evaluated at another one, so that differences between
+    /// the values at several points come from one polynomial.
+    Stencil Fit(int donor, const Vec3& about, const Vec3& point) const;
 
 private:
     Eigen::VectorXd Basis(const Vec3& offset) const;

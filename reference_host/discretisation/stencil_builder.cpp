@@ -16,13 +16,31 @@ bool IsNegligible(const Vec3& part, const Vec3& whole) {
     return part.norm() <= negligible * whole.norm();
 }
 
+/// The far-upstream value with which a scheme gives `value` at the face: linear upwind takes
+/// 1.5 near - 0.5 far there, QUICK 0.375 beyond + 0.75 near - 0.125 far.
+Stencil FarValue(FarPoint farPoint, const Stencil& near, const Stencil& beyond,
+                 const Stencil& value) {
+    Stencil far;
+    if (farPoint == FarPoint::LinearUpwind) {
+        far.Add(near, 3.0);
+        far.Add(value, -2.0);
+    } else {
+        far.Add(beyond, 3.0);
+        far.Add(near, 6.0);
+        far.Add(value, -8.0);
+    }
+    return far;
+}
+
 }  // namespace
 
 StencilBuilder::StencilBuilder(const Mesh& mesh_, const HostObjects& objects_,
-                               const OversetLink& link_, GradientSet set)
+                               const OversetLink& link_, GradientSet set,
+                               InterfaceValue interfaceValue_)
     : mesh(mesh_),
       objects(objects_),
       link(link_),
+      interfaceValue(interfaceValue_),
       cellFaces(mesh_),
       gradients(mesh_, objects_, link_, cellFaces, set),
       interpolation(mesh_, link_, cellFaces) {}
@@ -35,6 +53,29 @@ Stencil StencilBuilder::ValueInDonorGrid(int donor, const Vec3& point) const {
         value.Add(gradients[donor].Along(point - mesh.cellCentre[donor]));
     }
     return value;
+}
+
+Stencil StencilBuilder::FittedValue::WithShare(double cellShare) const {
+    Stencil value = atFace;
+    value.Add(active, cellShare);
+    value.Add(atActive, -cellShare);
+    return value;
+}
+
+/// None if such values are not wanted, or if the donor's cloud is too small for the fit.
+std::optional<StencilBuilder::FittedValue> StencilBuilder::FittedAt(int cell, int donor,
+                                                                    const Vec3& faceCentre) const {
+    const Vec3& inside = mesh.cellCentre[cell];
+    const Vec3 mirroredPoint = 2.0 * faceCentre - inside;
+    if (interfaceValue == InterfaceValue::Mirrored) {
+        return std::nullopt;
+    }
+    FittedValue fitted{interpolation.Fit(donor, mirroredPoint, faceCentre),
+                       interpolation.Fit(donor, mirroredPoint, inside), Stencil(cell)};
+    if (fitted.atFace.Terms().empty()) {
+        return std::nullopt;
+    }
+    return fitted;
 }
 
 StencilBuilder::Pair StencilBuilder::PairOf(int face) const {
@@ -51,11 +92,14 @@ StencilBuilder::Pair StencilBuilder::PairOf(int face) const {
             pair.xRight = 2.0 * faceCentre - pair.xLeft;
             pair.a = Stencil(first);
             pair.b = ValueInDonorGrid(second, pair.xRight);
+            pair.fitted = FittedAt(first, second, faceCentre);
             break;
         case FaceSide::DonorIsFirst:
             pair.xLeft = 2.0 * faceCentre - pair.xRight;
             pair.a = ValueInDonorGrid(first, pair.xLeft);
             pair.b = Stencil(second);
+            pair.fitted = FittedAt(second, first, faceCentre);
+            pair.activeIsLeft = false;
             break;
         default:
             pair.a = Stencil(first);
@@ -65,6 +109,9 @@ StencilBuilder::Pair StencilBuilder::PairOf(int face) const {
 }
 
 Stencil StencilBuilder::FaceOf(const Pair& pair, const InnerFace& face) const {
+    if (pair.fitted) {
+        return pair.fitted->WithShare(0.5);
+    }
     const Vec3 d = pair.xRight - pair.xLeft;
     const double w = (pair.xRight - face.centre).dot(face.area) / d.dot(face.area);
     Stencil value;
@@ -105,6 +152,13 @@ Stencil StencilBuilder::NormalOf(const Pair& pair, const InnerFace& face, FaceSi
 
 FarStencils StencilBuilder::FarOf(const Pair& pair, const Vec3& faceCentre,
                                   FarPoint farPoint) const {
+    if (pair.fitted) {
+        const double leftShare = pair.activeIsLeft ? 1.0 : 0.0;
+        return {
+            FarValue(farPoint, pair.a, pair.b, pair.fitted->WithShare(leftShare)),
+            FarValue(farPoint, pair.b, pair.a, pair.fitted->WithShare(1.0 - leftShare)),
+        };
+    }
     const Vec3 d = pair.xRight - pair.xLeft;
     Vec3 offMiddle = faceCentre - 0.5 * (pair.xLeft + pair.xRight);
     if (IsNegligible(offMiddle, d)) {
@@ -145,9 +199,25 @@ BoundaryStencils StencilBuilder::AtBoundary(Boundary kind, int face) const {
         at.normal.Add(gradient.Along(tangential));
     }
     at.left.Add(geometry.cell, 1.0);
+    if (geometry.oversetGroup > 0 && interfaceValue == InterfaceValue::Fitted) {
+        at.farLeft.Add(geometry.cell, 3.0);
+        at.farLeft.Add(AtOversetFace(face, /*cellShare=*/1.0), -2.0);
+        return at;
+    }
     at.farLeft.Add(geometry.cell, 1.0);
     at.farLeft.Add(gradient.Along(-2.0 * d));
     return at;
+}
+
+Stencil StencilBuilder::AtOversetFace(int wallFace, double cellShare) const {
+    const BoundaryFace& geometry = mesh.Faces(Boundary::Wall)[wallFace];
+    const auto fitted = FittedAt(geometry.cell, link.WallDonor(wallFace), geometry.centre);
+    if (fitted) {
+        return fitted->WithShare(cellShare);
+    }
+    Stencil mean(geometry.cell, 0.5);
+    mean.Add(Mirrored(wallFace), 0.5);
+    return mean;
 }
 
 Stencil StencilBuilder::Mirrored(int wallFace) const {

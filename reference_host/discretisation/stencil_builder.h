@@ -1,6 +1,8 @@
 #ifndef KVX3D_REFERENCE_HOST_DISCRETISATION_STENCIL_BUILDER_H
 #define KVX3D_REFERENCE_HOST_DISCRETISATION_STENCIL_BUILDER_H
 
+#include <optional>
+
 #include "reference_host/discretisation/donor_interpolation.h"
 #include "reference_host/discretisation/gradient.h"
 #include "reference_host/discretisation/stencil.h"
@@ -37,6 +39,19 @@ struct BoundaryStencils {
     Stencil farLeft;  ///< such that 1.5 left - 0.5 farLeft is the value at the face center
 };
 
+/// What stands for the value on a face between two grids, with the active cell C, the face center P
+/// and the mirrored point Q = 2P - C.
+enum class InterfaceValue {
+    /// The mean of C and Q and, with the far-upstream stencils, values extrapolated from C or Q:
+    /// second-order accurate with the cell size of either grid. For scalars.
+    Mirrored,
+    /// I(P) + s (phi_C - I(C)), where I is the quadratic fit in the donor's grid: third-order
+    /// accurate. The share s is 1 for flow out of the cell, 0 for flow into it and 1/2 where no
+    /// direction is preferred. For a flow, whose balance of momentum between the grids depends on
+    /// these values.
+    Fitted
+};
+
 /// Builds the stencils of every face from one set of cell gradients.
 ///
 /// The unknown of a ghost cell is the value at the center of its face. At a hole boundary, on
@@ -50,7 +65,7 @@ class StencilBuilder {
 public:
     /// Borrows its arguments.
     StencilBuilder(const Mesh& mesh, const HostObjects& objects, const OversetLink& link,
-                   GradientSet set);
+                   GradientSet set, InterfaceValue interfaceValue = InterfaceValue::Mirrored);
 
     /// The gradient of a cell; empty for a cut cell.
     const GradientStencil& Gradient(int cell) const { return gradients[cell]; }
@@ -65,6 +80,10 @@ public:
     BoundaryStencils AtBoundary(Boundary kind, int face) const;
     /// The value at the mirrored point of the cell beside a wall face on an overset boundary.
     Stencil Mirrored(int wallFace) const;
+    /// The value at the center of a wall face on an overset boundary.
+    /// @param cellShare  the share s of InterfaceValue::Fitted; with InterfaceValue::Mirrored the
+    ///                   value is the mean of the cell and its mirrored point
+    Stencil AtOversetFace(int wallFace, double cellShare) const;
 
     /// Number of interpolations so far that used value and gradient of the donor in place of the
     /// quadratic fit; 0 on a mesh with enough overlap.
@@ -75,19 +94,31 @@ public:
     const OversetLink& link;
 
 private:
+    /// The value on a face between two grids, I(P) + s (phi_C - I(C)).
+    struct FittedValue {
+        Stencil atFace;    // I(P)
+        Stencil atActive;  // I(C)
+        Stencil active;    // phi_C
+
+        Stencil WithShare(double cellShare) const;
+    };
     /// The two points that a face stencil connects: value, position and gradient of each side.
     struct Pair {
         Stencil a, b;
         Vec3 xLeft, xRight;
         const GradientStencil* gradLeft;
         const GradientStencil* gradRight;
+        std::optional<FittedValue> fitted;  // on hole boundaries, if such values are wanted
+        bool activeIsLeft = true;           // on hole boundaries
     };
     Pair PairOf(int face) const;
+    std::optional<FittedValue> FittedAt(int cell, int donor, const Vec3& faceCentre) const;
     FarStencils FarOf(const Pair& pair, const Vec3& faceCentre, FarPoint farPoint) const;
     Stencil FaceOf(const Pair& pair, const InnerFace& face) const;
     Stencil NormalOf(const Pair& pair, const InnerFace& face, FaceSide side) const;
     Stencil ValueInDonorGrid(int donor, const Vec3& point) const;
 
+    const InterfaceValue interfaceValue;
     const CellFaces cellFaces;
     const CellGradients gradients;
     const DonorInterpolation interpolation;

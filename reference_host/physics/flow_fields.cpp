@@ -4,44 +4,53 @@
 #include <vector>
 
 #include "reference_host/discretisation/norm.h"
-#include "reference_host/link/body.h"
 
 namespace host {
 
 namespace {
 
 BoundaryConditions VelocityConditions(const Mesh& mesh, const OversetLink& link,
-                                      const InletProfile& inlet, const Vec3& farWalls,
-                                      int component) {
+                                      const FlowBoundary& boundary, int component) {
     return {mesh, link, [&](Boundary kind, int face) -> GhostCondition {
-                if (kind == Boundary::Outlet) {
+                const Vec3& at = mesh.Faces(kind)[face].centre;
+                Vec3 velocity = Vec3::Zero();
+                if (kind == Boundary::Inlet) {
+                    velocity = boundary.inlet(at);
+                } else if (kind == Boundary::Wall && boundary.walls) {
+                    velocity = boundary.walls(RoleOf(mesh, link, face), at);
+                } else if (kind == Boundary::Outlet && boundary.outlet) {
+                    velocity = boundary.outlet(at);
+                } else if (kind == Boundary::Outlet) {
                     return {GhostCondition::Kind::ZeroGradient, 0.0};
                 }
-                if (kind == Boundary::Inlet) {
-                    return {GhostCondition::Kind::Value,
-                            inlet(mesh.Faces(kind)[face].centre)[component]};
-                }
-                const bool rests = IsBody(mesh, link, kind, face);
-                return {GhostCondition::Kind::Value, rests ? 0.0 : farWalls[component]};
+                return {GhostCondition::Kind::Value, velocity[component]};
             }};
 }
 
-BoundaryConditions PressureConditions(const Mesh& mesh, const OversetLink& link) {
-    return {mesh, link, [](Boundary kind, int) -> GhostCondition {
-                return {kind == Boundary::Outlet ? GhostCondition::Kind::Value
-                                                 : GhostCondition::Kind::ZeroGradient,
+BoundaryConditions PressureConditions(const Mesh& mesh, const OversetLink& link,
+                                      const FlowBoundary& boundary) {
+    return {mesh, link, [&](Boundary kind, int) -> GhostCondition {
+                const bool isGiven = kind == Boundary::Outlet && !boundary.outlet;
+                return {isGiven ? GhostCondition::Kind::Value : GhostCondition::Kind::ZeroGradient,
                         0.0};
             }};
 }
 
 }  // namespace
 
-FlowConditions::FlowConditions(const Mesh& mesh, const OversetLink& link, const InletProfile& inlet,
-                               const Vec3& farWalls)
-    : velocity{VelocityConditions(mesh, link, inlet, farWalls, 0),
-               VelocityConditions(mesh, link, inlet, farWalls, 1),
-               VelocityConditions(mesh, link, inlet, farWalls, 2)},
-      pressure(PressureConditions(mesh, link)) {}
+WallVelocity MovingFarWalls(const Vec3& far) {
+    return [far](WallRole role, const Vec3&) {
+        return role == WallRole::Body ? Vec3(Vec3::Zero()) : far;
+    };
+}
+
+FlowConditions::FlowConditions(const Mesh& mesh, const OversetLink& link,
+                               const FlowBoundary& boundary)
+    : isClosed(boundary.outlet || mesh.FaceCount(Boundary::Outlet) == 0),
+      velocity{VelocityConditions(mesh, link, boundary, 0),
+               VelocityConditions(mesh, link, boundary, 1),
+               VelocityConditions(mesh, link, boundary, 2)},
+      pressure(PressureConditions(mesh, link, boundary)) {}
 
 FlowFields::FlowFields(int cellAndGhostCount) : pressure(cellAndGhostCount + 1, 0.0) {
     velocity.fill(pressure);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "reference_host/discretisation/boundary_conditions.h"
+#include "reference_host/link/body.h"
 #include "reference_host/link/host_objects.h"
 #include "reference_host/link/overset_link.h"
 #include "reference_host/mesh/mesh.h"
@@ -15,13 +16,27 @@ namespace host {
 /// Velocity as a function of a point of the inlet.
 using InletProfile = std::function<Vec3(const Vec3& point)>;
 
-/// The boundary conditions of a flow: given velocity at inlets and on walls, zero pressure at
-/// outlets, zero gradient elsewhere. The body is at rest.
-struct FlowConditions {
-    /// @param farWalls  velocity of all walls except those of the body, parallel to them
-    FlowConditions(const Mesh& mesh, const OversetLink& link, const InletProfile& inlet,
-                   const Vec3& farWalls = Vec3::Zero());
+/// Velocity of a wall at one of its points, by what the wall stands for.
+using WallVelocity = std::function<Vec3(WallRole role, const Vec3& point)>;
 
+/// The velocities at the boundaries of a flow.
+struct FlowBoundary {
+    InletProfile inlet;
+    WallVelocity walls;   ///< none: all walls are at rest
+    InletProfile outlet;  ///< given velocity at outlets; none: zero pressure and no gradient there
+};
+
+/// Velocity `far` on all walls except those of the body, which is at rest.
+WallVelocity MovingFarWalls(const Vec3& far);
+
+/// The boundary conditions of a flow: given velocity at inlets, walls and outlets, or zero pressure
+/// at outlets; zero gradient elsewhere.
+struct FlowConditions {
+    FlowConditions(const Mesh& mesh, const OversetLink& link, const FlowBoundary& boundary);
+
+    /// Whether the velocity is given on the whole boundary. The pressure is then determined up to a
+    /// constant only, and the net flux through the boundary must be zero.
+    bool isClosed;
     std::array<BoundaryConditions, 3> velocity;  ///< components x, y, z
     BoundaryConditions pressure;                 ///< of the pressure and of the pressure correction
 };

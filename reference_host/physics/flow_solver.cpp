@@ -5,6 +5,8 @@
 #include <numeric>
 
 #include "reference_host/discretisation/face_flux.h"
+#include "reference_host/physics/forces.h"
+#include "reference_host/physics/momentum_flux.h"
 #include "reference_host/physics/wall_driven_flux.h"
 
 namespace host {
@@ -17,31 +19,54 @@ FlowSolver::FlowSolver(const Mesh& mesh_, HostObjects& objects, const OversetLin
                        const FlowSettings& settings)
     : mesh(mesh_),
       link(link_),
-      conditions(mesh_, link_, settings.inlet, settings.farWalls),
+      conditions(mesh_, link_, settings),
       momentum(mesh_, objects, link_, conditions, settings.scheme, settings.mu, settings.relaxation,
                settings.momentumSolver),
       pressure(mesh_, objects, link_, conditions, settings.relaxation, settings.pressureSolver),
+      hole(mesh_, link_),
+      conservation(settings.conservation),
       fields(objects.CellAndGhostCount()),
       flux(&momentum.records.gv, /*shared=*/false) {
     momentum.equation.solver.SetTolerance(settings.momentumTolerance);
     pressure.equation.solver.SetTolerance(settings.pressureTolerance);
     momentum.equation.solver.SetTimes(settings.maxSolverIterations);
     pressure.equation.solver.SetTimes(settings.maxSolverIterations);
-    Start(settings.inlet);
+    if (settings.force) {
+        momentum.SetForce(settings.force);
+    }
+    Start(settings);
 }
 
-void FlowSolver::Start(const InletProfile& inlet) {
+void FlowSolver::Start(const FlowSettings& settings) {
+    const InletProfile& start = settings.start ? settings.start : settings.inlet;
     for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
         if (!link.IsActive(cell)) {
             continue;
         }
-        const Vec3 velocity = inlet(mesh.cellCentre[cell]);
+        const Vec3 velocity = start(mesh.cellCentre[cell]);
         for (int component = 0; component < 3; ++component) {
             fields.velocity[component][cell] = velocity[component];
         }
     }
     momentum.FillGhosts(fields);
+    Predict();
+}
+
+void FlowSolver::Predict() {
     pressure.PredictFluxes(fields, momentum.records, flux);
+    hole.CorrectFluxes(flux);
+}
+
+/// Adds what is still missing to the corrections at the hole boundary.
+void FlowSolver::UpdateHole() {
+    if (conservation == Conservation::None) {
+        return;
+    }
+    hole.UpdateMass(flux);
+    if (conservation == Conservation::MassAndMomentum) {
+        const MomentumFlux through(momentum, pressure, fields, flux);
+        hole.UpdateMomentum(ForceOnBody(momentum, fields), through.IntoHole(hole));
+    }
 }
 
 FlowIteration FlowSolver::Iterate() {
@@ -49,10 +74,10 @@ FlowIteration FlowSolver::Iterate() {
     FlowIteration report;
 
     momentum.Assemble(flux);
-    report.momentum = momentum.Solve(pressure.Gradient(), fields);
+    report.momentum = momentum.Solve(pressure.Gradient(), hole, fields);
 
     pressure.SetCoefficients(momentum.Coefficients());
-    pressure.PredictFluxes(fields, momentum.records, flux);
+    Predict();
     const std::vector<double> net = NetOutflow(mesh, link, flux);
     report.massResidual = std::accumulate(net.begin(), net.end(), 0.0,
                                           [](double sum, double x) { return sum + std::abs(x); }) /
@@ -61,6 +86,7 @@ FlowIteration FlowSolver::Iterate() {
     pressure.Correct(fields, flux);
     momentum.FillGhosts(fields);
     pressure.UpdatePressure(fields);
+    UpdateHole();
 
     report.change = RelativeChange(before, fields, mesh.CellCount());
     return report;
@@ -78,7 +104,7 @@ double FlowSolver::MassScale() const {
 double FlowSolver::MassDefect() const {
     const double outflow =
         std::accumulate(flux.outlet + 1, flux.outlet + mesh.FaceCount(Boundary::Outlet) + 1, 0.0);
-    return (outflow - Inflow()) / Inflow();
+    return Inflow() > 0.0 ? (outflow - Inflow()) / Inflow() : 0.0;
 }
 
 }  // namespace host

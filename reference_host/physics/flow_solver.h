@@ -6,16 +6,22 @@
 #include "reference_host/discretisation/scheme.h"
 #include "reference_host/discretisation/solver_matrix.h"
 #include "reference_host/physics/flow_fields.h"
+#include "reference_host/physics/hole_balance.h"
 #include "reference_host/physics/momentum.h"
 #include "reference_host/physics/pressure_correction.h"
 
 namespace host {
 
 /// Settings of a steady laminar flow of density 1.
-struct FlowSettings {
-    InletProfile inlet;
-    double mu = 0.0;               ///< dynamic viscosity
-    Vec3 farWalls = Vec3::Zero();  ///< velocity of all walls except those of the body
+struct FlowSettings : FlowBoundary {
+    double mu = 0.0;  ///< dynamic viscosity
+    /// Force per volume on the fluid; none: no force.
+    std::function<Vec3(const Vec3& point)> force;
+    /// Velocity from which the run starts; none: that of the inlet, in the whole domain.
+    InletProfile start;
+    /// A force per volume acts between the body and the hole boundary as well, so that the forces
+    /// on the two differ: with it, choose Mass.
+    Conservation conservation = Conservation::MassAndMomentum;
     Scheme scheme = Scheme::LinearUpwind;
     double relaxation = 0.9;          ///< factor a of the momentum equations, between 0 and 1
     double momentumTolerance = 1e-2;  ///< residual reduction of a linear solve for momentum
@@ -65,23 +71,28 @@ public:
     /// Volume flux to which the mass residual is relative: the inflow, or that of the moving walls
     /// where nothing flows in (WallDrivenFlux()).
     double MassScale() const;
-    /// (outflow - inflow) / inflow, the mass that the interpolation between the grids gains or
-    /// loses.
+    /// (outflow - inflow) / inflow, the mass that the domain gains or loses; 0 without an inflow.
     double MassDefect() const;
 
     const FlowFields& Fields() const { return fields; }
     const CMAFVMFaceVariableAll& Flux() const { return flux; }
+    /// The corrections that make the hole boundary conservative.
+    const HoleBalance& Hole() const { return hole; }
     const Momentum& MomentumPart() const { return momentum; }
     const PressureCorrection& PressurePart() const { return pressure; }
 
 private:
-    void Start(const InletProfile& inlet);
+    void Start(const FlowSettings& settings);
+    void Predict();
+    void UpdateHole();
 
     const Mesh& mesh;
     const OversetLink& link;
     const FlowConditions conditions;
     Momentum momentum;
     PressureCorrection pressure;
+    HoleBalance hole;
+    const Conservation conservation;
     FlowFields fields;
     CMAFVMFaceVariableAll flux;
 };

@@ -23,7 +23,7 @@ double Weight(const int* ids, const double* coefs, int cell) {
 Momentum::Momentum(const Mesh& mesh, HostObjects& objects_, const OversetLink& link,
                    const FlowConditions& conditions_, Scheme scheme_, double mu_,
                    double relaxation_, MatrixSolver matrixSolver)
-    : builder(mesh, objects_, link, GradientSet::Velocity),
+    : builder(mesh, objects_, link, GradientSet::Velocity, InterfaceValue::Fitted),
       records(builder, objects_, FarPointOf(scheme_)),
       equation(builder, records, ReachOf(scheme_), matrixSolver),
       mu(mu_),
@@ -33,6 +33,16 @@ Momentum::Momentum(const Mesh& mesh, HostObjects& objects_, const OversetLink& l
       relaxation(relaxation_),
       dimensions(mesh.IsQuasi2d() ? 2 : 3) {
     SumDiffusionWeights();
+}
+
+void Momentum::SetForce(const std::function<Vec3(const Vec3& point)>& force) {
+    const Mesh& mesh = builder.mesh;
+    forces.assign(mesh.CellCount() + 1, Vec3::Zero());
+    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+        if (builder.link.IsActive(cell)) {
+            forces[cell] = mesh.volume[cell] * force(mesh.cellCentre[cell]);
+        }
+    }
 }
 
 void Momentum::SumDiffusionWeights() {
@@ -99,7 +109,8 @@ double Momentum::NormalStressAtSymmetry(const BoundaryFace& face, const Vec3& ve
 }
 
 std::vector<double> Momentum::RightHandSide(const std::vector<Vec3>& pressureGradient,
-                                            const FlowFields& fields, int component) const {
+                                            const HoleBalance& hole, const FlowFields& fields,
+                                            int component) const {
     const Mesh& mesh = builder.mesh;
     std::vector<double> rhs(records.gv.NcAll + 1, 0.0);
     const double relaxed = (1.0 - relaxation) / relaxation;
@@ -111,16 +122,20 @@ std::vector<double> Momentum::RightHandSide(const std::vector<Vec3>& pressureGra
         const BoundaryFace& plane = mesh.Faces(Boundary::Symmetry)[face];
         rhs[plane.cell] += NormalStressAtSymmetry(plane, fields.Velocity(plane.cell), component);
     }
+    for (int cell = 1; !forces.empty() && cell <= mesh.CellCount(); ++cell) {
+        rhs[cell] += forces[cell][component];
+    }
+    hole.SubtractForce(component, rhs);
     equation.FillGhostRows(conditions.velocity[component], rhs);
     return rhs;
 }
 
 std::vector<LinearSolve> Momentum::Solve(const std::vector<Vec3>& pressureGradient,
-                                         FlowFields& fields) {
+                                         const HoleBalance& hole, FlowFields& fields) {
     std::vector<std::vector<double>> rhs;
     rhs.reserve(dimensions);
     for (int component = 0; component < dimensions; ++component) {
-        rhs.push_back(RightHandSide(pressureGradient, fields, component));
+        rhs.push_back(RightHandSide(pressureGradient, hole, fields, component));
     }
     std::vector<LinearSolve> solves;
     for (int component = 0; component < dimensions; ++component) {

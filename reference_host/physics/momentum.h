@@ -1,6 +1,7 @@
 #ifndef KVX3D_REFERENCE_HOST_PHYSICS_MOMENTUM_H
 #define KVX3D_REFERENCE_HOST_PHYSICS_MOMENTUM_H
 
+#include <functional>
 #include <vector>
 
 #include "reference_host/discretisation/equation.h"
@@ -8,6 +9,7 @@
 #include "reference_host/discretisation/stencil_builder.h"
 #include "reference_host/discretisation/stencil_records.h"
 #include "reference_host/physics/flow_fields.h"
+#include "reference_host/physics/hole_balance.h"
 
 namespace host {
 
@@ -28,6 +30,9 @@ public:
              const FlowConditions& conditions, Scheme scheme, double mu, double relaxation,
              MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
 
+    /// Sets a force per volume that acts on the fluid. None acts before the first call.
+    void SetForce(const std::function<Vec3(const Vec3& point)>& force);
+
     /// Assembles convection with the given fluxes, diffusion and relaxation into the matrix.
     void Assemble(CMAFVMFaceVariableAll& flux);
 
@@ -35,9 +40,11 @@ public:
     /// velocity.
     ///
     /// @param         pressureGradient  by cell, entries 1..Nc
+    /// @param         hole              its force is subtracted at the hole boundary
     /// @param[in,out] fields            velocity: first guess and solution
     /// @return the linear solve of each component
-    std::vector<LinearSolve> Solve(const std::vector<Vec3>& pressureGradient, FlowFields& fields);
+    std::vector<LinearSolve> Solve(const std::vector<Vec3>& pressureGradient,
+                                   const HoleBalance& hole, FlowFields& fields);
 
     /// Computes the velocity of the ghosts from the cells and the conditions.
     void FillGhosts(FlowFields& fields) const;
@@ -66,7 +73,8 @@ private:
     void SumDiffusionWeights();
     void SumCoefficients(const CMAFVMFaceVariableAll& flux);
     std::vector<double> RightHandSide(const std::vector<Vec3>& pressureGradient,
-                                      const FlowFields& fields, int component) const;
+                                      const HoleBalance& hole, const FlowFields& fields,
+                                      int component) const;
 
     HostObjects& objects;
     const FlowConditions& conditions;
@@ -75,6 +83,7 @@ private:
     const int dimensions;
     std::vector<double> diffusionWeights;  // by cell: the part of a* without fluxes
     std::vector<double> coefficients;      // by cell
+    std::vector<Vec3> forces;              // by cell, integrated over it; empty: none
 };
 
 }  // namespace host

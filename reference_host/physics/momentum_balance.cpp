@@ -2,92 +2,18 @@
 
 #include <cmath>
 
-#include "reference_host/discretisation/convected_value.h"
-#include "reference_host/discretisation/face_flux.h"
 #include "reference_host/link/body.h"
 #include "reference_host/physics/forces.h"
+#include "reference_host/physics/momentum_flux.h"
 
 namespace host {
-
-namespace {
-
-bool IsOnHoleBoundary(const OversetLink& link, int face) {
-    return link.Side(face) == FaceSide::DonorIsSecond || link.Side(face) == FaceSide::DonorIsFirst;
-}
-
-/// Volume flux through a hole-boundary face, out of the active cell.
-double FluxIntoHole(const OversetLink& link, const CMAFVMFaceVariableAll& flux, int face) {
-    return link.Side(face) == FaceSide::DonorIsFirst ? -flux.right[face] : flux.left[face];
-}
-
-}  // namespace
-
-MomentumFlux::MomentumFlux(const Momentum& momentum_, const StencilRecords& pressureRecords_,
-                           const FlowFields& fields_, const CMAFVMFaceVariableAll& flux_)
-    : momentum(momentum_), pressureRecords(pressureRecords_), fields(fields_), flux(flux_) {}
-
-Vec3 MomentumFlux::Inner(int face) const {
-    const StencilBuilder& builder = momentum.builder;
-    const CMAFVMFaceData& record = momentum.records.Inner(face);
-    const CMAFVMFaceData& pressureRecord = pressureRecords.Inner(face);
-    const double through =
-        builder.link.Side(face) == FaceSide::DonorIsFirst ? flux.right[face] : flux.left[face];
-    Vec3 sum = Apply(pressureRecord.idFace, pressureRecord.coefFace, fields.pressure) *
-               builder.mesh.innerFaces[face].area;
-    for (int component = 0; component < momentum.Dimensions(); ++component) {
-        const std::vector<double>& u = fields.velocity[component];
-        sum[component] +=
-            through * ConvectedValue(momentum.ConvectionScheme(), record, builder.link.First(face),
-                                     builder.link.Second(face), through, u) -
-            momentum.mu * Apply(record.idNormal, record.coefNormal, u);
-    }
-    return sum;
-}
-
-Vec3 MomentumFlux::IntoHole(int face) const {
-    return momentum.builder.link.Side(face) == FaceSide::DonorIsFirst ? Vec3(-Inner(face))
-                                                                      : Inner(face);
-}
-
-Vec3 MomentumFlux::AtSymmetry(const BoundaryFace& plane) const {
-    Vec3 stress;
-    for (int component = 0; component < 3; ++component) {
-        stress[component] =
-            momentum.NormalStressAtSymmetry(plane, fields.Velocity(plane.cell), component);
-    }
-    return -stress;
-}
-
-Vec3 MomentumFlux::AtBoundary(Boundary kind, int face) const {
-    const StencilBuilder& builder = momentum.builder;
-    const BoundaryFace& geometry = builder.mesh.Faces(kind)[face];
-    if (!builder.link.IsActive(geometry.cell)) {
-        return Vec3::Zero();
-    }
-    const int ghost = builder.objects.Ghost(kind, face);
-    Vec3 sum = fields.pressure[ghost] * geometry.area;
-    if (kind == Boundary::Symmetry) {
-        return sum + AtSymmetry(geometry);
-    }
-    const CMAFVMFaceData& record = momentum.records.AtBoundary(kind, face);
-    const double through = BoundaryFlux(flux, kind)[face];
-    const double mu = momentum.IsViscousAt(kind, face) ? momentum.mu : 0.0;
-    for (int component = 0; component < momentum.Dimensions(); ++component) {
-        const std::vector<double>& u = fields.velocity[component];
-        sum[component] += through * ConvectedBoundaryValue(momentum.ConvectionScheme(), record,
-                                                           geometry.cell, ghost, through, u) -
-                          mu * Apply(record.idNormal, record.coefNormal, u);
-    }
-    return sum;
-}
 
 BodyForces ForcesFromMomentumBalance(const FlowSolver& flow) {
     const Momentum& momentum = flow.MomentumPart();
     const Mesh& mesh = momentum.builder.mesh;
     const OversetLink& link = momentum.builder.link;
-    const MomentumFlux through(momentum, flow.PressurePart().records, flow.Fields(), flow.Flux());
+    const MomentumFlux through(momentum, flow.PressurePart(), flow.Fields(), flow.Flux());
     Vec3 overset = Vec3::Zero();
-    Vec3 hole = Vec3::Zero();
     BodyForces forces;
     forces.body = ForceOnBody(momentum, flow.Fields());
     for (const Boundary kind : allBoundaries) {
@@ -99,14 +25,9 @@ BodyForces ForcesFromMomentumBalance(const FlowSolver& flow) {
             }
         }
     }
-    for (int face = 1; face <= mesh.InnerFaceCount(); ++face) {
-        if (IsOnHoleBoundary(link, face)) {
-            hole += through.IntoHole(face);
-        }
-    }
     if (link.IsOverset()) {
         forces.overset = overset;
-        forces.hole = hole;
+        forces.hole = through.IntoHole(flow.Hole()) + flow.Hole().Force();
     }
     return forces;
 }
@@ -139,13 +60,7 @@ std::optional<double> InterfaceMassDefect(const FlowSolver& flow) {
     if (!builder.link.IsOverset() || stream == 0.0) {
         return std::nullopt;
     }
-    double intoHole = 0.0;
-    for (int face = 1; face <= builder.mesh.InnerFaceCount(); ++face) {
-        if (IsOnHoleBoundary(builder.link, face)) {
-            intoHole += FluxIntoHole(builder.link, flow.Flux(), face);
-        }
-    }
-    return -intoHole / stream;
+    return -flow.Hole().NetFlux(flow.Flux()) / stream;
 }
 
 }  // namespace host

@@ -7,37 +7,6 @@
 
 namespace host {
 
-/// The momentum that crosses a face: F u + p S - mu du/dn |S|, with the volume flux F, the area
-/// vector S and the values of velocity and pressure that the discretized equations have at the
-/// face.
-///
-/// u is the value that the convection scheme multiplies with F, p the Face stencil of the pressure
-/// or, at a boundary, the unknown of the ghost cell, and du/dn |S| the Normal stencil of the
-/// velocity. Therefore the fluxes through all faces of a cell add up to what the rows of the
-/// momentum matrix contain for it, apart from relaxation and net outflow.
-class MomentumFlux {
-public:
-    /// Borrows its arguments.
-    MomentumFlux(const Momentum& momentum, const StencilRecords& pressureRecords,
-                 const FlowFields& fields, const CMAFVMFaceVariableAll& flux);
-
-    /// Through an inner face, from its first to its second cell; one of them at least is active.
-    Vec3 Inner(int face) const;
-    /// Through a hole-boundary face, out of the active cell.
-    Vec3 IntoHole(int face) const;
-    /// Through a boundary face, out of the domain; zero at a cut cell. On symmetry planes the
-    /// normal viscous stress takes the place of mu du/dn |S|.
-    Vec3 AtBoundary(Boundary kind, int face) const;
-
-private:
-    Vec3 AtSymmetry(const BoundaryFace& plane) const;
-
-    const Momentum& momentum;
-    const StencilRecords& pressureRecords;
-    const FlowFields& fields;
-    const CMAFVMFaceVariableAll& flux;
-};
-
 /// The force of the flow on the body, measured at the body and through three control surfaces
 /// around it. In a steady flow all four would be equal if the equations held everywhere between the
 /// body and the outer boundary.

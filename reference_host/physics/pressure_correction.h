@@ -7,17 +7,21 @@
 #include "reference_host/discretisation/stencil_builder.h"
 #include "reference_host/discretisation/stencil_records.h"
 #include "reference_host/physics/flow_fields.h"
+#include "reference_host/physics/pressure_gradient.h"
 
 namespace host {
 
 /// The equation of the pressure correction, which makes the face fluxes divergence-free.
 ///
 /// The SIMPLEC method uses two coefficients here. D = a V / ((1 - a) a*) relates the gradient of
-/// the correction to the change of velocity, and E = a V / a* is the factor of the Rhie-Chow
-/// pressure term in the face fluxes. With D in its place that term would be larger by 1 / (1 - a)
-/// and smooth the pressure too much. Faces on the hole and overset boundaries of both grids are
-/// corrected like all others. This determines the level of the pressure on both grids, and no
-/// separate correction of the mass balance is needed.
+/// the correction to the change of velocity, and E = V / a* is the factor of the Rhie-Chow pressure
+/// term in the face fluxes. D is as large as the method allows, so that few iterations suffice; E
+/// does not contain the relaxation a, so that the converged flow does not depend on it. Faces on the
+/// hole and overset boundaries of both grids are corrected like all others. This determines the
+/// level of the pressure of one grid relative to the other.
+///
+/// If the velocity is given on the whole boundary, the pressure is determined up to a constant. The
+/// correction is then fixed in one cell and the mean of the pressure over all cells is set to zero.
 ///
 /// Sources: J. P. van Doormaal, G. D. Raithby, Numer. Heat Transfer 7 (1984) 147-163,
 /// doi:10.1080/01495728408961817; C. M. Rhie, W. L. Chow, AIAA J. 21 (1983) 1525-1532,
@@ -36,6 +40,9 @@ public:
 
     /// Computes the fluxes of the current velocity: the interpolation to the faces by the stencils
     /// of the velocity, plus the Rhie-Chow term, which couples the pressures of neighboring cells.
+    /// The term is E times the difference between the pressure gradient at the face and the mean of
+    /// the two cells' gradients. These are the gradients that the momentum equations contain, and
+    /// the mean has the weights of the velocity, so that the term replaces them completely.
     void PredictFluxes(const FlowFields& fields, const StencilRecords& velocityRecords,
                        CMAFVMFaceVariableAll& flux) const;
 
@@ -47,28 +54,34 @@ public:
     /// Corrects the fluxes, the pressure and the cell velocities.
     void Correct(FlowFields& fields, CMAFVMFaceVariableAll& flux);
 
-    /// Updates the ghosts and the gradient of the pressure. The pressure has no condition at inlets
-    /// and physical walls and is extrapolated to them.
+    /// Updates the ghosts and the gradient of the pressure, and its level in a closed domain.
     void UpdatePressure(FlowFields& fields);
 
     /// Pressure gradient by cell from the last UpdatePressure(), entries 1..Nc; zero in cut cells.
     const std::vector<Vec3>& Gradient() const { return gradient; }
+    /// The values of the pressure at the faces.
+    const PressureGradient& Faces() const { return faces; }
 
     const StencilBuilder builder;
     StencilRecords records;
     Equation equation;
 
 private:
-    /// Whether the flux through a boundary face is corrected: it is an outlet or overset face.
-    bool IsOpen(Boundary kind, int face) const;
     double NormalAt(const CMAFVMFaceData& record, const std::vector<double>& phi) const;
     double InnerFlux(int face, const FlowFields& fields, const StencilRecords& velocities) const;
     double BoundaryFluxAt(Boundary kind, int face, const FlowFields& fields) const;
+    Vec3 MeanGradientAt(Boundary kind, int face) const;
+    void CloseBoundary(CMAFVMFaceVariableAll& flux) const;
+    void SetLevel(std::vector<double>& phi) const;
+    int FixedCell() const;
 
     HostObjects& objects;
     const FlowConditions& conditions;
     const double relaxation;
-    std::vector<double> cellD;  // by cell; inner faces have theirs in faceMu
+    const PressureGradient faces;
+    std::vector<double> weights;    // by inner face: of the first cell in a mean of both cells
+    std::vector<Stencil> mirrored;  // by wall face: the value at the mirrored point of its cell
+    std::vector<double> cellD;      // by cell; inner faces have theirs in faceMu
     std::vector<Vec3> gradient;
     std::vector<double> correction;  // entries 1..NcAll
 };
