@@ -59,9 +59,12 @@ public:
     InnerStencils Inner(int face, FarPoint farPoint) const;
     /// The far-upstream stencils alone, of an inner face with at least one active cell.
     FarStencils Far(int face, FarPoint farPoint) const;
-    /// Whether a boundary face adds nothing to the matrix: a symmetry face or a face of a cut cell.
+    /// Whether nothing flows through a boundary face: a symmetry face or a face of a cut cell.
     bool IsSilent(Boundary kind, int face) const;
-    /// Stencils of a boundary face that is not silent.
+    /// Whether a boundary face adds something to the matrix: every face that is not silent, and
+    /// symmetry faces of active cells under GradientSet::VectorAtSymmetry.
+    bool HasStencils(Boundary kind, int face) const;
+    /// Stencils of a boundary face that has some.
     BoundaryStencils AtBoundary(Boundary kind, int face) const;
     /// The value at the mirrored point of the cell beside a wall face on an overset boundary.
     Stencil Mirrored(int wallFace) const;
@@ -75,6 +78,7 @@ public:
     const OversetLink& link;
 
 private:
+    const GradientSet set;
     /// The two points that a face stencil connects: value, position and gradient of each side.
     struct Pair {
         Stencil a, b;

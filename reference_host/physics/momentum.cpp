@@ -23,7 +23,8 @@ double Weight(const int* ids, const double* coefs, int cell) {
 Momentum::Momentum(const Mesh& mesh, HostObjects& objects_, const OversetLink& link,
                    const FlowConditions& conditions_, Scheme scheme_, double mu_,
                    double relaxation_, MatrixSolver matrixSolver)
-    : builder(mesh, objects_, link, GradientSet::Velocity),
+    : builder(mesh, objects_, link,
+              mesh.IsQuasi2d() ? GradientSet::Velocity : GradientSet::VectorAtSymmetry),
       records(builder, objects_, FarPointOf(scheme_)),
       equation(builder, records, ReachOf(scheme_), matrixSolver),
       mu(mu_),
@@ -32,6 +33,9 @@ Momentum::Momentum(const Mesh& mesh, HostObjects& objects_, const OversetLink& l
       scheme(scheme_),
       relaxation(relaxation_),
       dimensions(mesh.IsQuasi2d() ? 2 : 3) {
+    if (dimensions == 3) {
+        planes.emplace(mesh, objects, link);
+    }
     SumDiffusionWeights();
 }
 
@@ -70,6 +74,9 @@ void Momentum::SumCoefficients(const CMAFVMFaceVariableAll& flux) {
 void Momentum::Assemble(CMAFVMFaceVariableAll& flux) {
     const Mesh& mesh = builder.mesh;
     conditions.velocity[0].SetGhostMu(mesh, objects, std::vector<double>(mesh.CellCount() + 1, mu));
+    if (planes) {
+        planes->SetGhostMu(objects, mu);
+    }
     records.SetFaceMu(mu);
     equation.Clear();
     KVX_ART_FVM::CKVX_ART_MatOperator operators(&equation.matrix, &records.gv);
@@ -89,15 +96,6 @@ void Momentum::Assemble(CMAFVMFaceVariableAll& flux) {
     equation.CloseRows(conditions.velocity[0], coefficients);
 }
 
-/// Contribution of the normal viscous stress at a symmetry plane to the right-hand side: the normal
-/// velocity is zero on the plane. It is explicit because all components share one matrix.
-double Momentum::NormalStressAtSymmetry(const BoundaryFace& face, const Vec3& velocity,
-                                        int component) const {
-    const Vec3 n = face.area.normalized();
-    const Vec3 d = face.centre - builder.mesh.cellCentre[face.cell];
-    return -mu * face.area.norm() / d.dot(n) * velocity.dot(n) * n[component];
-}
-
 std::vector<double> Momentum::RightHandSide(const std::vector<Vec3>& pressureGradient,
                                             const FlowFields& fields, int component) const {
     const Mesh& mesh = builder.mesh;
@@ -107,12 +105,20 @@ std::vector<double> Momentum::RightHandSide(const std::vector<Vec3>& pressureGra
         rhs[cell] = relaxed * coefficients[cell] * fields.velocity[component][cell] -
                     mesh.volume[cell] * pressureGradient[cell][component];
     }
-    for (int face = 1; dimensions == 3 && face <= mesh.FaceCount(Boundary::Symmetry); ++face) {
-        const BoundaryFace& plane = mesh.Faces(Boundary::Symmetry)[face];
-        rhs[plane.cell] += NormalStressAtSymmetry(plane, fields.Velocity(plane.cell), component);
-    }
     equation.FillGhostRows(conditions.velocity[component], rhs);
+    if (planes) {
+        planes->FillRightHandSide(component, fields.velocity, coefficients, rhs);
+    }
     return rhs;
+}
+
+void Momentum::SetSymmetryRows(int component, double sign) {
+    if (planes) {
+        planes->ChangeRows(component, sign, coefficients,
+                           [this](int row, int column, double value) {
+                               equation.matrix.AddElementValue(row, column, value);
+                           });
+    }
 }
 
 int Momentum::Solve(const std::vector<Vec3>& pressureGradient, FlowFields& fields) {
@@ -123,7 +129,9 @@ int Momentum::Solve(const std::vector<Vec3>& pressureGradient, FlowFields& field
     }
     int iterations = 0;
     for (int component = 0; component < dimensions; ++component) {
+        SetSymmetryRows(component, 1.0);
         iterations += equation.solver.Solve(rhs[component], fields.velocity[component]);
+        SetSymmetryRows(component, -1.0);
     }
     FillGhosts(fields);
     return iterations;
@@ -132,6 +140,9 @@ int Momentum::Solve(const std::vector<Vec3>& pressureGradient, FlowFields& field
 void Momentum::FillGhosts(FlowFields& fields) const {
     for (int component = 0; component < dimensions; ++component) {
         equation.FillGhosts(conditions.velocity[component], fields.velocity[component]);
+    }
+    if (planes) {
+        planes->FillGhosts(fields.velocity);
     }
 }
 

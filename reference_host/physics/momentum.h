@@ -1,6 +1,7 @@
 #ifndef KVX3D_REFERENCE_HOST_PHYSICS_MOMENTUM_H
 #define KVX3D_REFERENCE_HOST_PHYSICS_MOMENTUM_H
 
+#include <optional>
 #include <vector>
 
 #include "reference_host/discretisation/equation.h"
@@ -8,10 +9,12 @@
 #include "reference_host/discretisation/stencil_builder.h"
 #include "reference_host/discretisation/stencil_records.h"
 #include "reference_host/physics/flow_fields.h"
+#include "reference_host/physics/symmetry_planes.h"
 
 namespace host {
 
-/// The momentum equations of a steady flow of density 1. All velocity components share one matrix.
+/// The momentum equations of a steady flow of density 1. All velocity components share one matrix,
+/// except for the ghost rows of symmetry planes, see SymmetryPlanes.
 ///
 /// The relaxation is based on a coefficient a* of each cell, the sum of its outgoing fluxes and of
 /// the diffusion weights of the cell itself. It is positive for every scheme, while the diagonal
@@ -55,8 +58,7 @@ public:
 private:
     void SumDiffusionWeights();
     void SumCoefficients(const CMAFVMFaceVariableAll& flux);
-    double NormalStressAtSymmetry(const BoundaryFace& face, const Vec3& velocity,
-                                  int component) const;
+    void SetSymmetryRows(int component, double sign);
     std::vector<double> RightHandSide(const std::vector<Vec3>& pressureGradient,
                                       const FlowFields& fields, int component) const;
 
@@ -65,6 +67,7 @@ private:
     const Scheme scheme;
     const double relaxation;
     const int dimensions;
+    std::optional<SymmetryPlanes> planes;  // in three dimensions
     std::vector<double> diffusionWeights;  // by cell: the part of a* without fluxes
     std::vector<double> coefficients;      // by cell
 };
