@@ -24,6 +24,7 @@ struct ShellMesh {
     const char* name;
     int shell;
     std::size_t nodesPerCell;
+    double outerRadius;
     double smallestVolume;  // of the shell, as a part of that between the two spheres
 
     friend std::ostream& operator<<(std::ostream& out, const ShellMesh& mesh) {
@@ -34,8 +35,12 @@ struct ShellMesh {
 class SphereMesh : public testing::TestWithParam<ShellMesh> {
 public:
     SphereMesh()
-        : mesh(ReadShipped(
-              flowGeo, {{"n", 5}, {"shell", GetParam().shell}, {"sd", 5}, {"up", 5}, {"dn", 5}})) {}
+        : mesh(ReadShipped(flowGeo, {{"n", 5},
+                                     {"shell", GetParam().shell},
+                                     {"sd", 5},
+                                     {"up", 5},
+                                     {"dn", 5},
+                                     {"gr", 1.8}})) {}
 
     const Mesh mesh;
 };
@@ -65,7 +70,8 @@ TEST_P(SphereMesh, FillsTheSpaceBetweenTwoSpheres) {
     for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
         volume += mesh.cavity[cell] == 2 ? mesh.volume[cell] : 0.0;
     }
-    const double whole = 4.0 / 3.0 * std::acos(-1.0) * (1.25 * 1.25 * 1.25 - 0.5 * 0.5 * 0.5);
+    const double outer = GetParam().outerRadius;
+    const double whole = 4.0 / 3.0 * std::acos(-1.0) * (outer * outer * outer - 0.5 * 0.5 * 0.5);
     EXPECT_LT(volume, whole);  // the flat faces cut off parts of the spheres
     EXPECT_GT(volume, GetParam().smallestVolume * whole);
 
@@ -73,16 +79,16 @@ TEST_P(SphereMesh, FillsTheSpaceBetweenTwoSpheres) {
         const host::BoundaryFace& wall = mesh.Faces(Boundary::Wall)[face];
         if (mesh.cavity[wall.cell] == 2) {
             for (const int node : wall.nodes) {
-                ASSERT_NEAR(mesh.nodes[node].norm(), wall.oversetGroup == 1 ? 1.25 : 0.5, 1e-9);
+                ASSERT_NEAR(mesh.nodes[node].norm(), wall.oversetGroup == 1 ? outer : 0.5, 1e-9);
             }
         }
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Shells, SphereMesh,
-                         testing::Values(ShellMesh{"Hexahedra", 0, 8, 0.98},
-                                         ShellMesh{"Prisms", 1, 6, 0.97},
-                                         ShellMesh{"Tetrahedra", 2, 4, 0.97}),
+                         testing::Values(ShellMesh{"Hexahedra", 0, 8, 1.5, 0.98},
+                                         ShellMesh{"Prisms", 1, 6, 1.5, 0.97},
+                                         ShellMesh{"Tetrahedra", 2, 4, 1.25, 0.97}),
                          CaseName<ShellMesh>);
 
 TEST(SphereMeshSides, AreSymmetryPlanesBehindTheFirstLayer) {
@@ -119,7 +125,7 @@ TEST(SphereMeshParameters, AreRefusedIfTheyGiveNoMesh) {
     EXPECT_THAT(error("shell", 3), HasSubstr("shell must be 0, 1 or 2, not 3"));
     EXPECT_THAT(error("ro", 0.5), HasSubstr("ro must be above the radius 0.5"));
     EXPECT_THAT(error("tb", 0), HasSubstr("must be above 0"));
-    EXPECT_THAT(error("to", 4), HasSubstr("no room for layers"));
+    EXPECT_THAT(error("to", 5), HasSubstr("no room for layers"));
 }
 
 }  // namespace
