@@ -8,6 +8,7 @@
 DefineConstant[
   n     = {7,    Name "Parameters/Background cells per diameter around the shell"},
   shell = {0,    Name "Parameters/Cells of the shell, 0 hexahedra, 1 prisms, 2 tetrahedra"},
+  ro    = {1.25, Name "Parameters/Outer radius of the shell"},
   tb    = {0.1,  Name "Parameters/Thickness of the first layer, in 1 over n, not for shell 2"},
   to    = {1.0,  Name "Parameters/Thickness of the outermost layer, in 1 over n, not for shell 2"},
   eo    = {1.0,  Name "Parameters/Edge of the outermost cells, in 1 over n, not for shell 2"},
@@ -19,9 +20,6 @@ DefineConstant[
   slip  = {1,    Name "Parameters/Sides of the box, 1 symmetry planes, 0 walls that move along"},
   xw    = {2.0,  Name "Parameters/End of the uniform zone in the wake"},
   gr    = {1.4,  Name "Parameters/Growth from cell to cell outside the uniform zone"}
-];
-DefineConstant[
-  ro    = {shell == 2 ? 1.25 : 1.5, Name "Parameters/Outer radius of the shell"}
 ];
 If (n < 1 || n > 60)
   Error("n must be 1 to 60, not %g", n);

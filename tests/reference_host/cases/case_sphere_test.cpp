@@ -111,7 +111,7 @@ TEST(SphereFlow, SideWallsMoveWithTheStreamAndTheSphereIsAtRest) {
     EXPECT_GT(body, 0);
 }
 
-TEST(FullSphereFlow, FiguresOfTheCoarseMeshAreWithinTheirLimits) {
+TEST(FullSphereFlow, FiguresOfTheCoarseMeshAreWithinTheirRegressionLimits) {
     TempDirectory results;
     host::SphereCase run;
     run.meshFile = std::string(KVX3D_TEST_MESH_DIR) + "/sphere_overset.geo";
