@@ -90,7 +90,8 @@ TEST(SphereFlow, SideWallsMoveWithTheStreamAndTheSphereIsAtRest) {
     const MeshCase mesh(sphere5);
     const Vec3 stream = host::benchmarksphere::Stream();
     const host::FlowConditions conditions(
-        mesh.mesh, mesh.link, [&](const Vec3&) { return stream; }, stream);
+        mesh.mesh, mesh.link,
+        {[&](const Vec3&) { return stream; }, host::MovingFarWalls(stream), {}});
     int walls = 0;
     int body = 0;
 

@@ -46,7 +46,7 @@ struct CornerFlow {
           objects(mesh, "."),
           link(mesh, objects),
           turn(Eigen::AngleAxisd(angle * std::acos(-1.0) / 180.0, Vec3::UnitX())),
-          conditions(mesh, link, [this](const Vec3& at) { return Velocity(at); }),
+          conditions(mesh, link, {[this](const Vec3& at) { return Velocity(at); }, {}, {}}),
           momentum(mesh, objects, link, conditions, scheme, mu, 0.8),
           flux(&momentum.records.gv, /*shared=*/false) {
         for (int face = 1; face <= mesh.InnerFaceCount(); ++face) {
@@ -87,7 +87,7 @@ struct CornerFlow {
         momentum.equation.solver.SetTolerance(1e-13);
         for (int k = 0; k < times; ++k) {
             momentum.Assemble(flux);
-            momentum.Solve(gradient, fields);
+            momentum.Solve(gradient, host::HoleBalance(mesh, link), fields);
         }
         return LargestVelocityError(mesh, fields, [this](const Vec3& at) { return Velocity(at); });
     }
