@@ -19,7 +19,7 @@ constexpr double minThickness = 3.5;  ///< from the outer boundary to the body
 constexpr double minDepth = 0.2;      ///< thickness of a mesh one cell thick
 constexpr double maxDepth = 8.0;
 /// Edges of outer faces. Up to 4/3 h the error is within 1.3 times (diffusion) or 1.5 times (linear
-/// upwind) that with equal cells; above, some donors are found after 9 to 13 searches only.
+/// upwind) that with equal cells; above, some donors are found after 11 to 14 searches only.
 constexpr double maxQuadEdge = 1.35;
 constexpr double maxTriangleEdge = 2.0;
 /// Component cells at the outer boundary, across it. Down to h / 6 the error is at most that with

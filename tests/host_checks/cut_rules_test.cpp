@@ -85,13 +85,13 @@ TEST_F(CutRule, DonorAwayFromWallNamesADonorAtTheBody) {
                  "of component1, which touches a wall or overset face"});
 }
 
-TEST_F(CutRule, DonorTriesAllowEightOfAHexahedron) {
-    cut.hole[0].search.tries = 8;
+TEST_F(CutRule, DonorTriesAllowTenOfAHexahedron) {
+    cut.hole[0].search.tries = 10;
     EXPECT_EQ(TextsOf(Faults()), "");
 
-    cut.hole[0].search.tries = 9;
+    cut.hole[0].search.tries = 11;
     ExpectFault(Faults(), Rule::DonorTries,
-                {FirstHoleFace(), "took 9 searches for a donor", "more than 8"});
+                {FirstHoleFace(), "took 11 searches for a donor", "more than 10"});
 }
 
 /// Many tries are sound while all of them stay near the face, as in a flat cell.

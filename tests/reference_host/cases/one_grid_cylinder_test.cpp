@@ -36,7 +36,8 @@ TEST(CylinderOnOneGrid, HasTheDragOfTheBodyAndConservesMass) {
         EXPECT_NE(at, std::string::npos) << out;
         return std::stod(out.substr(at + 3 + name.size()));
     };
-    // Regression limits. The sides of the channel would add a friction of several units to the drag.
+    // Regression limits. The sides of the channel would add a friction of several units to the
+    // drag.
     EXPECT_NEAR(figure("Cd"), 5.5795, 0.012 * 5.5795);
     EXPECT_NEAR(figure("pressure difference"), 0.11752, 0.03 * 0.11752);
     EXPECT_NEAR(figure("mass defect"), 0.0, 1e-6);

@@ -48,17 +48,17 @@ INSTANTIATE_TEST_SUITE_P(Angles, DiffusionOnATurnedSquare,
                                     "Ratio" + std::to_string(static_cast<int>(square.param.ratio));
                          });
 
-/// Component cells of 4/3 background cells need up to 8 searches for a donor.
+/// With such cells some faces need 9 or 10 searches for a donor.
 TEST(DiffusionOnACoarseTurnedSquare,
      IsSecondOrderWithAnErrorBelowOneAndAHalfTimesThatOfEqualCells) {
     host::MmsCase run;
     run.meshFile = ShippedMesh("box_square_overset.geo");
-    run.parameters = {{"angle", 45.0}, {"b", 0.4}, {"ratio", 0.8}};
+    run.parameters = {{"angle", 45.0}, {"b", 0.4}, {"ratio", 0.75}};
     OutputCapture quiet;
 
     const host::OrderStudy study = host::RunKind(run, std::nullopt).at(0);
 
-    EXPECT_GT(host::Order(study.levels[0].all.l2, study.levels[1].all.l2, 10, 20), 1.85);
+    EXPECT_GT(host::Order(study.levels[0].all.l2, study.levels[1].all.l2, 10, 20), 1.7);
     EXPECT_LT(study.levels[1].all.l2, 1.5 * 2.44e-4);
 }
 
