@@ -29,6 +29,15 @@ FlowRunSettings RunSettings(const FlowCase& run, const FlowProblem& problem, con
     return settings;
 }
 
+/// The force coefficients of an iteration; none without a body.
+FlowRun::Figures ForceFigures(const Mesh& mesh, const OversetLink& link,
+                              const FlowProblem& problem) {
+    if (!HasSeparateBody(mesh, link)) {
+        return nullptr;
+    }
+    return [&problem](const FlowSolver& now) { return problem.Coefficients(now); };
+}
+
 }  // namespace
 
 std::vector<Option> FlowOptions(FlowCase& run) {
@@ -60,11 +69,12 @@ int RunFlow(const FlowCase& run, FlowProblem& problem) {
     problem.Require(mesh);
     HostObjects objects(mesh, run.outputDir);
     OversetLink link(mesh, objects);
-    RequireSeparateBody(mesh, link, run.meshFile, problem.Body());
+    if (problem.NeedsBody()) {
+        RequireSeparateBody(mesh, link, run.meshFile, problem.Body());
+    }
     WriteDonorTable(mesh, link, run.outputDir);
     FlowRun flow(mesh, objects, link, SolverSettings(run, problem, mesh),
-                 RunSettings(run, problem, mesh),
-                 [&problem](const FlowSolver& now) { return problem.Coefficients(now); });
+                 RunSettings(run, problem, mesh), ForceFigures(mesh, link, problem));
     const FlowRun::End end = flow.Run();
     problem.Report(flow, mesh);
     flow.PrintControl();

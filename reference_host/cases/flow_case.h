@@ -11,7 +11,7 @@
 
 namespace host {
 
-/// Settings that all cases of steady laminar flow around a body have in common.
+/// Settings that all cases of steady laminar flow have in common.
 struct FlowCase {
     std::string meshFile;
     MeshParameters parameters;  ///< values of variables of a .geo
@@ -33,8 +33,12 @@ class FlowProblem {
 public:
     virtual ~FlowProblem() = default;
 
-    /// What the case calls its body, also the first word of its progress lines: "cylinder".
+    /// What the case calls its body, also the first word of its progress lines: "cylinder". A case
+    /// without a body gives its own name.
     virtual std::string Body() const = 0;
+    /// Whether the mesh must have a body. If not, the force coefficients and the control surfaces
+    /// are left out on a mesh without one.
+    virtual bool NeedsBody() const { return true; }
     /// Refuses a mesh that the case cannot use, before it is cut.
     /// @throws std::runtime_error  one line
     virtual void Require(const Mesh& mesh) = 0;

@@ -38,6 +38,10 @@ void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& m
     }
 }
 
+bool HasSeparateBody(const Mesh& mesh, const OversetLink& link) {
+    return (link.IsOverset() || mesh.namesBody) && !BodyFaces(mesh, link).empty();
+}
+
 void RequireSeparateBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
                          const std::string& body) {
     if (!link.IsOverset() && !mesh.namesBody) {

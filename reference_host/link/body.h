@@ -33,6 +33,10 @@ std::vector<int> BodyFaces(const Mesh& mesh, const OversetLink& link);
 void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
                  const std::string& purpose);
 
+/// Whether the mesh has a body that is told apart from all other walls: the group "body", or
+/// physical walls beside a component.
+bool HasSeparateBody(const Mesh& mesh, const OversetLink& link);
+
 /// Refuses a single grid without the group "body" as well: its walls may be sides of a channel.
 /// @param body  what the case calls it: "cylinder"
 /// @throws std::runtime_error  one line

@@ -10,11 +10,11 @@ namespace host {
 /// Figures that show what the discretization and the interface between the grids do not conserve:
 /// the drag coefficient from the momentum balance over control surfaces around the body, which
 /// would be that of the body in a perfect solution, and the mass created at the interface. The
-/// figures of the interface are missing on a single grid.
+/// figures of the interface are missing on a single grid, and all of them without a body.
 struct ControlFigures {
     std::optional<double> cdOverset;      ///< over the overset boundary of the component
     std::optional<double> cdHole;         ///< over the hole boundary of the background
-    double cdOuter = 0.0;                 ///< over the outer boundary
+    std::optional<double> cdOuter;        ///< over the outer boundary
     std::optional<double> interfaceMass;  ///< relative to the stream through the frontal area
 };
 

@@ -57,12 +57,7 @@ FlowRun::End FlowRun::Iterate(const Interrupt& interrupt) {
         ++iteration;
         pressureIterations += last.pressure.iterations;
         mostPressureIterations = std::max(mostPressureIterations, last.pressure.iterations);
-        const ForceCoefficients now = figures(flow);
-        const double reduction = LargestReduction(last);
-        history.Add(iteration, last.change, last.massResidual, now.cd, now.cl, reduction,
-                    MeasureControl(flow, settings.forceUnit));
-        progress.Done(last.change, fmt::format("mass {:.1e}, linear {:.1e}, Cd {:.5f}, Cl {:.5f}",
-                                               last.massResidual, reduction, now.cd, now.cl));
+        progress.Done(last.change, Record());
         if (HasDiverged(last)) {
             return End::Diverged;
         }
@@ -80,6 +75,22 @@ FlowRun::End FlowRun::Iterate(const Interrupt& interrupt) {
         }
     }
     return End::OutOfIterations;
+}
+
+/// Adds the last iteration to the history.
+/// @return its figures for the progress line
+std::string FlowRun::Record() {
+    const double reduction = LargestReduction(last);
+    std::string text = fmt::format("mass {:.1e}, linear {:.1e}", last.massResidual, reduction);
+    if (!figures) {
+        history.Add(iteration, last.change, last.massResidual, std::nullopt, std::nullopt,
+                    reduction, {});
+        return text;
+    }
+    const ForceCoefficients now = figures(flow);
+    history.Add(iteration, last.change, last.massResidual, now.cd, now.cl, reduction,
+                MeasureControl(flow, settings.forceUnit));
+    return text + fmt::format(", Cd {:.5f}, Cl {:.5f}", now.cd, now.cl);
 }
 
 void FlowRun::Write() {
@@ -106,7 +117,9 @@ void FlowRun::Fail(End end) const {
 }
 
 void FlowRun::PrintControl() const {
-    host::PrintControl(MeasureControl(flow, settings.forceUnit), figures(flow).cd);
+    if (figures) {
+        host::PrintControl(MeasureControl(flow, settings.forceUnit), figures(flow).cd);
+    }
 }
 
 void FlowRun::PrintEffort() const {

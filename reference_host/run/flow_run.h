@@ -20,7 +20,7 @@ struct FlowRunSettings {
     int stepsEvery = 20;       ///< iterations between two steps of the result series
     int maxIterations = 2000;  ///< the run fails if it has not converged by then
     ConvergenceLimits limits;
-    double forceUnit = 1.0;    ///< force along x with the coefficient 1
+    double forceUnit = 1.0;  ///< force along x with the coefficient 1
 };
 
 /// Drag and lift coefficient, printed with every iteration.
@@ -38,6 +38,7 @@ public:
 
     /// Borrows mesh, objects and link.
     /// @param settings  the output directory exists and is the one that `objects` was built with
+    /// @param figures   none for a flow without a body, which has no figures of forces
     FlowRun(const Mesh& mesh, HostObjects& objects, OversetLink& link, const FlowSettings& flow,
             const FlowRunSettings& settings, Figures figures);
 
@@ -51,7 +52,8 @@ public:
 
     const FlowSolver& Flow() const { return flow; }
     int IterationCount() const { return iteration; }
-    /// Prints the drag over the control surfaces and the mass created at the interface.
+    /// Prints the drag over the control surfaces and the mass created at the interface; nothing
+    /// without a body.
     void PrintControl() const;
     /// Prints mass defect, iterations and CPU seconds.
     void PrintEffort() const;
@@ -61,6 +63,7 @@ public:
 
 private:
     End Iterate(const Interrupt& interrupt);
+    std::string Record();
     void Write();
     [[noreturn]] void Fail(End end) const;
 

@@ -26,11 +26,13 @@ ResidualHistory::ResidualHistory(const std::string& path_) : path(path_), file(p
             "cd_overset,cd_hole,cd_outer,interface_mass\n";
 }
 
-void ResidualHistory::Add(int iteration, double change, double massResidual, double cd, double cl,
+void ResidualHistory::Add(int iteration, double change, double massResidual,
+                          std::optional<double> cd, std::optional<double> cl,
                           double linearReduction, const ControlFigures& control) {
-    file << fmt::format("{},{:.6e},{:.6e},{:.10g},{:.10g},{:.3e},{},{},{:.10g},{}\n", iteration,
-                        change, massResidual, cd, cl, linearReduction, Field(control.cdOverset),
-                        Field(control.cdHole), control.cdOuter, Field(control.interfaceMass))
+    file << fmt::format("{},{:.6e},{:.6e},{},{},{:.3e},{},{},{},{}\n", iteration, change,
+                        massResidual, Field(cd), Field(cl), linearReduction,
+                        Field(control.cdOverset), Field(control.cdHole), Field(control.cdOuter),
+                        Field(control.interfaceMass))
          << std::flush;
 }
 

@@ -47,7 +47,7 @@ TEST(ControlMeasurement, ReadsTheForcesAlongXInTheGivenUnit) {
     ASSERT_TRUE(figures.cdOverset && figures.cdHole && figures.interfaceMass);
     EXPECT_DOUBLE_EQ(*figures.cdOverset, 4.0 * forces.overset->x());
     EXPECT_DOUBLE_EQ(*figures.cdHole, 4.0 * forces.hole->x());
-    EXPECT_DOUBLE_EQ(figures.cdOuter, 4.0 * forces.outer.x());
+    EXPECT_DOUBLE_EQ(*figures.cdOuter, 4.0 * forces.outer.x());
     EXPECT_DOUBLE_EQ(*figures.interfaceMass, *host::InterfaceMassDefect(flow));
 }
 

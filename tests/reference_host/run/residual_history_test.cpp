@@ -31,6 +31,16 @@ TEST(ResidualHistory, HasColumnNamesAndOneLinePerIterationWithEmptyFieldsOnASing
               "2,5.000000e-01,1.250000e+00,5.5,-0.01,1.250e-01,5.25,5.125,5.75,-0.0025\n");
 }
 
+TEST(ResidualHistory, HasEmptyForcesWithoutABody) {
+    const TempDirectory directory;
+    const auto path = directory.Path() / "history.csv";
+    host::ResidualHistory history(path.string());
+
+    history.Add(1, 0.5, 1.25, std::nullopt, std::nullopt, 0.125, {});
+
+    EXPECT_THAT(ReadFile(path), HasSubstr("\n1,5.000000e-01,1.250000e+00,,,1.250e-01,,,,\n"));
+}
+
 TEST(ResidualHistory, LineLostOnAFullDiskIsReported) {
     host::ResidualHistory history("/dev/full");
     EXPECT_EQ(ErrorOf([&] { history.RequireWhole(); }), "");
