@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "reference_host/cases/case_cavity.h"
 #include "reference_host/cases/case_cylinder.h"
 #include "reference_host/cases/case_dump.h"
 #include "reference_host/cases/case_heat.h"
@@ -28,6 +29,8 @@ const std::vector<CaseEntry>& AllCases() {
         Entry("cylinder", "laminar flow around a cylinder in a channel, benchmark 2D-1",
               RunCylinder),
         Entry("sphere", "laminar flow around a sphere at Reynolds number 100", RunSphere),
+        Entry("cavity", "laminar flow in a lid-driven cavity, on one grid or an overset pair",
+              RunCavity),
         Entry("heat", "heat conduction around a hot body: time steps, then steady state", RunHeat),
         Entry("mms", "order study with a manufactured solution", RunMms),
         Entry("nonmatching", "order study across an interface with non-matching faces",

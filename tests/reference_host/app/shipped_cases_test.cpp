@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "reference_host/cases/case_cavity.h"
 #include "reference_host/cases/case_cylinder.h"
 #include "reference_host/cases/case_dump.h"
 #include "reference_host/cases/case_heat.h"
@@ -36,6 +37,11 @@ TEST(ShippedCases, GiveTheValuesThatTheyState) {
     EXPECT_EQ(fine.relaxation, 0.95);
 
     EXPECT_EQ(ReadAs<host::SphereCase>({Shipped("sphere.toml")}).scheme, Scheme::LinearUpwind);
+
+    const auto cavity = ReadAs<host::CavityCase>({Shipped("cavity.toml")});
+    EXPECT_EQ(cavity.parameters, (host::MeshParameters{{"n", 32}, {"kind", 1}, {"b", 0}}));
+    EXPECT_EQ(cavity.reynolds, 100.0);
+    EXPECT_TRUE(cavity.check);
 
     const auto mms = ReadAs<host::MmsCase>({Shipped("mms.toml")});
     EXPECT_THAT(mms.kinds, ElementsAre(1, 0));

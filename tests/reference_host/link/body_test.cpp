@@ -71,6 +71,17 @@ TEST(Body, HasOnlyWallFaces) {
     }
 }
 
+TEST(Body, IsSeparateInTheGroupBodyOrBesideAComponent) {
+    const auto isSeparate = [](const std::string& file, const host::MeshParameters& parameters) {
+        const Linked linked(file, parameters);
+        return HasSeparateBody(linked.mesh, linked.link);
+    };
+    EXPECT_TRUE(isSeparate(channelGeo, {{"n", 5}}));
+    EXPECT_TRUE(isSeparate(fittedGeo, {{"n", 5}}));
+    EXPECT_FALSE(isSeparate(boxGeo, {{"n", 5}, {"kind", 1}}));
+    EXPECT_FALSE(isSeparate(cavityGeo, {{"n", 16}, {"kind", 1}}));
+}
+
 TEST(BodyRequirement, RefusesAMeshWithoutWalls) {
     const Linked linked(boxGeo, {{"n", 5}, {"kind", 3}});
 

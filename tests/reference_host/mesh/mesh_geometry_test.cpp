@@ -173,6 +173,8 @@ INSTANTIATE_TEST_SUITE_P(All, GeometryOfShippedMesh,
                                          Shipped{"Box", boxGeo, {{"n", 5}}},
                                          Shipped{"Prisms", boxGeo, {{"n", 5}, {"kind", 4}}},
                                          Shipped{"Layers", boxGeo, {{"n", 5}, {"nz", 3}}},
+                                         Shipped{"Cavity", cavityGeo, {{"n", 16}, {"kind", 1}}},
+                                         Shipped{"Tank", cavityGeo, {{"n", 16}, {"b", 0.1}}},
                                          Shipped{"Sphere", sphereGeo, {{"n", 4}}}),
                          CaseName<Shipped>);
 

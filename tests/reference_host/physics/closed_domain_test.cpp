@@ -1,0 +1,64 @@
+#include <gtest/gtest.h>
+
+#include "reference_host/physics/momentum_balance.h"
+#include "tests/reference_host/physics/flow_case.h"
+
+namespace {
+
+using host::Vec3;
+
+/// A flow that only a moving side drives, with the Reynolds number 100.
+host::FlowSettings Driven() {
+    host::FlowSettings settings;
+    settings.inlet = [](const Vec3&) { return Vec3(Vec3::Zero()); };
+    settings.walls = [](host::WallRole, const Vec3& at) {
+        return Vec3(at.y() > 4.0 - 1e-9 ? 1.0 : 0.0, 0.0, 0.0);
+    };
+    settings.mu = 0.04;
+    return settings;
+}
+
+class ClosedDomain : public testing::TestWithParam<MeshChoice> {
+protected:
+    const OutputCapture quiet;
+    MeshCase c{GetParam()};
+    host::FlowSolver flow{c.mesh, c.objects, c.link, Driven()};
+};
+
+TEST_P(ClosedDomain, ConvergesWithAPressureOfMeanZero) {
+    EXPECT_LT(Converge(flow), 250);  // regression limit
+
+    double sum = 0.0;
+    double magnitude = 0.0;
+    for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+        if (c.link.IsActive(cell)) {
+            sum += c.mesh.volume[cell] * flow.Fields().pressure[cell];
+            magnitude += c.mesh.volume[cell] * std::abs(flow.Fields().pressure[cell]);
+        }
+    }
+    EXPECT_LT(std::abs(sum), 1e-12 * magnitude);
+}
+
+TEST_P(ClosedDomain, KeepsMassAndMomentumAtTheInterface) {
+    Converge(flow);
+
+    const host::BodyForces forces = ForcesFromMomentumBalance(flow);
+    const double lid = 0.04 * c.mesh.Depth();  // order of magnitude of the friction on the lid
+    EXPECT_LT(std::abs(flow.Hole().NetFlux(flow.Flux())), 1e-7 * flow.MassScale());
+    EXPECT_LT(LargestImbalance(c.mesh, c.link, flow.Flux()), 1e-6 * flow.MassScale());
+    if (c.link.IsOverset()) {
+        EXPECT_LT((*forces.hole - forces.body).norm(), 1e-3 * lid);
+        EXPECT_LT((*forces.overset - forces.body).norm(), 1e-3 * lid);
+        EXPECT_LT((forces.outer - forces.body).norm(), 1e-3 * lid);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cavity, ClosedDomain,
+    testing::Values(MeshChoice{"OneGrid", "cavity.geo", {{"n", 16}}},
+                    MeshChoice{"Prisms", "cavity.geo", {{"n", 16}, {"kind", 2}}},
+                    MeshChoice{"Pair", "cavity.geo", {{"n", 16}, {"kind", 1}}},
+                    MeshChoice{"PairWithBody", "cavity.geo", {{"n", 24}, {"kind", 1}, {"b", 0.1}}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
