@@ -130,8 +130,8 @@ public:
 };
 
 TEST(CavityFlow, OnAPairIsThatOnOneGrid) {
-    CavityRun one({{"n", 16}});
-    CavityRun pair({{"n", 16}, {"kind", 1}});
+    CavityRun one({{"n", 32}});
+    CavityRun pair({{"n", 32}, {"kind", 1}});
 
     ASSERT_EQ(one.Run(), 0);
     ASSERT_EQ(pair.Run(), 0);
