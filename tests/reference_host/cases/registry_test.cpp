@@ -20,7 +20,8 @@ TEST(Registry, FindsEachCaseByItsName) {
 }
 
 TEST(Registry, NamesTheCasesInOrder) {
-    EXPECT_THAT(host::CaseNames(), StartsWith("cylinder, sphere, cavity, heat, mms, nonmatching, "));
+    EXPECT_THAT(host::CaseNames(),
+                StartsWith("cylinder, sphere, cavity, heat, mms, nonmatching, "));
 }
 
 TEST(Registry, OptionsOfACaseHaveDistinctNames) {

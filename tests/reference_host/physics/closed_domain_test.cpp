@@ -26,7 +26,7 @@ protected:
 };
 
 TEST_P(ClosedDomain, ConvergesWithAPressureOfMeanZero) {
-    EXPECT_LT(Converge(flow), 250);  // regression limit
+    EXPECT_LT(Converge(flow), 400);  // regression limit
 
     double sum = 0.0;
     double magnitude = 0.0;
@@ -59,6 +59,6 @@ INSTANTIATE_TEST_SUITE_P(
                     MeshChoice{"Prisms", "cavity.geo", {{"n", 16}, {"kind", 2}}},
                     MeshChoice{"Pair", "cavity.geo", {{"n", 16}, {"kind", 1}}},
                     MeshChoice{"PairWithBody", "cavity.geo", {{"n", 24}, {"kind", 1}, {"b", 0.1}}}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& choice) { return std::string(choice.param.name); });
 
 }  // namespace
