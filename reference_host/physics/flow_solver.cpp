@@ -11,6 +11,15 @@
 
 namespace host {
 
+namespace {
+
+/// Change of the velocity in one iteration below which the force at the hole boundary is updated.
+/// In the first iterations the force on the body is far from that of the converged flow, and a
+/// correction that follows it would disturb the flow.
+constexpr double settledChange = 0.01;
+
+}  // namespace
+
 double DefaultRelaxation(double cellsPerUnit) {
     return 1.0 - std::min(0.1, 1.0 / cellsPerUnit);
 }
@@ -57,18 +66,6 @@ void FlowSolver::Predict() {
     hole.CorrectFluxes(flux);
 }
 
-/// Adds what is still missing to the corrections at the hole boundary.
-void FlowSolver::UpdateHole() {
-    if (conservation == Conservation::None) {
-        return;
-    }
-    hole.UpdateMass(flux);
-    if (conservation == Conservation::MassAndMomentum) {
-        const MomentumFlux through(momentum, pressure, fields, flux);
-        hole.UpdateMomentum(ForceOnBody(momentum, fields), through.IntoHole(hole));
-    }
-}
-
 FlowIteration FlowSolver::Iterate() {
     const FlowFields before = fields;
     FlowIteration report;
@@ -83,12 +80,17 @@ FlowIteration FlowSolver::Iterate() {
                                           [](double sum, double x) { return sum + std::abs(x); }) /
                           MassScale();
     report.pressure = pressure.Solve(net);
+    if (conservation != Conservation::None) {
+        pressure.CloseHole(hole, flux);
+    }
     pressure.Correct(fields, flux);
     momentum.FillGhosts(fields);
     pressure.UpdatePressure(fields);
-    UpdateHole();
-
     report.change = RelativeChange(before, fields, mesh.CellCount());
+    if (conservation == Conservation::MassAndMomentum && report.change < settledChange) {
+        const MomentumFlux through(momentum, pressure, fields, flux);
+        hole.UpdateMomentum(ForceOnBody(momentum, fields), through.IntoHole(hole));
+    }
     return report;
 }
 

@@ -84,7 +84,6 @@ public:
 private:
     void Start(const FlowSettings& settings);
     void Predict();
-    void UpdateHole();
 
     const Mesh& mesh;
     const OversetLink& link;

@@ -22,8 +22,8 @@ enum class Conservation {
 /// over the hole boundary of the background miss those of the component by an interpolation error.
 /// Two constants per unit area remove it, a volume flux l out of the background and a force c on
 /// the background, the same at all hole-boundary faces. A constant changes the sum of the fluxes
-/// with the least change of the single fluxes. Both constants are found along with the flow: each
-/// iteration of the flow solver adds the part that is still missing. They are interpolation errors
+/// with the least change of the single fluxes. Both constants are found along with the flow, as
+/// sums of what each iteration of the flow solver finds missing. They are interpolation errors
 /// themselves and vanish with the square of the cell size.
 ///
 /// Source of the correction of mass: Y. Zang, R. L. Street, Int. J. Numer. Methods Fluids 20 (1995)
@@ -46,8 +46,9 @@ public:
     double NetFlux(const CMAFVMFaceVariableAll& flux) const;
     /// Adds the constant l to the fluxes of the hole boundary.
     void CorrectFluxes(CMAFVMFaceVariableAll& flux) const;
-    /// Changes l so that it takes up a net flux that remains.
-    void UpdateMass(const CMAFVMFaceVariableAll& flux);
+    /// Changes l, and the fluxes accordingly.
+    /// @param perArea  out of the background
+    void AddFlux(double perArea, CMAFVMFaceVariableAll& flux);
 
     /// Subtracts the part of the force c from the right-hand side of each active cell at the hole.
     /// @param rhs  of the momentum equation of one component, entries 1..NcAll
@@ -61,8 +62,12 @@ public:
     /// force that is added to the momentum fluxes into the hole.
     double Flux() const { return fluxPerArea * area; }
     Vec3 Force() const { return forcePerArea * area; }
+    /// Area of the hole boundary.
+    double Area() const { return area; }
 
 private:
+    void Add(double perArea, CMAFVMFaceVariableAll& flux) const;
+
     std::vector<Face> faces;
     const OversetLink& link;
     double area = 0.0;

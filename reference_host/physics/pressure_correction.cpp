@@ -51,7 +51,8 @@ PressureCorrection::PressureCorrection(const Mesh& mesh, HostObjects& objects_,
       mirrored(mesh.Faces(Boundary::Wall).size()),
       cellD(mesh.CellCount() + 1, 0.0),
       gradient(mesh.CellCount() + 1, Vec3::Zero()),
-      correction(objects_.CellAndGhostCount() + 1, 0.0) {
+      correction(objects_.CellAndGhostCount() + 1, 0.0),
+      response(objects_.CellAndGhostCount() + 1, 0.0) {
     records.SetFaceMu(0.0);
     for (int face = 1; face <= mesh.FaceCount(Boundary::Wall); ++face) {
         if (faces.IsOpen(Boundary::Wall, face)) {
@@ -209,6 +210,35 @@ LinearSolve PressureCorrection::Solve(const std::vector<double>& net) {
     equation.FillGhostRows(conditions.pressure, rhs);
     std::fill(correction.begin(), correction.end(), 0.0);
     return equation.solver.Solve(rhs, correction);
+}
+
+/// Net flux out of the background through the hole boundary that belongs to a correction phi.
+double PressureCorrection::HoleFlux(const HoleBalance& hole, const std::vector<double>& phi) const {
+    double net = 0.0;
+    for (const HoleBalance::Face& face : hole.Faces()) {
+        const double along =
+            -records.gv.faceMu->left[face.face] * NormalAt(records.Inner(face.face), phi);
+        net += face.activeIsLeft ? along : -along;
+    }
+    return net;
+}
+
+void PressureCorrection::CloseHole(HoleBalance& hole, CMAFVMFaceVariableAll& flux) {
+    if (hole.Faces().empty()) {
+        return;
+    }
+    constexpr double accurate = 0.01;  // residual, relative to that of a zero field
+    std::vector<double> rhs(records.gv.NcAll + 1, 0.0);
+    for (const HoleBalance::Face& face : hole.Faces()) {
+        rhs[face.cell] -= face.area;
+    }
+    equation.Solve(rhs, response, accurate, /*maxCalls=*/3);
+    const double missing = hole.NetFlux(flux) + HoleFlux(hole, correction);
+    const double perArea = -missing / (hole.Area() + HoleFlux(hole, response));
+    hole.AddFlux(perArea, flux);
+    for (std::size_t id = 1; id < correction.size(); ++id) {
+        correction[id] += perArea * response[id];
+    }
 }
 
 void PressureCorrection::Correct(FlowFields& fields, CMAFVMFaceVariableAll& flux) {

@@ -7,6 +7,7 @@
 #include "reference_host/discretisation/stencil_builder.h"
 #include "reference_host/discretisation/stencil_records.h"
 #include "reference_host/physics/flow_fields.h"
+#include "reference_host/physics/hole_balance.h"
 #include "reference_host/physics/pressure_gradient.h"
 
 namespace host {
@@ -16,8 +17,8 @@ namespace host {
 /// The SIMPLEC method uses two coefficients here. D = a V / ((1 - a) a*) relates the gradient of
 /// the correction to the change of velocity, and E = V / a* is the factor of the Rhie-Chow pressure
 /// term in the face fluxes. D is as large as the method allows, so that few iterations suffice; E
-/// does not contain the relaxation a, so that the converged flow does not depend on it. Faces on the
-/// hole and overset boundaries of both grids are corrected like all others. This determines the
+/// does not contain the relaxation a, so that the converged flow does not depend on it. Faces on
+/// the hole and overset boundaries of both grids are corrected like all others. This determines the
 /// level of the pressure of one grid relative to the other.
 ///
 /// If the velocity is given on the whole boundary, the pressure is determined up to a constant. The
@@ -51,6 +52,12 @@ public:
     /// @return the linear solve
     LinearSolve Solve(const std::vector<double>& net);
 
+    /// Changes the correction and the constant of the hole boundary so that the net flux through
+    /// the hole boundary will be zero after Correct(). The correction that a flux of 1 per unit
+    /// area causes there is the solution of a second system with the same matrix. It changes little
+    /// from one iteration to the next and is solved again only where it has become inaccurate.
+    void CloseHole(HoleBalance& hole, CMAFVMFaceVariableAll& flux);
+
     /// Corrects the fluxes, the pressure and the cell velocities.
     void Correct(FlowFields& fields, CMAFVMFaceVariableAll& flux);
 
@@ -72,6 +79,7 @@ private:
     double BoundaryFluxAt(Boundary kind, int face, const FlowFields& fields) const;
     Vec3 MeanGradientAt(Boundary kind, int face) const;
     void CloseBoundary(CMAFVMFaceVariableAll& flux) const;
+    double HoleFlux(const HoleBalance& hole, const std::vector<double>& phi) const;
     void SetLevel(std::vector<double>& phi) const;
     int FixedCell() const;
 
@@ -85,6 +93,7 @@ private:
     std::vector<double> cellD;      // by cell; inner faces have theirs in faceMu
     std::vector<Vec3> gradient;
     std::vector<double> correction;  // entries 1..NcAll
+    std::vector<double> response;    // correction for a flux of 1 per area at the hole, 1..NcAll
 };
 
 }  // namespace host

@@ -154,8 +154,7 @@ TEST(MomentumFlux, LinearPressureOverTheHoleBoundaryGivesTheBuoyancyOfTheHole) {
         for (int cell = 1; cell <= flow.c.mesh.CellCount(); ++cell) {
             volume += flow.c.link.IsActive(cell) ? 0.0 : flow.c.mesh.volume[cell];
         }
-        const Vec3 force =
-            flow.Through().IntoHole(host::HoleBalance(flow.c.mesh, flow.c.link));
+        const Vec3 force = flow.Through().IntoHole(host::HoleBalance(flow.c.mesh, flow.c.link));
 
         ASSERT_GT(volume, 0.1) << choice;
         EXPECT_LT((force + Vec3(pressureSlope * volume, 0.0, 0.0)).norm(), 1e-10) << choice;
