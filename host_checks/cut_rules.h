@@ -11,8 +11,10 @@
 namespace kvx3d::checks {
 
 namespace limit {
-constexpr int maxDonorTries = 5;         ///< tries for a donor on the hole boundary; more are
-                                         ///< accepted while all of them stay within maxDonorReach
+/// Tries for a donor on the hole boundary; more are accepted while all of them stay within
+/// maxDonorReach. Meshes with 6 to 10 tries had the errors and orders of those with fewer (see
+/// docs/host_checks.md).
+constexpr int maxDonorTries = 10;
 constexpr double maxDonorReach = 0.75;   ///< in edges of the active cell, from the face: the center
                                          ///< of a prism is near its face, so its steps are short
 constexpr int minNeighborsInPlane = 8;   ///< active cells around a donor on a mesh one cell thick:

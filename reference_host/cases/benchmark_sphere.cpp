@@ -1,6 +1,10 @@
 #include "reference_host/cases/benchmark_sphere.h"
 
+#include <algorithm>
 #include <cmath>
+#include <map>
+#include <stdexcept>
+#include <utility>
 
 #include "host_checks/point_tree.h"
 #include "reference_host/discretisation/donor_interpolation.h"
@@ -32,6 +36,34 @@ Vec3 Stream() {
 
 double ForceUnit() {
     return 0.5 * std::acos(-1.0) * radius * radius;
+}
+
+const char* Name(Shell shell) {
+    switch (shell) {
+        case Shell::Hexahedra:
+            return "hexahedra";
+        case Shell::Prisms:
+            return "prisms";
+        default:
+            return "tetrahedra";
+    }
+}
+
+Shell ShellOf(const Mesh& mesh) {
+    const auto first = std::find(mesh.cavity.begin() + 1, mesh.cavity.end(), 2);
+    if (first == mesh.cavity.end()) {
+        throw std::runtime_error("the mesh has no component1, the shell around the sphere");
+    }
+    switch (mesh.cellNodes[first - mesh.cavity.begin()].size()) {
+        case 8:
+            return Shell::Hexahedra;
+        case 6:
+            return Shell::Prisms;
+        case 4:
+            return Shell::Tetrahedra;
+        default:
+            throw std::runtime_error("the shell must be of hexahedra, prisms or tetrahedra");
+    }
 }
 
 Vec3 ForceCoefficient(const FlowSolver& flow) {
@@ -81,20 +113,20 @@ Result Measure(const FlowSolver& flow) {
     return result;
 }
 
-std::optional<Limits> LimitsOf(Scheme scheme, int n) {
-    if (scheme != Scheme::LinearUpwind) {
+std::optional<Limits> LimitsOf(Scheme scheme, Shell shell, int n) {
+    using Table = std::map<std::pair<Shell, int>, Limits>;
+    static const Table table = {
+        {{Shell::Hexahedra, 5}, {0.015, 0.1, 1e-3, 1e-3}},
+        {{Shell::Hexahedra, 7}, {0.007, 0.08, 1e-3, 5e-4}},
+        {{Shell::Hexahedra, 10}, {0.005, 0.04, 1e-3, 2e-4}},
+        {{Shell::Tetrahedra, 5}, {0.05, 0.12, 0.02, 1e-3}},
+        {{Shell::Tetrahedra, 7}, {0.04, 0.08, 0.01, 5e-4}},
+    };
+    const auto found = table.find({shell, n});
+    if (scheme != Scheme::LinearUpwind || found == table.end()) {
         return std::nullopt;
     }
-    switch (n) {
-        case 5:
-            return Limits{0.05, 0.12, 0.02, 1e-3};
-        case 7:
-            return Limits{0.04, 0.08, 0.01, 5e-4};
-        case 10:
-            return Limits{0.025, 0.04, 0.005, 2e-4};
-        default:
-            return std::nullopt;
-    }
+    return found->second;
 }
 
 std::vector<std::string> Misses(const Result& result, const Limits& limits) {

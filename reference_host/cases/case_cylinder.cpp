@@ -22,6 +22,9 @@ public:
         if (!run.check) {
             return;
         }
+        if (mesh.GridCount() == 1) {
+            throw std::runtime_error("check: the limits are for an overset pair, not for one grid");
+        }
         const int n = CellsPerUnit(mesh);
         limits = benchmark2d1::LimitsOf(run.scheme, n);
         if (!limits || !IsPublished()) {

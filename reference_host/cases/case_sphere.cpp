@@ -42,11 +42,12 @@ public:
             return;
         }
         const int n = CellsPerUnit(mesh);
-        limits = benchmarksphere::LimitsOf(run.scheme, n);
+        const benchmarksphere::Shell shell = benchmarksphere::ShellOf(mesh);
+        limits = benchmarksphere::LimitsOf(run.scheme, shell, n);
         if (!limits) {
             throw std::runtime_error(
-                fmt::format("check: there are limits for {}, but not for {} at n = {}",
-                            benchmarksphere::checkable, Name(run.scheme), n));
+                fmt::format("check: there are limits for {}, but not for {} with {} at n = {}",
+                            benchmarksphere::checkable, Name(run.scheme), Name(shell), n));
         }
     }
 
@@ -81,9 +82,11 @@ public:
 private:
     void PrintTable(const Mesh& mesh) const {
         std::cout << fmt::format(
-            "Sphere at Reynolds number 100, {} at {} background cells per "
-            "diameter, {} cells:\n",
-            Name(run.scheme), CellsPerUnit(mesh), mesh.CellCount());
+            "Sphere at Reynolds number 100, {} in a shell of {} at {} background cells per "
+            "diameter, "
+            "{} cells:\n",
+            Name(run.scheme), Name(benchmarksphere::ShellOf(mesh)), CellsPerUnit(mesh),
+            mesh.CellCount());
         PrintComparisonHead();
         PrintComparison("Cd", result.cd, benchmarksphere::dragCoefficient);
         PrintComparison("recirculation length", result.recirculation,

@@ -7,10 +7,12 @@
 namespace host {
 
 /// Steady laminar flow around a sphere at Reynolds number 100, in three dimensions (see
-/// benchmark_sphere.h): a shell of tetrahedra around the sphere in a box of hexahedra, whose side
-/// walls move with the stream.
+/// benchmark_sphere.h): a shell around the sphere in a wide box of hexahedra, whose sides are
+/// symmetry planes. The shell consists of hexahedra, or of prisms (shell = 1) or tetrahedra (shell
+/// = 2).
 ///
 ///     reference_host sphere parameters.n=7 check=true
+///     reference_host sphere parameters.n=7 parameters.shell=2 check=true
 struct SphereCase : FlowCase {
     SphereCase();
 };

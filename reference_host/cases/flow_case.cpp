@@ -60,7 +60,7 @@ int RunFlow(const FlowCase& run, FlowProblem& problem) {
     problem.Require(mesh);
     HostObjects objects(mesh, run.outputDir);
     OversetLink link(mesh, objects);
-    RequireComponentBody(mesh, link, run.meshFile, problem.Body());
+    RequireSeparateBody(mesh, link, run.meshFile, problem.Body());
     WriteDonorTable(mesh, link, run.outputDir);
     FlowRun flow(mesh, objects, link, SolverSettings(run, problem, mesh),
                  RunSettings(run, problem, mesh),

@@ -27,7 +27,7 @@ struct SampleSet {
 };
 
 bool GhostTakesPart(GradientSet set, Boundary kind, const BoundaryFace& face) {
-    return set == GradientSet::Velocity || kind == Boundary::Outlet || face.oversetGroup > 0;
+    return set != GradientSet::Pressure || kind == Boundary::Outlet || face.oversetGroup > 0;
 }
 
 bool IsTetrahedron(const Mesh& mesh, int cell) {
@@ -79,7 +79,12 @@ SampleSet SamplesAround(int cell, const Mesh& mesh, const HostObjects& objects,
         const Vec3 toFace = face.centre - centre;
         if (id.kind == Boundary::Symmetry) {
             const Vec3 normal = face.area.normalized();
-            around.AddMoment(2.0 * toFace.dot(normal) * normal);
+            const Vec3 toPlane = toFace.dot(normal) * normal;
+            if (set == GradientSet::VectorAtSymmetry) {
+                around.Add(objects.Ghost(id.kind, id.face), toPlane);
+            } else {
+                around.AddMoment(toPlane);
+            }
         } else if (GhostTakesPart(set, id.kind, face)) {
             around.Add(objects.Ghost(id.kind, id.face), toFace);
         }

@@ -13,7 +13,10 @@ namespace host {
 /// The ghost cells whose values enter the gradient of a cell.
 enum class GradientSet {
     Velocity,  ///< inlet, outlet, wall and overset ghosts, for scalars with values there
-    Pressure   ///< outlet and overset ghosts; one-sided at inlets and physical walls
+    Pressure,  ///< outlet and overset ghosts; one-sided at inlets and physical walls
+    /// As Velocity, and also symmetry ghosts, for a vector whose component normal to the plane is 0
+    /// there. Their value belongs to the foot of the perpendicular from the center of the cell.
+    VectorAtSymmetry
 };
 
 /// Least-squares gradients of the active cells, exact for linear fields.
@@ -22,7 +25,7 @@ enum class GradientSet {
 /// A regular face contributes the neighbor, a hole-boundary face the donor at its own center, and a
 /// boundary face its ghost at the face center. A symmetry face contributes to M only, since the
 /// value at the mirrored point equals that of the cell; this also keeps M regular on meshes that
-/// are one cell thick.
+/// are one cell thick. Under VectorAtSymmetry it contributes its ghost as well.
 ///
 /// For tetrahedra the neighbors of the neighbors contribute as well. With the four face neighbors
 /// only, or three at a wall, the gradient is so sensitive that a flow diverges within ten

@@ -35,11 +35,12 @@ Stencil FarValue(FarPoint farPoint, const Stencil& near, const Stencil& beyond,
 }  // namespace
 
 StencilBuilder::StencilBuilder(const Mesh& mesh_, const HostObjects& objects_,
-                               const OversetLink& link_, GradientSet set,
+                               const OversetLink& link_, GradientSet set_,
                                InterfaceValue interfaceValue_)
     : mesh(mesh_),
       objects(objects_),
       link(link_),
+      set(set_),
       interfaceValue(interfaceValue_),
       cellFaces(mesh_),
       gradients(mesh_, objects_, link_, cellFaces, set),
@@ -186,9 +187,18 @@ bool StencilBuilder::IsSilent(Boundary kind, int face) const {
     return kind == Boundary::Symmetry || !link.IsActive(mesh.Faces(kind)[face].cell);
 }
 
+bool StencilBuilder::HasStencils(Boundary kind, int face) const {
+    return !IsSilent(kind, face) ||
+           (set == GradientSet::VectorAtSymmetry && link.IsActive(mesh.Faces(kind)[face].cell));
+}
+
 BoundaryStencils StencilBuilder::AtBoundary(Boundary kind, int face) const {
     const BoundaryFace& geometry = mesh.Faces(kind)[face];
-    const Vec3 d = geometry.centre - mesh.cellCentre[geometry.cell];
+    Vec3 d = geometry.centre - mesh.cellCentre[geometry.cell];
+    if (kind == Boundary::Symmetry) {
+        const Vec3 normal = geometry.area.normalized();
+        d = d.dot(normal) * normal;  // the ghost belongs to the foot of the perpendicular
+    }
     const GradientStencil& gradient = gradients[geometry.cell];
     const double alongLine = geometry.area.squaredNorm() / geometry.area.dot(d);
     BoundaryStencils at;

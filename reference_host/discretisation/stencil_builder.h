@@ -75,9 +75,12 @@ public:
     InnerStencils Inner(int face, FarPoint farPoint) const;
     /// The far-upstream stencils alone, of an inner face with at least one active cell.
     FarStencils Far(int face, FarPoint farPoint) const;
-    /// Whether a boundary face adds nothing to the matrix: a symmetry face or a face of a cut cell.
+    /// Whether nothing flows through a boundary face: a symmetry face or a face of a cut cell.
     bool IsSilent(Boundary kind, int face) const;
-    /// Stencils of a boundary face that is not silent.
+    /// Whether a boundary face adds something to the matrix: every face that is not silent, and
+    /// symmetry faces of active cells under GradientSet::VectorAtSymmetry.
+    bool HasStencils(Boundary kind, int face) const;
+    /// Stencils of a boundary face that has some.
     BoundaryStencils AtBoundary(Boundary kind, int face) const;
     /// The value at the mirrored point of the cell beside a wall face on an overset boundary.
     Stencil Mirrored(int wallFace) const;
@@ -119,6 +122,7 @@ private:
     Stencil NormalOf(const Pair& pair, const InnerFace& face, FaceSide side) const;
     Stencil ValueInDonorGrid(int donor, const Vec3& point) const;
 
+    const GradientSet set;
     const InterfaceValue interfaceValue;
     const CellFaces cellFaces;
     const CellGradients gradients;

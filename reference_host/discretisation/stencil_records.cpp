@@ -115,10 +115,10 @@ void StencilRecords::FillBoundary(Boundary kind, CMAFVMFaceData*& records) {
     const int nFaces = builder.mesh.FaceCount(kind);
     records = new CMAFVMFaceData[nFaces + 1];
     for (int face = 1; face <= nFaces; ++face) {
-        if (builder.IsSilent(kind, face)) {
-            records[face].LinkedDataForAll(empty);
-        } else {
+        if (builder.HasStencils(kind, face)) {
             PutBoundary(builder.AtBoundary(kind, face), records[face]);
+        } else {
+            records[face].LinkedDataForAll(empty);
         }
     }
 }

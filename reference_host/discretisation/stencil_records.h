@@ -18,8 +18,9 @@ double Apply(const int* ids, const double* coefs, const std::vector<double>& fie
 /// both.
 ///
 /// Only the sides of active cells have stencils. The donor's side of a hole-boundary face, faces
-/// between cut cells, symmetry faces and boundary faces of cut cells are linked to one shared empty
-/// record: the row of a donor must receive nothing from a face that only reads its value.
+/// between cut cells, symmetry faces of scalars and of the pressure, and boundary faces of cut
+/// cells are linked to one shared empty record: the row of a donor must receive nothing from a face
+/// that only reads its value.
 ///
 /// Objects are neither copied nor moved, because operators keep the address of `gv`.
 class StencilRecords {
@@ -37,7 +38,7 @@ public:
 
     /// The record of an inner face on the side of an active cell; an empty one between cut cells.
     const CMAFVMFaceData& Inner(int face) const;
-    /// The record of a boundary face; an empty one on symmetry faces and faces of cut cells.
+    /// The record of a boundary face; an empty one where the builder has no stencils.
     const CMAFVMFaceData& AtBoundary(Boundary kind, int face) const;
 
 private:

@@ -9,6 +9,9 @@ WallRole RoleOf(const Mesh& mesh, const OversetLink& link, int wallFace) {
     if (wall.oversetGroup > 0) {
         return WallRole::Overset;
     }
+    if (mesh.namesBody) {
+        return wall.isBody ? WallRole::Body : WallRole::Other;
+    }
     return link.IsOverset() && mesh.cavity[wall.cell] == 1 ? WallRole::Other : WallRole::Body;
 }
 
@@ -35,10 +38,12 @@ void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& m
     }
 }
 
-void RequireComponentBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
-                          const std::string& body) {
-    if (!link.IsOverset()) {
-        throw std::runtime_error(meshFile + ": no " + body + ": the mesh has no component");
+void RequireSeparateBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
+                         const std::string& body) {
+    if (!link.IsOverset() && !mesh.namesBody) {
+        throw std::runtime_error(meshFile + ": no " + body +
+                                 ": the mesh has neither a component nor a physical surface group "
+                                 "\"body\"");
     }
     RequireBody(mesh, link, meshFile, "no " + body);
 }

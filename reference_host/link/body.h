@@ -12,11 +12,13 @@ namespace host {
 /// What a face of the kind Boundary::Wall stands for.
 enum class WallRole {
     Overset,  ///< on the overset boundary of a component: no wall in the flow
-    Body,     ///< physical wall beside a component; on a single grid every physical wall
-    Other     ///< physical wall beside the background of an overset mesh
+    Body,     ///< physical wall of the body in the flow, see RoleOf()
+    Other     ///< any other physical wall
 };
 
-/// The role of a wall face. This is the only rule for which faces are the body.
+/// The role of a wall face. This is the only rule for which faces are the body: those of the group
+/// "body" if the mesh has this group, otherwise the physical walls beside a component, and on a
+/// single grid every physical wall.
 WallRole RoleOf(const Mesh& mesh, const OversetLink& link, int wallFace);
 
 /// True for the faces of the body; false for all faces that are not of the kind wall.
@@ -31,11 +33,11 @@ std::vector<int> BodyFaces(const Mesh& mesh, const OversetLink& link);
 void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
                  const std::string& purpose);
 
-/// Refuses a single grid as well: the body must be inside a component.
+/// Refuses a single grid without the group "body" as well: its walls may be sides of a channel.
 /// @param body  what the case calls it: "cylinder"
 /// @throws std::runtime_error  one line
-void RequireComponentBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
-                          const std::string& body);
+void RequireSeparateBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
+                         const std::string& body);
 
 }  // namespace host
 

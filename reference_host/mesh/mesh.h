@@ -28,6 +28,7 @@ struct InnerFace {
 struct BoundaryFace {
     int cell = 0;          ///< real cell beside the face
     int oversetGroup = 0;  ///< wall faces: 1 or 2 on an overset boundary, 0 on a physical wall
+    bool isBody = false;   ///< wall faces: in the group "body" of the mesh file
     Vec3 centre = Vec3::Zero();  ///< centroid [length]
     Vec3 area = Vec3::Zero();    ///< area vector, points out of the domain [length^2]
     std::vector<int> nodes;      ///< node ids in order around the face
@@ -46,6 +47,8 @@ struct Mesh {
     /// The faces of block0 and of block1 where the two meet, as the mesh file has them. They are
     /// neither matched nor cut; JoinInterface() does that.
     std::array<std::vector<BoundaryFace>, 2> interfaceFaces;
+
+    bool namesBody = false;  ///< whether any face is in the group "body"
 
     int CellCount() const { return static_cast<int>(cellCentre.size()) - 1; }
     int NodeCount() const { return static_cast<int>(nodes.size()) - 1; }

@@ -162,6 +162,9 @@ FaceTable MatchCells(const Mesh& mesh) {
 }
 
 std::string NameOf(const NamedFace& face) {
+    if (face.isBody) {
+        return "body";
+    }
     return face.interfaceSide < 0 ? FaceName(face.kind, face.oversetGroup)
                                   : fmt::format("interface{}", face.interfaceSide);
 }
@@ -222,8 +225,8 @@ void RefuseNamelessFaces(const Mesh& mesh, const FaceTable& table) {
     if (first != nullptr) {
         throw std::runtime_error(fmt::format(
             "boundary faces without a name: {}, the first {} beside cell {} of {}: put their "
-            "surfaces into a group (inlet, outlet, wall, symmetry, overset1, overset2), or join "
-            "the volumes that should meet there",
+            "surfaces into a group (inlet, outlet, wall, body, symmetry, overset1, overset2), or "
+            "join the volumes that should meet there",
             count, At(NodeMean(mesh, NodesOf(mesh, first->cell, first->local))), first->cell,
             GridName(mesh, first->cell)));
     }
@@ -237,6 +240,7 @@ void BuildFaces(Mesh& mesh, const std::vector<NamedFace>& named) {
     MatchNames(mesh, named, table);
     RefuseNamelessFaces(mesh, table);
 
+    mesh.namesBody = false;
     mesh.innerFaces.assign(1, {});
     mesh.boundaryFaces.fill(std::vector<BoundaryFace>(1));
     mesh.interfaceFaces.fill(std::vector<BoundaryFace>(1));
@@ -253,6 +257,8 @@ void BuildFaces(Mesh& mesh, const std::vector<NamedFace>& named) {
             BoundaryFace face;
             face.cell = half.cell;
             face.oversetGroup = name.oversetGroup;
+            face.isBody = name.isBody;
+            mesh.namesBody = mesh.namesBody || name.isBody;
             face.nodes = NodesOf(mesh, half.cell, half.local);
             auto& faces = name.interfaceSide < 0 ? mesh.boundaryFaces[static_cast<int>(name.kind)]
                                                  : mesh.interfaceFaces[name.interfaceSide];

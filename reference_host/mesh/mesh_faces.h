@@ -14,6 +14,7 @@ struct NamedFace {
     std::vector<int> nodes;  ///< node ids in any order
     /// 0 or 1 where block0 or block1 meets the other block without matching it, -1 elsewhere.
     int interfaceSide = -1;
+    bool isBody = false;  ///< wall faces: in the group "body"
 };
 
 /// Fills innerFaces, boundaryFaces and interfaceFaces: cells, groups and node lists, no geometry.

@@ -23,6 +23,7 @@ struct SurfaceGroup {
     Boundary kind = Boundary::Wall;
     int oversetGroup = 0;
     int interfaceSide = -1;
+    bool isBody = false;
 };
 
 const std::map<std::string, int> cavityOfGroup = {
@@ -34,7 +35,8 @@ const std::map<std::string, SurfaceGroup> surfaceGroups = {{"inlet", {Boundary::
                                                            {"overset1", {Boundary::Wall, 1}},
                                                            {"overset2", {Boundary::Wall, 2}},
                                                            {"interface0", {Boundary::Wall, 0, 0}},
-                                                           {"interface1", {Boundary::Wall, 0, 1}}};
+                                                           {"interface1", {Boundary::Wall, 0, 1}},
+                                                           {"body", {Boundary::Wall, 0, -1, true}}};
 
 /// Elements of one type in one volume or surface. Nodes are tags of Gmsh.
 struct ElementBlock {
@@ -91,8 +93,9 @@ std::vector<std::pair<std::size_t, Vec3>> ReadNodes() {
 }
 
 std::string KnownNames(int dim) {
-    return dim == 3 ? "background, component1, component2, block0, block1"
-                    : "inlet, outlet, wall, symmetry, overset1, overset2, interface0, interface1";
+    return dim == 3
+               ? "background, component1, component2, block0, block1"
+               : "inlet, outlet, wall, body, symmetry, overset1, overset2, interface0, interface1";
 }
 
 /// Name of the group of each volume (dim 3) or surface (dim 2) that belongs to one.
@@ -316,7 +319,7 @@ Mesh BuildMesh(const GmshMesh& found) {
     for (const ElementBlock& block : found.surfaces) {
         for (std::size_t i = 0; i < block.nodes.size() / block.nodesEach; ++i) {
             named.push_back({block.surface.kind, block.surface.oversetGroup, nodesOf(block, i),
-                             block.surface.interfaceSide});
+                             block.surface.interfaceSide, block.surface.isBody});
         }
     }
     BuildFaces(mesh, named);

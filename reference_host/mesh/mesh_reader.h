@@ -15,11 +15,12 @@ using MeshParameters = std::map<std::string, double>;
 /// which Gmsh generates the mesh.
 ///
 /// The names of the physical groups give the meaning. Volumes: background, component1, component2.
-/// Surfaces: inlet, outlet, wall, symmetry, overset1, overset2. Two grids that meet without
-/// matching are the volumes block0 and block1, with the surfaces interface0 and interface1 where
-/// they meet; JoinInterface() makes one mesh of them. Cells are linear tetrahedra, hexahedra,
-/// prisms and pyramids, numbered in the order of Gmsh's volumes and elements. Inner faces are
-/// numbered in the order of their owners, the cells of lower id.
+/// Surfaces: inlet, outlet, wall, body, symmetry, overset1, overset2; "body" is optional and names
+/// the walls of the body in the flow (see RoleOf). Two grids that meet without matching are the
+/// volumes block0 and block1, with the surfaces interface0 and interface1 where they meet;
+/// JoinInterface() makes one mesh of them. Cells are linear tetrahedra, hexahedra, prisms and
+/// pyramids, numbered in the order of Gmsh's volumes and elements. Inner faces are numbered in the
+/// order of their owners, the cells of lower id.
 ///
 /// Gmsh is started and ended within the call, so two calls must not overlap.
 ///

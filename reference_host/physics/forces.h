@@ -12,9 +12,9 @@ namespace host {
 /// Force of the flow on the body: the sum of pressure and viscous stress mu du/dn over its faces.
 ///
 /// At a wall the normal part of du/dn is zero in the exact flow, but not in the discrete one: on
-/// tetrahedra it is 2 to 3 % of the drag of a sphere. It is kept, because the momentum equations of the cells
-/// at the wall contain it, and only with it does the force balance the momentum through a control
-/// surface around the body.
+/// tetrahedra it is 2 to 3 % of the drag of a sphere. It is kept, because the momentum equations of
+/// the cells at the wall contain it, and only with it does the force balance the momentum through a
+/// control surface around the body.
 Vec3 ForceOnBody(const Momentum& momentum, const FlowFields& fields);
 
 /// Pressure at the front and at the back of the body, where its surface meets the line along x

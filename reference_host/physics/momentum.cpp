@@ -23,7 +23,9 @@ double Weight(const int* ids, const double* coefs, int cell) {
 Momentum::Momentum(const Mesh& mesh, HostObjects& objects_, const OversetLink& link,
                    const FlowConditions& conditions_, Scheme scheme_, double mu_,
                    double relaxation_, MatrixSolver matrixSolver)
-    : builder(mesh, objects_, link, GradientSet::Velocity, InterfaceValue::Fitted),
+    : builder(mesh, objects_, link,
+              mesh.IsQuasi2d() ? GradientSet::Velocity : GradientSet::VectorAtSymmetry,
+              InterfaceValue::Fitted),
       records(builder, objects_, FarPointOf(scheme_)),
       equation(builder, records, ReachOf(scheme_), matrixSolver),
       mu(mu_),
@@ -32,6 +34,9 @@ Momentum::Momentum(const Mesh& mesh, HostObjects& objects_, const OversetLink& l
       scheme(scheme_),
       relaxation(relaxation_),
       dimensions(mesh.IsQuasi2d() ? 2 : 3) {
+    if (dimensions == 3) {
+        planes.emplace(mesh, objects, link);
+    }
     SumDiffusionWeights();
 }
 
@@ -80,6 +85,9 @@ void Momentum::SumCoefficients(const CMAFVMFaceVariableAll& flux) {
 void Momentum::Assemble(CMAFVMFaceVariableAll& flux) {
     const Mesh& mesh = builder.mesh;
     conditions.velocity[0].SetGhostMu(mesh, objects, std::vector<double>(mesh.CellCount() + 1, mu));
+    if (planes) {
+        planes->SetGhostMu(objects, mu);
+    }
     records.SetFaceMu(mu);
     equation.Clear();
     KVX_ART_FVM::CKVX_ART_MatOperator operators(&equation.matrix, &records.gv);
@@ -99,15 +107,6 @@ void Momentum::Assemble(CMAFVMFaceVariableAll& flux) {
     equation.CloseRows(conditions.velocity[0], coefficients);
 }
 
-/// Contribution of the normal viscous stress at a symmetry plane to the right-hand side: the normal
-/// velocity is zero on the plane. It is explicit because all components share one matrix.
-double Momentum::NormalStressAtSymmetry(const BoundaryFace& face, const Vec3& velocity,
-                                        int component) const {
-    const Vec3 n = face.area.normalized();
-    const Vec3 d = face.centre - builder.mesh.cellCentre[face.cell];
-    return -mu * face.area.norm() / d.dot(n) * velocity.dot(n) * n[component];
-}
-
 std::vector<double> Momentum::RightHandSide(const std::vector<Vec3>& pressureGradient,
                                             const HoleBalance& hole, const FlowFields& fields,
                                             int component) const {
@@ -118,16 +117,24 @@ std::vector<double> Momentum::RightHandSide(const std::vector<Vec3>& pressureGra
         rhs[cell] = relaxed * coefficients[cell] * fields.velocity[component][cell] -
                     mesh.volume[cell] * pressureGradient[cell][component];
     }
-    for (int face = 1; dimensions == 3 && face <= mesh.FaceCount(Boundary::Symmetry); ++face) {
-        const BoundaryFace& plane = mesh.Faces(Boundary::Symmetry)[face];
-        rhs[plane.cell] += NormalStressAtSymmetry(plane, fields.Velocity(plane.cell), component);
-    }
     for (int cell = 1; !forces.empty() && cell <= mesh.CellCount(); ++cell) {
         rhs[cell] += forces[cell][component];
     }
     hole.SubtractForce(component, rhs);
     equation.FillGhostRows(conditions.velocity[component], rhs);
+    if (planes) {
+        planes->FillRightHandSide(component, fields.velocity, coefficients, rhs);
+    }
     return rhs;
+}
+
+void Momentum::SetSymmetryRows(int component, double sign) {
+    if (planes) {
+        planes->ChangeRows(component, sign, coefficients,
+                           [this](int row, int column, double value) {
+                               equation.matrix.AddElementValue(row, column, value);
+                           });
+    }
 }
 
 std::vector<LinearSolve> Momentum::Solve(const std::vector<Vec3>& pressureGradient,
@@ -139,7 +146,9 @@ std::vector<LinearSolve> Momentum::Solve(const std::vector<Vec3>& pressureGradie
     }
     std::vector<LinearSolve> solves;
     for (int component = 0; component < dimensions; ++component) {
+        SetSymmetryRows(component, 1.0);
         solves.push_back(equation.solver.Solve(rhs[component], fields.velocity[component]));
+        SetSymmetryRows(component, -1.0);
     }
     FillGhosts(fields);
     return solves;
@@ -148,6 +157,9 @@ std::vector<LinearSolve> Momentum::Solve(const std::vector<Vec3>& pressureGradie
 void Momentum::FillGhosts(FlowFields& fields) const {
     for (int component = 0; component < dimensions; ++component) {
         equation.FillGhosts(conditions.velocity[component], fields.velocity[component]);
+    }
+    if (planes) {
+        planes->FillGhosts(fields.velocity);
     }
 }
 

@@ -2,6 +2,7 @@
 #define KVX3D_REFERENCE_HOST_PHYSICS_MOMENTUM_H
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "reference_host/discretisation/equation.h"
@@ -10,10 +11,12 @@
 #include "reference_host/discretisation/stencil_records.h"
 #include "reference_host/physics/flow_fields.h"
 #include "reference_host/physics/hole_balance.h"
+#include "reference_host/physics/symmetry_planes.h"
 
 namespace host {
 
-/// The momentum equations of a steady flow of density 1. All velocity components share one matrix.
+/// The momentum equations of a steady flow of density 1. All velocity components share one matrix,
+/// except for the ghost rows of symmetry planes, see SymmetryPlanes.
 ///
 /// The relaxation is based on a coefficient a* of each cell, the sum of its outgoing fluxes and of
 /// the diffusion weights of the cell itself. It is positive for every scheme, while the diagonal
@@ -55,14 +58,12 @@ public:
     int Dimensions() const { return dimensions; }
     /// The scheme of the convection terms.
     Scheme ConvectionScheme() const { return scheme; }
-    /// Whether the matrix contains viscous stress at a boundary face; not under a zero gradient.
+    /// Whether the matrix contains viscous stress at a boundary face: on symmetry planes, whose
+    /// records are empty on a mesh that is one cell thick, and where no zero gradient is set.
     bool IsViscousAt(Boundary kind, int face) const {
-        return conditions.velocity[0].At(kind, face).kind != GhostCondition::Kind::ZeroGradient;
+        return kind == Boundary::Symmetry ||
+               conditions.velocity[0].At(kind, face).kind != GhostCondition::Kind::ZeroGradient;
     }
-    /// Contribution of the normal viscous stress at a symmetry plane to the right-hand side.
-    /// @param velocity  of the cell beside the face
-    double NormalStressAtSymmetry(const BoundaryFace& face, const Vec3& velocity,
-                                  int component) const;
 
     const StencilBuilder builder;
     StencilRecords records;
@@ -72,6 +73,7 @@ public:
 private:
     void SumDiffusionWeights();
     void SumCoefficients(const CMAFVMFaceVariableAll& flux);
+    void SetSymmetryRows(int component, double sign);
     std::vector<double> RightHandSide(const std::vector<Vec3>& pressureGradient,
                                       const HoleBalance& hole, const FlowFields& fields,
                                       int component) const;
@@ -81,6 +83,7 @@ private:
     const Scheme scheme;
     const double relaxation;
     const int dimensions;
+    std::optional<SymmetryPlanes> planes;  // in three dimensions
     std::vector<double> diffusionWeights;  // by cell: the part of a* without fluxes
     std::vector<double> coefficients;      // by cell
     std::vector<Vec3> forces;              // by cell, integrated over it; empty: none

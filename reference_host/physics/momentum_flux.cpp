@@ -33,15 +33,6 @@ Vec3 MomentumFlux::IntoHole(const HoleBalance& hole) const {
     return sum;
 }
 
-Vec3 MomentumFlux::AtSymmetry(const BoundaryFace& plane) const {
-    Vec3 stress;
-    for (int component = 0; component < 3; ++component) {
-        stress[component] =
-            momentum.NormalStressAtSymmetry(plane, fields.Velocity(plane.cell), component);
-    }
-    return -stress;
-}
-
 Vec3 MomentumFlux::AtBoundary(Boundary kind, int face) const {
     const StencilBuilder& builder = momentum.builder;
     const BoundaryFace& geometry = builder.mesh.Faces(kind)[face];
@@ -50,9 +41,6 @@ Vec3 MomentumFlux::AtBoundary(Boundary kind, int face) const {
     }
     const int ghost = builder.objects.Ghost(kind, face);
     Vec3 sum = pressure.Faces().AtBoundary(kind, face, fields.pressure) * geometry.area;
-    if (kind == Boundary::Symmetry) {
-        return sum + AtSymmetry(geometry);
-    }
     const CMAFVMFaceData& record = momentum.records.AtBoundary(kind, face);
     const double through = BoundaryFlux(flux, kind)[face];
     const double mu = momentum.IsViscousAt(kind, face) ? momentum.mu : 0.0;

@@ -25,13 +25,10 @@ public:
     Vec3 Inner(int face) const;
     /// The sum over the hole boundary, out of the active cells, without the correction of `hole`.
     Vec3 IntoHole(const HoleBalance& hole) const;
-    /// Through a boundary face, out of the domain; zero at a cut cell. On symmetry planes the
-    /// normal viscous stress takes the place of mu du/dn |S|.
+    /// Through a boundary face, out of the domain; zero at a cut cell.
     Vec3 AtBoundary(Boundary kind, int face) const;
 
 private:
-    Vec3 AtSymmetry(const BoundaryFace& plane) const;
-
     const Momentum& momentum;
     const PressureCorrection& pressure;
     const FlowFields& fields;

@@ -45,6 +45,7 @@ PressureCorrection::PressureCorrection(const Mesh& mesh, HostObjects& objects_,
       objects(objects_),
       conditions(conditions_),
       relaxation(relaxation_),
+      dimensions(mesh.IsQuasi2d() ? 2 : 3),
       faces(builder, records, equation, conditions_.pressure),
       weights(Weights(mesh, link)),
       mirrored(mesh.Faces(Boundary::Wall).size()),
@@ -236,7 +237,7 @@ void PressureCorrection::Correct(FlowFields& fields, CMAFVMFaceVariableAll& flux
     const std::vector<Vec3> slope = faces.Of(correction);
     for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
         const Vec3 change = cellD[cell] * slope[cell];
-        for (int component = 0; component < 3; ++component) {
+        for (int component = 0; component < dimensions; ++component) {
             fields.velocity[component][cell] -= change[component];
         }
         fields.pressure[cell] += correction[cell];

@@ -78,6 +78,7 @@ private:
     HostObjects& objects;
     const FlowConditions& conditions;
     const double relaxation;
+    const int dimensions;  // velocity components that are corrected
     const PressureGradient faces;
     std::vector<double> weights;    // by inner face: of the first cell in a mean of both cells
     std::vector<Stencil> mirrored;  // by wall face: the value at the mirrored point of its cell

@@ -85,18 +85,18 @@ TEST_F(CutRule, DonorAwayFromWallNamesADonorAtTheBody) {
                  "of component1, which touches a wall or overset face"});
 }
 
-TEST_F(CutRule, DonorTriesAllowFiveOfAHexahedron) {
-    cut.hole[0].search.tries = 5;
+TEST_F(CutRule, DonorTriesAllowTenOfAHexahedron) {
+    cut.hole[0].search.tries = 10;
     EXPECT_EQ(TextsOf(Faults()), "");
 
-    cut.hole[0].search.tries = 7;
+    cut.hole[0].search.tries = 11;
     ExpectFault(Faults(), Rule::DonorTries,
-                {FirstHoleFace(), "took 7 searches for a donor", "more than 5"});
+                {FirstHoleFace(), "took 11 searches for a donor", "more than 10"});
 }
 
 /// Many tries are sound while all of them stay near the face, as in a flat cell.
 TEST_F(CutRule, DonorTriesMayBeManyInShortSteps) {
-    cut.hole[0].search.tries = 8;
+    cut.hole[0].search.tries = 12;
     const int face = FirstFace();
     for (int side : {0, 1}) {
         const int cell = host.fvm.Ce23[side][face];

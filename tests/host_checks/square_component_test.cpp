@@ -18,12 +18,14 @@ using testing::Le;
 
 constexpr double pi = 3.14159265358979323846;
 
-/// A background of 40 x 40 square cells of the size 0.1 under a turned square of 20 x 20 cells.
+/// A background of 40 x 40 square cells of the size 0.1 under a turned square with sides
+/// of about 2.
 class SquareHost : public BlockHost {
 public:
     /// @param angle  by which the square is turned [degrees]
     /// @param size   of its cells
-    SquareHost(double angle, double size) {
+    /// @param cellsPerSide  an even number
+    SquareHost(double angle, double size, int cellsPerSide) {
         Block background;
         background.n = {40, 40, 1};
         background.node = [](int i, int j, int k) { return Point{0.1 * i, 0.1 * j, 0.1 * k}; };
@@ -31,9 +33,10 @@ public:
         Add(background);
         const double cosine = std::cos(angle * pi / 180.0), sine = std::sin(angle * pi / 180.0);
         Block square;
-        square.n = {20, 20, 1};
+        const int half = cellsPerSide / 2;
+        square.n = {2 * half, 2 * half, 1};
         square.node = [=](int i, int j, int k) {
-            const double u = size * (i - 10), v = size * (j - 10);
+            const double u = size * (i - half), v = size * (j - half);
             return Point{2.0137 + u * cosine - v * sine, 1.9929 + u * sine + v * cosine, 0.1 * k};
         };
         square.sides = {overset, overset, overset, overset, symmetry, symmetry};
@@ -46,7 +49,8 @@ class TurnedSquare : public testing::TestWithParam<std::tuple<double, double>> {
 
 TEST_P(TurnedSquare, IsAcceptedAndCutsOneHoleWithDonorsAfterFewSearches) {
     const auto& [angle, size] = GetParam();
-    SquareHost host(angle, size);
+    const int cellsPerSide = size > 0.08 ? 20 : static_cast<int>(std::lround(2.0 / size));
+    SquareHost host(angle, size, cellsPerSide);
     const OutputCapture quiet;
 
     const kvx3d::checks::Verdict verdict = kvx3d::checks::MaySetUp(host.gv, host.fvm);
@@ -58,7 +62,7 @@ TEST_P(TurnedSquare, IsAcceptedAndCutsOneHoleWithDonorsAfterFewSearches) {
     EXPECT_EQ(TextsOf(soundness.faults), "");
     // The hole is the square without a margin of 2 background cells, give or take the cells at
     // its sides that are cut or not by where their centers lie.
-    const double side = 20.0 * size / 0.1 - 4.0;
+    const double side = cellsPerSide * size / 0.1 - 4.0;
     EXPECT_THAT(soundness.grids[0].cutPieces,
                 ElementsAre(testing::AllOf(Ge((side - 0.6) * (side - 0.6)),
                                            Le((side + 0.6) * (side + 0.6)))));
@@ -68,6 +72,6 @@ TEST_P(TurnedSquare, IsAcceptedAndCutsOneHoleWithDonorsAfterFewSearches) {
 
 INSTANTIATE_TEST_SUITE_P(AnglesAndCellSizes, TurnedSquare,
                          testing::Combine(testing::Values(0.0, 15.0, 30.0, 45.0, 60.0),
-                                          testing::Values(0.09, 0.1, 0.11)));
+                                          testing::Values(0.025, 0.05, 0.09, 0.1, 0.11)));
 
 }  // namespace

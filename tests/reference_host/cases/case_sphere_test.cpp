@@ -20,7 +20,7 @@ using host::benchmarksphere::RecirculationLength;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const MeshChoice sphere5 = {"Sphere5", "sphere_overset.geo", {{"n", 5}}};
+const MeshChoice sphere5 = {"Sphere5", "sphere_overset.geo", {{"n", 5}, {"slip", 0}, {"sd", 5}}};
 
 TEST(RecirculationLength, EndsWhereTheVelocityChangesSign) {
     const std::vector<AxisPoint> axis = {{0.5, -0.1}, {1.0, -0.2}, {1.5, 0.6}, {2.0, 0.7}};
@@ -41,7 +41,7 @@ TEST(RecirculationLength, IsZeroWithoutReversedFlowThatEnds) {
 
 TEST(SphereLimits, ApplyToEachFigureAlone) {
     namespace sphere = host::benchmarksphere;
-    const auto limits = sphere::LimitsOf(host::Scheme::LinearUpwind, 7);
+    const auto limits = sphere::LimitsOf(host::Scheme::LinearUpwind, sphere::Shell::Hexahedra, 7);
     ASSERT_TRUE(limits);
     sphere::Result good;
     good.cd = sphere::dragCoefficient;
@@ -63,8 +63,26 @@ TEST(SphereLimits, ApplyToEachFigureAlone) {
 }
 
 TEST(SphereLimits, ExistForMeasuredMeshesOnly) {
-    EXPECT_FALSE(host::benchmarksphere::LimitsOf(host::Scheme::LinearUpwind, 6));
-    EXPECT_FALSE(host::benchmarksphere::LimitsOf(host::Scheme::Quick, 7));
+    using host::benchmarksphere::LimitsOf;
+    using host::benchmarksphere::Shell;
+    EXPECT_TRUE(LimitsOf(host::Scheme::LinearUpwind, Shell::Tetrahedra, 7));
+    EXPECT_FALSE(LimitsOf(host::Scheme::LinearUpwind, Shell::Hexahedra, 6));
+    EXPECT_FALSE(LimitsOf(host::Scheme::LinearUpwind, Shell::Prisms, 7));
+    EXPECT_FALSE(LimitsOf(host::Scheme::Quick, Shell::Hexahedra, 7));
+}
+
+TEST(SphereShell, IsKnownFromTheCellsOfTheMesh) {
+    namespace sphere = host::benchmarksphere;
+    for (const auto& [shell, expected] :
+         {std::pair(0, sphere::Shell::Hexahedra), std::pair(1, sphere::Shell::Prisms),
+          std::pair(2, sphere::Shell::Tetrahedra)}) {
+        const host::Mesh mesh = host::ReadMesh(
+            ShippedMesh("sphere_overset.geo"),
+            {{"n", 5}, {"shell", shell}, {"sd", 5}, {"up", 5}, {"dn", 5}, {"gr", 1.8}});
+        EXPECT_EQ(sphere::ShellOf(mesh), expected);
+    }
+    const host::Mesh single = host::ReadMesh(ShippedMesh(boxFile), {{"n", 5}, {"kind", 1}});
+    EXPECT_THROW(sphere::ShellOf(single), std::runtime_error);
 }
 
 TEST(SphereFlow, SideWallsMoveWithTheStreamAndTheSphereIsAtRest) {
@@ -72,7 +90,8 @@ TEST(SphereFlow, SideWallsMoveWithTheStreamAndTheSphereIsAtRest) {
     const MeshCase mesh(sphere5);
     const Vec3 stream = host::benchmarksphere::Stream();
     const host::FlowConditions conditions(
-        mesh.mesh, mesh.link, [&](const Vec3&) { return stream; }, stream);
+        mesh.mesh, mesh.link,
+        {[&](const Vec3&) { return stream; }, host::MovingFarWalls(stream), {}});
     int walls = 0;
     int body = 0;
 
@@ -93,7 +112,7 @@ TEST(SphereFlow, SideWallsMoveWithTheStreamAndTheSphereIsAtRest) {
     EXPECT_GT(body, 0);
 }
 
-TEST(FullSphereFlow, FiguresOfTheCoarseMeshAreWithinTheirLimits) {
+TEST(FullSphereFlow, FiguresOfTheCoarseMeshAreWithinTheirRegressionLimits) {
     TempDirectory results;
     host::SphereCase run;
     run.meshFile = std::string(KVX3D_TEST_MESH_DIR) + "/sphere_overset.geo";

@@ -132,6 +132,6 @@ std::string NameOf(const testing::TestParamInfo<Measured>& info) {
     return info.param.name;
 }
 
-@@QUICK@@
+
 
 }  // namespace

@@ -10,8 +10,9 @@ namespace {
 
 /// A square component turned by some angle, in place of the round one of the other studies.
 struct Square {
-    double angle;  ///< [degrees]
-    double body;   ///< half the side of the body; 0: no body
+    double angle;        ///< [degrees]
+    double body;         ///< half the side of the body; 0: no body
+    double ratio = 1.0;  ///< component cells per background cell
 };
 
 class DiffusionOnATurnedSquare : public testing::TestWithParam<Square> {};
@@ -19,7 +20,8 @@ class DiffusionOnATurnedSquare : public testing::TestWithParam<Square> {};
 TEST_P(DiffusionOnATurnedSquare, IsSecondOrderAndAsAccurateAsOnTheAnnulus) {
     host::MmsCase run;
     run.meshFile = ShippedMesh("box_square_overset.geo");
-    run.parameters = {{"angle", GetParam().angle}, {"b", GetParam().body}};
+    run.parameters = {
+        {"angle", GetParam().angle}, {"b", GetParam().body}, {"ratio", GetParam().ratio}};
     OutputCapture quiet;
 
     const host::OrderStudy study = host::RunKind(run, std::nullopt).at(0);
@@ -37,10 +39,27 @@ TEST_P(DiffusionOnATurnedSquare, IsSecondOrderAndAsAccurateAsOnTheAnnulus) {
 INSTANTIATE_TEST_SUITE_P(Angles, DiffusionOnATurnedSquare,
                          testing::Values(Square{0.0, 0.0}, Square{15.0, 0.0}, Square{30.0, 0.0},
                                          Square{45.0, 0.0}, Square{60.0, 0.0}, Square{30.0, 0.4},
-                                         Square{45.0, 0.4}),
+                                         Square{45.0, 0.4}, Square{0.0, 0.0, 2.0},
+                                         Square{30.0, 0.0, 2.0}, Square{45.0, 0.4, 2.0},
+                                         Square{30.0, 0.4, 4.0}),
                          [](const testing::TestParamInfo<Square>& square) {
                              return std::to_string(static_cast<int>(square.param.angle)) +
-                                    (square.param.body > 0.0 ? "DegreesWithBody" : "Degrees");
+                                    (square.param.body > 0.0 ? "DegreesWithBody" : "Degrees") +
+                                    "Ratio" + std::to_string(static_cast<int>(square.param.ratio));
                          });
+
+/// With such cells some faces need 9 or 10 searches for a donor.
+TEST(DiffusionOnACoarseTurnedSquare,
+     IsSecondOrderWithAnErrorBelowOneAndAHalfTimesThatOfEqualCells) {
+    host::MmsCase run;
+    run.meshFile = ShippedMesh("box_square_overset.geo");
+    run.parameters = {{"angle", 45.0}, {"b", 0.4}, {"ratio", 0.75}};
+    OutputCapture quiet;
+
+    const host::OrderStudy study = host::RunKind(run, std::nullopt).at(0);
+
+    EXPECT_GT(host::Order(study.levels[0].all.l2, study.levels[1].all.l2, 10, 20), 1.7);
+    EXPECT_LT(study.levels[1].all.l2, 1.5 * 2.44e-4);
+}
 
 }  // namespace

@@ -48,6 +48,21 @@ TEST(Body, OfASingleGridIsEveryWall) {
               static_cast<std::size_t>(linked.mesh.FaceCount(Boundary::Wall)));
 }
 
+TEST(Body, OfASingleGridWithTheGroupBodyIsThatGroup) {
+    const Linked linked(fittedGeo, {{"n", 5}});
+
+    for (int face = 1; face <= linked.mesh.FaceCount(Boundary::Wall); ++face) {
+        const host::BoundaryFace& wall = linked.mesh.Faces(Boundary::Wall)[face];
+        const double radius = std::hypot(wall.centre.x() - 2.0, wall.centre.y() - 2.0);
+        ASSERT_EQ(RoleOf(linked.mesh, linked.link, face),
+                  radius < 0.51 ? WallRole::Body : WallRole::Other)
+            << face;
+    }
+    EXPECT_EQ(BodyFaces(linked.mesh, linked.link).size(), 52u);
+    EXPECT_EQ(ErrorOf([&] { RequireSeparateBody(linked.mesh, linked.link, "a.geo", "cylinder"); }),
+              "");
+}
+
 TEST(Body, HasOnlyWallFaces) {
     const Linked linked(boxGeo, {{"n", 5}, {"kind", 1}});
 
@@ -63,14 +78,14 @@ TEST(BodyRequirement, RefusesAMeshWithoutWalls) {
               "a.geo: nothing to heat: no face of the group \"wall\" belongs to the grid");
 }
 
-TEST(BodyRequirement, OfAComponentRefusesASingleGrid) {
+TEST(BodyRequirement, OfASeparateBodyRefusesASingleGridWithoutTheGroupBody) {
     const Linked single(boxGeo, {{"n", 5}, {"kind", 1}});
-    EXPECT_EQ(ErrorOf([&] { RequireComponentBody(single.mesh, single.link, "a.geo", "cylinder"); }),
-              "a.geo: no cylinder: the mesh has no component");
+    EXPECT_EQ(ErrorOf([&] { RequireSeparateBody(single.mesh, single.link, "a.geo", "cylinder"); }),
+              "a.geo: no cylinder: the mesh has neither a component nor a physical surface group "
+              "\"body\"");
 
     const Linked pair(channelGeo, {{"n", 5}});
-    EXPECT_EQ(ErrorOf([&] { RequireComponentBody(pair.mesh, pair.link, "a.geo", "cylinder"); }),
-              "");
+    EXPECT_EQ(ErrorOf([&] { RequireSeparateBody(pair.mesh, pair.link, "a.geo", "cylinder"); }), "");
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 
 /// Mesh geometries of the reference host.
 constexpr const char* channelGeo = "channel_cylinder_overset.geo";
+constexpr const char* fittedGeo = "channel_cylinder_fitted.geo";
 constexpr const char* boxGeo = "box_annulus_overset.geo";
 constexpr const char* sphereGeo = "box_sphere_overset.geo";
 

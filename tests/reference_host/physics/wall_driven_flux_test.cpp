@@ -25,8 +25,9 @@ TEST(WallDrivenFlux, IsTheWallSpeedTimesTheShorterEdgesOfTheDomain) {
     const Vec3 edges = high - low;
     ASSERT_LT(edges.z(), edges.x());
     ASSERT_LT(edges.y(), edges.x());
-    const FlowConditions moving(c.mesh, c.link, AtRest(), {0.3, 0.0, 0.4});
-    const FlowConditions resting(c.mesh, c.link, AtRest());
+    const FlowConditions moving(c.mesh, c.link,
+                                {AtRest(), host::MovingFarWalls({0.3, 0.0, 0.4}), {}});
+    const FlowConditions resting(c.mesh, c.link, {AtRest(), {}, {}});
 
     EXPECT_NEAR(host::WallDrivenFlux(c.mesh, moving), 0.5 * edges.y() * edges.z(), 1e-12);
     EXPECT_EQ(host::WallDrivenFlux(c.mesh, resting), 0.0);
@@ -36,12 +37,12 @@ TEST(MassScale, IsTheInflowOrElseTheFluxOfTheWalls) {
     for (const bool hasInflow : {true, false}) {
         MeshCase c(channel5);
         host::FlowSettings settings = FlowAtRe20(c.mesh);
-        settings.farWalls = {0.5, 0.0, 0.0};
+        settings.walls = host::MovingFarWalls({0.5, 0.0, 0.0});
         if (!hasInflow) {
             settings.inlet = AtRest();
         }
         const host::FlowSolver flow(c.mesh, c.objects, c.link, settings);
-        const FlowConditions conditions(c.mesh, c.link, settings.inlet, settings.farWalls);
+        const FlowConditions conditions(c.mesh, c.link, settings);
 
         EXPECT_EQ(flow.MassScale(),
                   hasInflow ? flow.Inflow() : host::WallDrivenFlux(c.mesh, conditions));
