@@ -16,8 +16,8 @@ namespace host {
 /// The SIMPLEC method uses two coefficients here. D = a V / ((1 - a) a*) relates the gradient of
 /// the correction to the change of velocity, and E = V / a* is the factor of the Rhie-Chow pressure
 /// term in the face fluxes. D is as large as the method allows, so that few iterations suffice; E
-/// does not contain the relaxation a, so that the converged flow does not depend on it. Faces on the
-/// hole and overset boundaries of both grids are corrected like all others. This determines the
+/// does not contain the relaxation a, so that the converged flow does not depend on it. Faces on
+/// the hole and overset boundaries of both grids are corrected like all others. This determines the
 /// level of the pressure of one grid relative to the other.
 ///
 /// If the velocity is given on the whole boundary, the pressure is determined up to a constant. The

@@ -3,8 +3,7 @@
 namespace host {
 
 PressureGradient::PressureGradient(const StencilBuilder& builder_, const StencilRecords& records_,
-                                   const Equation& equation_,
-                                   const BoundaryConditions& conditions_)
+                                   const Equation& equation_, const BoundaryConditions& conditions_)
     : builder(builder_),
       records(records_),
       equation(equation_),

@@ -9,11 +9,11 @@
 
 namespace host {
 
-/// The gradient of the pressure in each cell as a surface integral, V grad p = sum of p_f S over the
-/// faces of the cell, with second-order values p_f at the face centers.
+/// The gradient of the pressure in each cell as a surface integral, V grad p = sum of p_f S over
+/// the faces of the cell, with second-order values p_f at the face centers.
 ///
-/// Both cells of a face take the same p_f. In a sum over cells the inner faces therefore cancel, and
-/// the pressure force on the body equals that through every control surface around it. A
+/// Both cells of a face take the same p_f. In a sum over cells the inner faces therefore cancel,
+/// and the pressure force on the body equals that through every control surface around it. A
 /// least-squares gradient does not have this property: on prisms and tetrahedra the two forces
 /// differ by several percent.
 ///
@@ -22,7 +22,8 @@ namespace host {
 class PressureGradient {
 public:
     /// Keeps references to its arguments.
-    /// @param builder     with GradientSet::Pressure, whose gradients extrapolate to the walls
+    /// @param builder     with GradientSet::Pressure, or ClosedPressure in a closed domain; its
+    ///                    gradients extrapolate to the boundaries without a given pressure
     /// @param records     its stencils
     /// @param equation    of the pressure correction
     /// @param conditions  of the pressure
