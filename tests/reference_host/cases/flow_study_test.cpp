@@ -34,18 +34,17 @@ FlowStudy Study(const FlowStudyLevel& coarse, const FlowStudyLevel& fine) {
 }
 
 TEST(FlowStudyLimits, SecondOrderIsWithinThem) {
-    EXPECT_TRUE(host::Misses({Study(Level(10, 4e-3, 4e-3, 4e-3), Level(20, 1e-3, 1e-3, 1e-3))})
-                    .empty());
+    EXPECT_TRUE(
+        host::Misses({Study(Level(10, 4e-3, 4e-3, 4e-3), Level(20, 1e-3, 1e-3, 1e-3))}).empty());
 }
 
 TEST(FlowStudyLimits, LowOrdersAndNanAreOutside) {
-    const auto misses = host::Misses(
-        {Study(Level(10, 2e-3, 2e-3, 4e-3), Level(20, 1e-3, 1e-3, std::nan("")))});
+    const auto misses =
+        host::Misses({Study(Level(10, 2e-3, 2e-3, 4e-3), Level(20, 1e-3, 1e-3, std::nan("")))});
 
-    EXPECT_THAT(misses,
-                ElementsAre("flow lud kind 3 velocity: order 1.00, the limit is 1.90",
-                            "flow lud kind 3 pressure: order 1.00, the limit is 1.50",
-                            HasSubstr("flow lud kind 3 force: order nan")));
+    EXPECT_THAT(misses, ElementsAre("flow lud kind 3 velocity: order 1.00, the limit is 1.90",
+                                    "flow lud kind 3 pressure: order 1.00, the limit is 1.50",
+                                    HasSubstr("flow lud kind 3 force: order nan")));
 }
 
 TEST(FlowStudyLimits, AreLowerOnTetrahedra) {
@@ -132,6 +131,29 @@ std::string NameOf(const testing::TestParamInfo<Measured>& info) {
     return info.param.name;
 }
 
+INSTANTIATE_TEST_SUITE_P(
+    Quick, FlowStudyOn,
+    testing::Values(
+        Measured{"SingleBox", boxFile, 1, {5, 10}, 0.00142, 0.00179, 0.00107, 0.00111, 1.5},
+        Measured{"AnnulusAlone", boxFile, 3, {5, 10}, 0.00107, 0.00124, 0.00386, 0.000651, 1.5},
+        Measured{"OversetPair", boxFile, 0, {5, 10}, 0.00138, 0.00177, 0.00363, 0.00102, 0.4}),
+    NameOf);
 
+INSTANTIATE_TEST_SUITE_P(
+    FullFlowStudies, FlowStudyOn,
+    testing::Values(
+        Measured{"SingleBox", boxFile, 1, {10, 20}, 0.00036, 0.000484, 0.000474, 0.000278, 1.1},
+        Measured{"AnnulusAlone", boxFile, 3, {10, 20}, 0.000225, 0.000337, 0.00128, 0.000137, 1.5},
+        Measured{"OversetPair", boxFile, 0, {10, 20}, 0.000313, 0.000464, 0.00198, 0.00023, 0.8},
+        Measured{"Tetrahedra",
+                 "box_tetrahedra.geo",
+                 std::nullopt,
+                 {5, 7},
+                 0.00344,
+                 0.00457,
+                 0.00357,
+                 0.00164,
+                 1.2}),
+    NameOf);
 
 }  // namespace

@@ -73,8 +73,8 @@ TEST_P(ManufacturedFlowIn, TractionIsPressureLessViscousStress) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Dimensions, ManufacturedFlowIn, testing::Bool(),
-                         [](const testing::TestParamInfo<bool>& info) {
-                             return info.param ? "Space" : "Plane";
+                         [](const testing::TestParamInfo<bool>& dimensions) {
+                             return dimensions.param ? "Space" : "Plane";
                          });
 
 TEST(ManufacturedFlow, HasSymmetryPlanesAtBothEndsOfItsThickness) {
