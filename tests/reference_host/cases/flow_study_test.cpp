@@ -84,6 +84,17 @@ TEST(FlowLevelSolver, FlowThatDoesNotConvergeEndsInOneLine) {
                  std::runtime_error);
 }
 
+TEST(FlowLevelSolver, FlowThroughABodyOfPrismsConverges) {
+    const MeshCase c({"PrismAnnulus", boxFile, {{"n", 5}, {"kind", 5}}});
+    host::HostObjects objects(c.mesh, ".");
+    host::OversetLink link(c.mesh, objects);
+    host::FlowLevelSolver level(c.mesh, objects, link, 5, "box", nullptr);
+
+    // With an extrapolated value in the flow out through the body it does not converge at all.
+    EXPECT_LT(level.Solve(Scheme::LinearUpwind, 0.05, host::MatrixSolver::Bicgstab).iterations,
+              300);
+}
+
 /// What linear upwind with the default viscosity was measured with between two sizes.
 struct Measured {
     const char* name;
