@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 #include <utility>
 
 #include "reference_host/run/comparison.h"
@@ -40,23 +41,29 @@ std::string PrepareResults(const MmsCase& run, std::optional<int> kind, int size
     return directory;
 }
 
+double MuOf(const MmsCase& run, Scheme scheme) {
+    return run.mu.value_or(run.flow ? FlowLevelSolver::defaultMu : DefaultMu(scheme));
+}
+
 /// Appends the errors on one mesh to each study.
-void RunLevel(const MmsCase& run, std::optional<int> kind, int size,
-              std::vector<OrderStudy>& studies) {
+/// @tparam Solver  LevelSolver or FlowLevelSolver, whose studies these are
+template <class Solver, class Study>
+void RunLevel(const MmsCase& run, std::optional<int> kind, int size, std::vector<Study>& studies) {
     const std::string directory = PrepareResults(run, kind, size);
     const Mesh mesh = ReadGrids(run.meshFile, ParametersOf(run, kind, size));
     HostObjects objects(mesh, directory);
     OversetLink link(mesh, objects);
     std::unique_ptr<ResultSeries> series;
     if (!directory.empty()) {
-        series =
-            std::make_unique<ResultSeries>(mesh, objects, link, directory, "Solution", "Error");
+        series = std::make_unique<ResultSeries>(mesh, objects, link, directory,
+                                                run.flow ? "PressureError" : "Solution",
+                                                run.flow ? "VelocityError" : "Error");
     }
-    LevelSolver level(mesh, objects, link, size, fmt::format("{}, n = {}", run.meshFile, size),
-                      series.get());
-    for (OrderStudy& study : studies) {
+    Solver level(mesh, objects, link, size, fmt::format("{}, n = {}", run.meshFile, size),
+                 series.get());
+    for (Study& study : studies) {
         study.levels.push_back(
-            level.Solve(study.scheme, run.mu.value_or(DefaultMu(study.scheme)), run.matrixSolver));
+            level.Solve(study.scheme, MuOf(run, study.scheme), run.matrixSolver));
     }
     if (series) {
         series->Finish();
@@ -71,12 +78,15 @@ std::vector<std::optional<int>> KindsOf(const MmsCase& run) {
     return {run.kinds.begin(), run.kinds.end()};
 }
 
-std::vector<OrderStudy> RunStudies(const MmsCase& run) {
+/// Runs all kinds of mesh with RunKind() or RunFlowKind().
+template <class Study>
+std::vector<Study> RunStudies(const MmsCase& run,
+                              std::vector<Study> (*runKind)(const MmsCase&, std::optional<int>)) {
     const std::vector<std::optional<int>> kinds = KindsOf(run);
-    std::vector<OrderStudy> studies;
+    std::vector<Study> studies;
     Progress progress("mms", static_cast<int>(kinds.size()), std::cout, StandardOutputIsTerminal());
     for (const std::optional<int>& kind : kinds) {
-        for (OrderStudy& study : RunKind(run, kind)) {
+        for (Study& study : runKind(run, kind)) {
             studies.push_back(std::move(study));
         }
         progress.StepDone("kind " + KindText(kind));
@@ -84,10 +94,47 @@ std::vector<OrderStudy> RunStudies(const MmsCase& run) {
     return studies;
 }
 
+void PrintPlace(const MmsCase& run) {
+    if (run.outputDir.empty()) {
+        return;
+    }
+    std::cout << fmt::format(
+        "Results: {}, a series per mesh, one step per scheme ({})\n", run.outputDir,
+        run.flow ? "scalar: the error of the pressure; vector: that of the velocity"
+                 : "scalar: the solution; x component of the vector: its error");
+}
+
+int RunFlowMms(const MmsCase& run) {
+    if (run.check && run.sizes.size() < 2) {
+        throw std::runtime_error("check: one size has no order: give two sizes in study.n (--n)");
+    }
+    const std::vector<FlowStudy> studies = RunStudies(run, RunFlowKind);
+    PrintTable(studies);
+    PrintPlace(run);
+    return run.check ? ReportMisses(Misses(studies)) : 0;
+}
+
+/// A flow has convection: the default is linear upwind.
+void SettleFlow(MmsCase& run, const CaseOptions& options) {
+    if (!options.IsGiven("schemes.transport")) {
+        run.schemes = {Scheme::LinearUpwind};
+    }
+    for (const Scheme scheme : run.schemes) {
+        if (!Convects(scheme)) {
+            throw std::runtime_error(
+                fmt::format("schemes.transport (--scheme): a flow has convection, and {} has none",
+                            Name(scheme)));
+        }
+    }
+}
+
 /// The default kinds are those of the shipped mesh: another mesh has none unless they are given.
 void Settle(MmsCase& run, const CaseOptions& options) {
     if (options.IsGiven("mesh.file") && !options.IsGiven("study.kind")) {
         run.kinds.clear();
+    }
+    if (run.flow) {
+        SettleFlow(run, options);
     }
     options.RefuseParameter("n", "study.n");
     if (!run.kinds.empty()) {
@@ -117,10 +164,15 @@ CaseOptions OptionsOf(MmsCase& run) {
                           "thickness of the mesh, with cells as fine as in the plane; by default "
                           "the mesh is one cell thick"},
                          run.depth, Range::AboveZero()),
+            FlagOption({"study.flow", "--flow",
+                        "velocity, pressure and force of a flow instead of a scalar; the default "
+                        "scheme is then lud"},
+                       run.flow),
             SchemesOption(run.schemes),
-            NumberOption(
-                {"physics.mu", "--mu", "diffusion coefficient; by default 1, with convection 0.01"},
-                run.mu, Range::AboveZero()),
+            NumberOption({"physics.mu", "--mu",
+                          "diffusion coefficient; by default 1, with convection 0.01; viscosity of "
+                          "a flow; by default 0.05"},
+                         run.mu, Range::AboveZero()),
             SolverOption(run.matrixSolver),
             OutputOption(run.outputDir,
                          "directory of the result files; none are written unless it is given"),
@@ -136,24 +188,34 @@ std::vector<OrderStudy> RunKind(const MmsCase& run, std::optional<int> kind) {
         studies.push_back({scheme, kind, {}, !run.depth});
     }
     for (const int size : run.sizes) {
-        RunLevel(run, kind, size, studies);
+        RunLevel<LevelSolver>(run, kind, size, studies);
+    }
+    return studies;
+}
+
+std::vector<FlowStudy> RunFlowKind(const MmsCase& run, std::optional<int> kind) {
+    std::vector<FlowStudy> studies;
+    for (const Scheme scheme : run.schemes) {
+        studies.push_back({scheme, kind, {}});
+    }
+    for (const int size : run.sizes) {
+        RunLevel<FlowLevelSolver>(run, kind, size, studies);
     }
     return studies;
 }
 
 int RunMms(const MmsCase& run) {
+    if (run.flow) {
+        return RunFlowMms(run);
+    }
     if (run.check) {
         for (const std::optional<int>& kind : KindsOf(run)) {
             RequireLimits(kind, run.sizes, !run.depth);
         }
     }
-    const std::vector<OrderStudy> studies = RunStudies(run);
+    const std::vector<OrderStudy> studies = RunStudies(run, RunKind);
     PrintTable(studies);
-    if (!run.outputDir.empty()) {
-        std::cout << "Results: " << run.outputDir
-                  << ", a series per mesh, one step per scheme (scalar: the solution; x component "
-                     "of the vector: its error)\n";
-    }
+    PrintPlace(run);
     return run.check ? ReportMisses(Misses(studies)) : 0;
 }
 

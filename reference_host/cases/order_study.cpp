@@ -13,12 +13,6 @@ namespace {
 
 const Vec3 convectionVelocity(1.0, 0.6, 0.0);
 
-/// Name of the grid of cavity `grid` + 1, as in the mesh files.
-const char* GridName(std::size_t grid) {
-    static const char* const names[] = {"background", "component1", "component2"};
-    return names[grid];
-}
-
 /// Column "solver" of the table. SAMG does not report its iterations.
 std::string IterationText(const SolveReport& solve) {
     return solve.iterations > 0 ? std::to_string(solve.iterations) : "-";
@@ -215,6 +209,11 @@ void PrintTable(const std::vector<OrderStudy>& studies) {
             before = &level;
         }
     }
+}
+
+const char* GridName(std::size_t grid) {
+    static const char* const names[] = {"background", "component1", "component2"};
+    return names[grid];
 }
 
 std::string KindText(std::optional<int> kind) {

@@ -100,6 +100,9 @@ std::vector<std::string> Misses(const std::vector<OrderStudy>& studies);
 /// Prints errors and orders of all levels on standard output.
 void PrintTable(const std::vector<OrderStudy>& studies);
 
+/// Name of the grid of cavity `grid` + 1, as in the mesh files.
+const char* GridName(std::size_t grid);
+
 /// The kind in tables and messages: its number, or "-".
 std::string KindText(std::optional<int> kind);
 

@@ -27,7 +27,14 @@ struct SampleSet {
 };
 
 bool GhostTakesPart(GradientSet set, Boundary kind, const BoundaryFace& face) {
-    return set != GradientSet::Pressure || kind == Boundary::Outlet || face.oversetGroup > 0;
+    switch (set) {
+        case GradientSet::Pressure:
+            return kind == Boundary::Outlet || face.oversetGroup > 0;
+        case GradientSet::ClosedPressure:
+            return face.oversetGroup > 0;
+        default:
+            return true;
+    }
 }
 
 bool IsTetrahedron(const Mesh& mesh, int cell) {

@@ -14,6 +14,9 @@ namespace host {
 enum class GradientSet {
     Velocity,  ///< inlet, outlet, wall and overset ghosts, for scalars with values there
     Pressure,  ///< outlet and overset ghosts; one-sided at inlets and physical walls
+    /// Overset ghosts only: of a pressure without a given value at outlets, where it is
+    /// extrapolated as at inlets and walls.
+    ClosedPressure,
     /// As Velocity, and also symmetry ghosts, for a vector whose component normal to the plane is 0
     /// there. Their value belongs to the foot of the perpendicular from the center of the cell.
     VectorAtSymmetry

@@ -214,6 +214,14 @@ BoundaryStencils StencilBuilder::AtBoundary(Boundary kind, int face) const {
         at.farLeft.Add(AtOversetFace(face, /*cellShare=*/1.0), -2.0);
         return at;
     }
+    const bool isGiven = kind == Boundary::Inlet || kind == Boundary::Wall;
+    if (interfaceValue == InterfaceValue::Fitted && isGiven) {
+        // The boundary has a given value, which linear upwind then takes for outflow as well. With
+        // an extrapolated value the flow through the wall of a body of prisms does not converge.
+        at.farLeft.Add(geometry.cell, 3.0);
+        at.farLeft.Add(objects.Ghost(kind, face), -2.0);
+        return at;
+    }
     at.farLeft.Add(geometry.cell, 1.0);
     at.farLeft.Add(gradient.Along(-2.0 * d));
     return at;

@@ -48,7 +48,8 @@ enum class InterfaceValue {
     /// I(P) + s (phi_C - I(C)), where I is the quadratic fit in the donor's grid: third-order
     /// accurate. The share s is 1 for flow out of the cell, 0 for flow into it and 1/2 where no
     /// direction is preferred. For a flow, whose balance of momentum between the grids depends on
-    /// these values.
+    /// these values. Fluid that leaves through an inlet or a physical wall, where the velocity is
+    /// given, takes the given value with it.
     Fitted
 };
 

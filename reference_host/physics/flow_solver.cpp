@@ -98,7 +98,25 @@ double FlowSolver::Inflow() const {
     return -std::accumulate(flux.inlet + 1, flux.inlet + mesh.FaceCount(Boundary::Inlet) + 1, 0.0);
 }
 
+/// Sum of the volume fluxes that enter through any boundary face. In a closed domain fluid may
+/// enter and leave through the same kind of boundary, whose net flux is then no measure of the
+/// flow.
+double FlowSolver::EnteringFlux() const {
+    double entering = 0.0;
+    for (const Boundary kind : allBoundaries) {
+        for (int face = 1; face <= mesh.FaceCount(kind); ++face) {
+            if (mesh.Faces(kind)[face].oversetGroup == 0) {
+                entering += std::max(0.0, -BoundaryFlux(flux, kind)[face]);
+            }
+        }
+    }
+    return entering;
+}
+
 double FlowSolver::MassScale() const {
+    if (conditions.isClosed) {
+        return std::max(EnteringFlux(), WallDrivenFlux(mesh, conditions));
+    }
     const double inflow = Inflow();
     return inflow > 0.0 ? inflow : WallDrivenFlux(mesh, conditions);
 }

@@ -68,8 +68,9 @@ public:
 
     /// Volume flux through the inlet into the domain.
     double Inflow() const;
-    /// Volume flux to which the mass residual is relative: the inflow, or that of the moving walls
-    /// where nothing flows in (WallDrivenFlux()).
+    /// Volume flux to which the mass residual is relative: the inflow, or WallDrivenFlux() where
+    /// nothing flows in. In a closed domain the larger one of WallDrivenFlux() and of all that
+    /// enters through the boundary.
     double MassScale() const;
     /// (outflow - inflow) / inflow, the mass that the domain gains or loses; 0 without an inflow.
     double MassDefect() const;
@@ -84,6 +85,7 @@ public:
 private:
     void Start(const FlowSettings& settings);
     void Predict();
+    double EnteringFlux() const;
 
     const Mesh& mesh;
     const OversetLink& link;

@@ -35,6 +35,11 @@ struct ErrorNorms {
     double max = 0.0;  ///< largest magnitude
 };
 
+/// Norms over the active cells of one grid, or of all grids if `cavity` is 0.
+/// @param errorOf  magnitude of the error of a cell
+ErrorNorms Norms(const Mesh& mesh, const OversetLink& link,
+                 const std::function<double(int cell)>& errorOf, int cavity = 0);
+
 /// Errors over the active cells of one grid, or of all grids if `cavity` is 0.
 /// @param phi  entries 1..NcAll
 ErrorNorms Errors(const Mesh& mesh, const OversetLink& link, const std::vector<double>& phi,

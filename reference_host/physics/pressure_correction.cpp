@@ -39,7 +39,9 @@ Vec3 Apply(const int* ids, const double* coefs, const std::vector<Vec3>& field) 
 PressureCorrection::PressureCorrection(const Mesh& mesh, HostObjects& objects_,
                                        const OversetLink& link, const FlowConditions& conditions_,
                                        double relaxation_, MatrixSolver matrixSolver)
-    : builder(mesh, objects_, link, GradientSet::Pressure, InterfaceValue::Fitted),
+    : builder(mesh, objects_, link,
+              conditions_.isClosed ? GradientSet::ClosedPressure : GradientSet::Pressure,
+              InterfaceValue::Fitted),
       records(builder, objects_, FarPoint::LinearUpwind),
       equation(builder, records, Reach::Normal, matrixSolver),
       objects(objects_),

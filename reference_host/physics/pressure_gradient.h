@@ -22,7 +22,8 @@ namespace host {
 class PressureGradient {
 public:
     /// Keeps references to its arguments.
-    /// @param builder     with GradientSet::Pressure, whose gradients extrapolate to the walls
+    /// @param builder     with GradientSet::Pressure, or ClosedPressure in a closed domain; its
+    ///                    gradients extrapolate to the boundaries without a given pressure
     /// @param records     its stencils
     /// @param equation    of the pressure correction
     /// @param conditions  of the pressure

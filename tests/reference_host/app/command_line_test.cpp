@@ -135,6 +135,15 @@ TEST(CommandLine, MmsTakesADepth) {
     EXPECT_EQ(ReadAs<MmsCase>({"mms", "--depth", "0.4"}).depth, 0.4);
 }
 
+TEST(CommandLine, FlowStudyUsesLinearUpwindUnlessASchemeIsGiven) {
+    EXPECT_FALSE(ReadAs<MmsCase>({"mms"}).flow);
+    EXPECT_THAT(ReadAs<MmsCase>({"mms", "--flow"}).schemes, ElementsAre(Scheme::LinearUpwind));
+    EXPECT_THAT(ReadAs<MmsCase>({"mms", "--flow", "--scheme", "quick"}).schemes,
+                ElementsAre(Scheme::Quick));
+    EXPECT_EQ(MessageOf({"mms", "--flow", "--scheme", "lud,diffusion"}),
+              "schemes.transport (--scheme): a flow has convection, and diffusion has none");
+}
+
 TEST(CommandLine, AllSchemesAreEight) {
     EXPECT_EQ(ReadAs<MmsCase>({"mms", "--scheme", "all"}).schemes.size(), 8u);
 }
