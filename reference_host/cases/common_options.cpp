@@ -1,5 +1,6 @@
 #include "reference_host/cases/common_options.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <initializer_list>
 
@@ -56,6 +57,19 @@ Option PressureSolverOption(std::optional<MatrixSolver>& field) {
         {"solver.pressure_matrix", "--pressure-solver",
          "matrix solver of the pressure correction; by default solver.matrix"},
         field, Solvers(), field ? Name(*field) : "");
+}
+
+Option ConservationOption(Conservation& field) {
+    const Choices<Conservation> choices = {{"none", Conservation::None},
+                                           {"mass", Conservation::Mass},
+                                           {"momentum", Conservation::MassAndMomentum}};
+    const auto present = std::find_if(choices.begin(), choices.end(),
+                                      [&](const auto& choice) { return choice.second == field; });
+    return ChoiceOption<Conservation>(
+        {"solver.conservation", "--conservation",
+         "what is conserved where the background is cut: mass and momentum (momentum), mass alone "
+         "(mass), or neither (none)"},
+        field, choices, present->first);
 }
 
 Option SchemeOption(Scheme& field) {

@@ -8,6 +8,7 @@
 #include "reference_host/cases/case_options.h"
 #include "reference_host/discretisation/scheme.h"
 #include "reference_host/discretisation/solver_matrix.h"
+#include "reference_host/physics/hole_balance.h"
 
 namespace host {
 
@@ -24,6 +25,8 @@ Option CheckOption(bool& field);
 Option SolverOption(MatrixSolver& field);
 /// solver.pressure_matrix
 Option PressureSolverOption(std::optional<MatrixSolver>& field);
+/// solver.conservation
+Option ConservationOption(Conservation& field);
 /// schemes.transport: one scheme with convection
 Option SchemeOption(Scheme& field);
 /// schemes.transport: any number of schemes, "all" for every one of them

@@ -12,6 +12,7 @@ namespace {
 FlowSettings SolverSettings(const FlowCase& run, const FlowProblem& problem, const Mesh& mesh) {
     FlowSettings settings = problem.Flow(mesh);
     settings.scheme = run.scheme;
+    settings.conservation = run.conservation;
     settings.momentumSolver = run.matrixSolver;
     settings.pressureSolver = run.pressureSolver.value_or(run.matrixSolver);
     settings.relaxation = run.relaxation.value_or(DefaultRelaxation(CellsPerUnit(mesh)));
@@ -50,6 +51,7 @@ std::vector<Option> FlowOptions(FlowCase& run) {
                      run.relaxation, Range::Between(0.01, 0.999)),
         SolverOption(run.matrixSolver),
         PressureSolverOption(run.pressureSolver),
+        ConservationOption(run.conservation),
         IntegerOption({"solver.iterations", "--iterations",
                        "maximum number of iterations; a run that has not converged by then fails, "
                        "and it converges when velocity change and mass residual are small and "

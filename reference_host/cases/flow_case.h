@@ -19,6 +19,7 @@ struct FlowCase {
     std::optional<double> relaxation;  ///< of momentum; by default from the cells per diameter
     MatrixSolver matrixSolver = MatrixSolver::Bicgstab;
     std::optional<MatrixSolver> pressureSolver;  ///< of the pressure; by default `matrixSolver`
+    Conservation conservation = Conservation::MassAndMomentum;  ///< at the hole boundary
     std::string outputDir;
     int stepsEvery = 20;       ///< iterations between two steps of the result series
     int maxIterations = 2000;  ///< the run fails if it has not converged by then
