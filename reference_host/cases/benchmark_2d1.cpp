@@ -60,11 +60,11 @@ std::optional<Limits> LimitsOf(Scheme scheme, int n) {
     if (scheme == Scheme::LinearUpwind) {
         switch (n) {
             case 10:
-                return Limits{6e-3, 4e-3, 0.1, 5e-3, 160};
+                return Limits{1e-3, 2e-3, 0.06, 1e-5, 170};
             case 20:
-                return Limits{1.5e-3, 1.5e-3, 0.03, 1.2e-3, 240};
+                return Limits{6e-4, 1.3e-3, 0.02, 1e-5, 250};
             case 40:
-                return Limits{4e-4, 8e-4, 0.01, 2.5e-4, 420};
+                return Limits{4e-4, 8e-4, 0.01, 1e-5, 420};
             default:
                 return std::nullopt;
         }

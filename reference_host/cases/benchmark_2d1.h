@@ -54,8 +54,8 @@ struct Limits {
     std::optional<int> iterations;
 };
 
-/// The limits for a scheme on channel_cylinder_overset.geo with n cells per diameter: measured
-/// figures with a margin. None for other combinations.
+/// Regression limits for a scheme on channel_cylinder_overset.geo with n cells per diameter:
+/// measured figures with a margin. None for other combinations.
 std::optional<Limits> LimitsOf(Scheme scheme, int n);
 /// The combinations that have limits, for messages.
 constexpr char checkable[] = "lud at n = 10, 20 and 40, quick and central at n = 20";

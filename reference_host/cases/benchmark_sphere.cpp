@@ -116,11 +116,11 @@ Result Measure(const FlowSolver& flow) {
 std::optional<Limits> LimitsOf(Scheme scheme, Shell shell, int n) {
     using Table = std::map<std::pair<Shell, int>, Limits>;
     static const Table table = {
-        {{Shell::Hexahedra, 5}, {0.015, 0.1, 1e-3, 1e-3}},
-        {{Shell::Hexahedra, 7}, {0.007, 0.08, 1e-3, 5e-4}},
-        {{Shell::Hexahedra, 10}, {0.005, 0.04, 1e-3, 2e-4}},
-        {{Shell::Tetrahedra, 5}, {0.05, 0.12, 0.02, 1e-3}},
-        {{Shell::Tetrahedra, 7}, {0.04, 0.08, 0.01, 5e-4}},
+        {{Shell::Hexahedra, 5}, {0.03, 0.07, 1e-3, 1e-5}},
+        {{Shell::Hexahedra, 7}, {0.012, 0.06, 1e-3, 1e-5}},
+        {{Shell::Hexahedra, 10}, {0.005, 0.04, 1e-3, 1e-5}},
+        {{Shell::Tetrahedra, 5}, {0.02, 0.12, 0.02, 1e-5}},
+        {{Shell::Tetrahedra, 7}, {0.02, 0.1, 0.01, 1e-5}},
     };
     const auto found = table.find({shell, n});
     if (scheme != Scheme::LinearUpwind || found == table.end()) {

@@ -82,7 +82,15 @@ int RunFlow(const FlowCase& run, FlowProblem& problem) {
     flow.PrintControl();
     flow.PrintEffort();
     const int code = flow.PrintEnd(end);
-    return code != 0 || !run.check ? code : ReportMisses(problem.Misses());
+    if (code != 0 || !run.check) {
+        return code;
+    }
+    std::vector<std::string> misses = problem.Misses();
+    if (run.conservation == Conservation::MassAndMomentum) {
+        const std::vector<std::string> ofControl = flow.ControlMisses();
+        misses.insert(misses.end(), ofControl.begin(), ofControl.end());
+    }
+    return ReportMisses(misses);
 }
 
 }  // namespace host

@@ -17,6 +17,10 @@ namespace {
 /// In the first iterations the force on the body is far from that of the converged flow, and a
 /// correction that follows it would disturb the flow.
 constexpr double settledChange = 0.01;
+/// The same for the flux at the hole boundary. Until then the coefficients of the pressure
+/// correction change so much that its second system would have to be solved anew each time. A
+/// closed domain needs it from the beginning.
+constexpr double roughlySettledChange = 0.1;
 
 }  // namespace
 
@@ -80,13 +84,15 @@ FlowIteration FlowSolver::Iterate() {
                                           [](double sum, double x) { return sum + std::abs(x); }) /
                           MassScale();
     report.pressure = pressure.Solve(net);
-    if (conservation != Conservation::None) {
+    if (conservation != Conservation::None &&
+        (conditions.isClosed || lastChange < roughlySettledChange)) {
         pressure.CloseHole(hole, flux);
     }
     pressure.Correct(fields, flux);
     momentum.FillGhosts(fields);
     pressure.UpdatePressure(fields);
     report.change = RelativeChange(before, fields, mesh.CellCount());
+    lastChange = report.change;
     if (conservation == Conservation::MassAndMomentum && report.change < settledChange) {
         const MomentumFlux through(momentum, pressure, fields, flux);
         hole.UpdateMomentum(ForceOnBody(momentum, fields), through.IntoHole(hole));

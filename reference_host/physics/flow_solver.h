@@ -94,6 +94,7 @@ private:
     PressureCorrection pressure;
     HoleBalance hole;
     const Conservation conservation;
+    double lastChange = 1.0;  // of the velocity, in the last iteration
     FlowFields fields;
     CMAFVMFaceVariableAll flux;
 };

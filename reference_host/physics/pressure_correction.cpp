@@ -229,7 +229,7 @@ void PressureCorrection::CloseHole(HoleBalance& hole, CMAFVMFaceVariableAll& flu
     if (hole.Faces().empty()) {
         return;
     }
-    constexpr double accurate = 0.01;  // residual, relative to that of a zero field
+    constexpr double accurate = 0.02;  // residual, relative to that of a zero field
     std::vector<double> rhs(records.gv.NcAll + 1, 0.0);
     for (const HoleBalance::Face& face : hole.Faces()) {
         rhs[face.cell] -= face.area;

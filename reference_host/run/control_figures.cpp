@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "reference_host/physics/momentum_balance.h"
+#include "reference_host/run/comparison.h"
 
 namespace host {
 
@@ -31,6 +32,25 @@ ControlFigures MeasureControl(const FlowSolver& flow, double forceUnit) {
     figures.cdOuter = forces.outer.x() / forceUnit;
     figures.interfaceMass = InterfaceMassDefect(flow);
     return figures;
+}
+
+std::vector<std::string> ControlMisses(const ControlFigures& figures, double cd) {
+    constexpr double dragLimit = 2e-3;
+    constexpr double massLimit = 1e-4;
+    LimitCheck check;
+    const auto drag = [&](const char* surface, std::optional<double> overSurface) {
+        if (overSurface) {
+            check.Magnitude(fmt::format("the drag over the {} boundary differs by", surface),
+                            *overSurface / cd - 1.0, dragLimit);
+        }
+    };
+    drag("overset", figures.cdOverset);
+    drag("hole", figures.cdHole);
+    drag("outer", figures.cdOuter);
+    if (figures.interfaceMass) {
+        check.Magnitude("the interface mass is", *figures.interfaceMass, massLimit);
+    }
+    return check.Misses();
 }
 
 void PrintControl(const ControlFigures& figures, double cd) {

@@ -2,6 +2,8 @@
 #define KVX3D_REFERENCE_HOST_RUN_CONTROL_FIGURES_H
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "reference_host/physics/flow_solver.h"
 
@@ -25,6 +27,11 @@ ControlFigures MeasureControl(const FlowSolver& flow, double forceUnit);
 /// Prints a row of the table of a case for each figure; the drag coefficients with their difference
 /// from `cd`, the coefficient of the body.
 void PrintControl(const ControlFigures& figures, double cd);
+
+/// The figures that show that the flow does not conserve momentum or mass, one sentence each: the
+/// drag over a control surface differs from that of the body by more than 0.2 %, or the mass
+/// created at the interface is more than 1e-4 of the stream through the frontal area.
+std::vector<std::string> ControlMisses(const ControlFigures& figures, double cd);
 
 }  // namespace host
 

@@ -122,6 +122,11 @@ void FlowRun::PrintControl() const {
     }
 }
 
+std::vector<std::string> FlowRun::ControlMisses() const {
+    return figures ? host::ControlMisses(MeasureControl(flow, settings.forceUnit), figures(flow).cd)
+                   : std::vector<std::string>();
+}
+
 void FlowRun::PrintEffort() const {
     std::cout << fmt::format("  {:<20} {:15.2e}\n", "mass defect", flow.MassDefect())
               << fmt::format("  {:<20} {:15}\n", "outer iterations", iteration);

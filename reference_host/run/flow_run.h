@@ -55,6 +55,8 @@ public:
     /// Prints the drag over the control surfaces and the mass created at the interface; nothing
     /// without a body.
     void PrintControl() const;
+    /// ControlMisses() of the present flow; none without forces.
+    std::vector<std::string> ControlMisses() const;
     /// Prints mass defect, iterations and CPU seconds.
     void PrintEffort() const;
     /// Prints where the results are and, after an interruption, that they are not converged.

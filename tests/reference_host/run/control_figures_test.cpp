@@ -1,5 +1,6 @@
 #include "reference_host/run/control_figures.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "reference_host/physics/momentum_balance.h"
@@ -33,6 +34,25 @@ TEST(ControlTable, HasNoRowsOfAnInterfaceOnASingleGrid) {
 
     EXPECT_EQ(capture.Out(),
               "  Cd, outer boundary      5.5000000000   from the body    +10.000 %\n");
+}
+
+TEST(ControlLimits, ApplyToEachFigureAlone) {
+    host::ControlFigures good;
+    good.cdOverset = good.cdHole = good.cdOuter = 5.009;
+    good.interfaceMass = -0.9e-4;
+    EXPECT_TRUE(host::ControlMisses(good, 5.0).empty());
+    EXPECT_TRUE(host::ControlMisses({}, 5.0).empty());
+
+    for (auto surface : {&host::ControlFigures::cdOverset, &host::ControlFigures::cdHole,
+                         &host::ControlFigures::cdOuter}) {
+        host::ControlFigures bad = good;
+        bad.*surface = 4.989;
+        EXPECT_EQ(host::ControlMisses(bad, 5.0).size(), 1u);
+    }
+    host::ControlFigures leaking = good;
+    leaking.interfaceMass = 1.1e-4;
+    EXPECT_THAT(host::ControlMisses(leaking, 5.0),
+                testing::ElementsAre("the interface mass is 1.10e-04, the limit is 1.00e-04"));
 }
 
 TEST(ControlMeasurement, ReadsTheForcesAlongXInTheGivenUnit) {
