@@ -11,8 +11,8 @@ namespace host {
 ///
 ///     reference_host cylinder parameters.n=10 output.directory=results
 ///
-/// Expected there: Cd -0.15 %, Cl -6.9 %, pressure difference 0.00 % off the published values after
-/// about 105 iterations.
+/// Expected there: Cd +0.04 %, Cl -3.8 %, pressure difference +0.1 % off the published values after
+/// about 130 iterations.
 struct CylinderCase : FlowCase {
     CylinderCase();
 

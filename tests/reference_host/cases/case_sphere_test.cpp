@@ -65,7 +65,8 @@ TEST(SphereLimits, ApplyToEachFigureAlone) {
 TEST(SphereLimits, ExistForMeasuredMeshesOnly) {
     using host::benchmarksphere::LimitsOf;
     using host::benchmarksphere::Shell;
-    EXPECT_TRUE(LimitsOf(host::Scheme::LinearUpwind, Shell::Tetrahedra, 7));
+    EXPECT_TRUE(LimitsOf(host::Scheme::LinearUpwind, Shell::Hexahedra, 7));
+    EXPECT_FALSE(LimitsOf(host::Scheme::LinearUpwind, Shell::Tetrahedra, 7));
     EXPECT_FALSE(LimitsOf(host::Scheme::LinearUpwind, Shell::Hexahedra, 6));
     EXPECT_FALSE(LimitsOf(host::Scheme::LinearUpwind, Shell::Prisms, 7));
     EXPECT_FALSE(LimitsOf(host::Scheme::Quick, Shell::Hexahedra, 7));
