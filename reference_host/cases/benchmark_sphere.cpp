@@ -6,9 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "host_checks/point_tree.h"
-#include "reference_host/discretisation/donor_interpolation.h"
-#include "reference_host/mesh/cell_faces.h"
+#include "reference_host/cases/flow_probe.h"
 #include "reference_host/physics/forces.h"
 #include "reference_host/run/comparison.h"
 
@@ -17,16 +15,6 @@ namespace host::benchmarksphere {
 namespace {
 
 constexpr double radius = 0.5;
-
-std::vector<int> ActiveCells(const Mesh& mesh, const OversetLink& link) {
-    std::vector<int> cells;
-    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
-        if (link.IsActive(cell)) {
-            cells.push_back(cell);
-        }
-    }
-    return cells;
-}
 
 }  // namespace
 
@@ -71,21 +59,11 @@ Vec3 ForceCoefficient(const FlowSolver& flow) {
 }
 
 std::vector<AxisPoint> WakeAxis(const FlowSolver& flow, double end, double step) {
-    const Mesh& mesh = flow.MomentumPart().builder.mesh;
-    const OversetLink& link = flow.MomentumPart().builder.link;
-    const CellFaces cellFaces(mesh);
-    const DonorInterpolation interpolation(mesh, link, cellFaces);
-    const kvx3d::checks::PointTree tree(ActiveCells(mesh, link), [&](int cell) {
-        const Vec3& center = mesh.cellCentre[cell];
-        return kvx3d::checks::Point{center.x(), center.y(), center.z()};
-    });
-    const std::vector<double>& u = flow.Fields().velocity[0];
+    const FlowProbe probe(flow);
     std::vector<AxisPoint> axis;
     for (int k = 0; radius + k * step <= end; ++k) {
         const Vec3 point(radius + k * step, 0.0, 0.0);
-        const int cell = tree.Nearest({point.x(), point.y(), point.z()});
-        const Stencil fit = interpolation.Fit(cell, point);
-        axis.push_back({point.x(), fit.Terms().empty() ? u[cell] : fit.Apply(u)});
+        axis.push_back({point.x(), probe.Velocity(point).x()});
     }
     return axis;
 }

@@ -33,8 +33,8 @@ std::vector<int> BodyFaces(const Mesh& mesh, const OversetLink& link);
 void RequireBody(const Mesh& mesh, const OversetLink& link, const std::string& meshFile,
                  const std::string& purpose);
 
-/// Whether the mesh has a body that is told apart from all other walls: the group "body", or
-/// physical walls beside a component.
+/// Whether the faces of the body are distinguished from all other walls, by the group "body" or as
+/// the physical walls of a component.
 bool HasSeparateBody(const Mesh& mesh, const OversetLink& link);
 
 /// Refuses a single grid without the group "body" as well: its walls may be sides of a channel.

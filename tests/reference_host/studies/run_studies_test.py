@@ -2,25 +2,20 @@
 """Tests of the script that prints the tables of docs/studies.md."""
 
 import contextlib
-import importlib.util
+import importlib
 import io
 import math
+import sys
 import unittest
 from pathlib import Path
 
 SCRIPT = Path(__file__).resolve().parents[3] / "reference_host" / "studies" / "run_studies.py"
 
 
-def load(path):
-    """A script as a module."""
-    spec = importlib.util.spec_from_file_location(path.stem, path)
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
-    return module
-
-
-studies = load(SCRIPT)
-reference = load(SCRIPT.parent / "heat_reference.py")
+sys.dont_write_bytecode = True  # the directory of the scripts is left as it is
+sys.path.insert(0, str(SCRIPT.parent))
+studies = importlib.import_module("run_studies")
+reference = importlib.import_module("heat_reference")
 
 OUTPUT = """cylinder 105: change 9.6e-08, mass 1.5e-07, Cd 5.55993, Cl 0.00989
 Benchmark 2D-1, lud at 10 cells per diameter, 5423 cells:
