@@ -84,7 +84,7 @@ struct Limits {
 /// default parameters; none for other combinations.
 std::optional<Limits> LimitsOf(Scheme scheme, Shell shell, int n);
 /// The combinations that have limits, for messages.
-constexpr char checkable[] = "lud with hexahedra at n = 5, 7 and 10";
+constexpr char checkable[] = "lud with hexahedra at n = 5, 7 and 10, with tetrahedra at n = 5";
 
 /// The figures that are outside their limits, one sentence each.
 std::vector<std::string> Misses(const Result& result, const Limits& limits);

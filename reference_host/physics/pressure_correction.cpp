@@ -83,7 +83,10 @@ void PressureCorrection::SetCoefficients(const std::vector<double>& momentumCoef
                 faceD[face] = second;
                 break;
             default:
-                faceD[face] = 0.5 * (first + second);
+                // Beside a flat cell with a small coefficient the face is close to that cell. With
+                // the mean of both cells the Rhie-Chow term there is as large as in its neighbor,
+                // and flat tetrahedra with two faces on the body make the flow unstable.
+                faceD[face] = weights[face] * first + (1.0 - weights[face]) * second;
         }
     }
 }

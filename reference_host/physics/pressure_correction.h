@@ -36,7 +36,8 @@ public:
                        MatrixSolver matrixSolver = MatrixSolver::Bicgstab);
 
     /// Computes D and E from the coefficients a* by cell, entries 1..Nc. They are zero before the
-    /// first call.
+    /// first call. A face between two cells of one grid has the linear interpolation of both, with
+    /// the weights of the velocity; a face between two grids has that of the active cell.
     void SetCoefficients(const std::vector<double>& momentumCoefficients);
 
     /// Computes the fluxes of the current velocity: the interpolation to the faces by the stencils

@@ -160,6 +160,38 @@ TEST(PressureFluxes, SawtoothPressureChangesTheFluxes) {
     EXPECT_GT(LargestImbalance(mesh, parts.c.link, parts.flux), 1e-3);
 }
 
+TEST(PressureFluxes, CoefficientOfAFaceIsInterpolatedLinearlyBetweenItsCells) {
+    OutputCapture quiet;
+    Parts parts(oversetTetrahedra);
+    const host::Mesh& mesh = parts.c.mesh;
+    const auto linear = [](const Vec3& x) { return 20.0 + x.dot(Vec3(1.3, -0.7, 0.9)); };
+    std::vector<double> momentumScale(mesh.CellCount() + 1, 1.0);
+    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+        momentumScale[cell] =
+            relaxation / (1.0 - relaxation) * mesh.volume[cell] / linear(mesh.cellCentre[cell]);
+    }
+
+    parts.pressure.SetCoefficients(momentumScale);
+
+    double largestFromMean = 0.0;
+    for (int face = 1; face <= mesh.InnerFaceCount(); ++face) {
+        if (parts.c.link.Side(face) != host::FaceSide::Both) {
+            continue;
+        }
+        const host::InnerFace& between = mesh.innerFaces[face];
+        const Vec3& first = mesh.cellCentre[parts.c.link.First(face)];
+        const Vec3& second = mesh.cellCentre[parts.c.link.Second(face)];
+        const double share =
+            (between.centre - first).dot(between.area) / (second - first).dot(between.area);
+        const double expected = linear(first + share * (second - first));
+        const double actual = parts.pressure.records.gv.faceMu->left[face];
+        ASSERT_NEAR(actual, expected, 1e-11) << "face " << face;
+        largestFromMean =
+            std::max(largestFromMean, std::abs(actual - linear(0.5 * (first + second))));
+    }
+    EXPECT_GT(largestFromMean, 1e-3);  // faces off the middle of their cells have been checked
+}
+
 TEST(PressureMatrix, RowSumsAreZero) {
     OutputCapture quiet;
     Parts parts(oversetPair);
