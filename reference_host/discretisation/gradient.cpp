@@ -41,6 +41,18 @@ bool IsTetrahedron(const Mesh& mesh, int cell) {
     return mesh.cellNodes[cell].size() == 4;
 }
 
+/// Whether a cell is a prism with a face whose ghost has no part in its gradient.
+bool IsOneSidedPrism(const Mesh& mesh, const CellFaces& cellFaces, int cell, GradientSet set) {
+    if (mesh.cellNodes[cell].size() != 6) {
+        return false;
+    }
+    const auto& faces = cellFaces.BoundaryFaces(cell);
+    return std::any_of(faces.begin(), faces.end(), [&](const BoundaryFaceId& id) {
+        return id.kind != Boundary::Symmetry &&
+               !GhostTakesPart(set, id.kind, mesh.Faces(id.kind)[id.face]);
+    });
+}
+
 /// Adds the neighbors of the neighbors, across faces with two active cells. The ghosts of the
 /// neighbors' boundary faces are left out, because the pressure has no condition at some of them.
 void AddSecondNeighbors(int cell, const Mesh& mesh, const OversetLink& link,
@@ -78,7 +90,7 @@ SampleSet SamplesAround(int cell, const Mesh& mesh, const HostObjects& objects,
             mesh.innerFaces[face].owner == cell ? link.Second(face) : link.First(face);
         around.Add(other, mesh.cellCentre[other] - centre);
     }
-    if (IsTetrahedron(mesh, cell)) {
+    if (IsTetrahedron(mesh, cell) || IsOneSidedPrism(mesh, cellFaces, cell, set)) {
         AddSecondNeighbors(cell, mesh, link, cellFaces, around);
     }
     for (const BoundaryFaceId& id : cellFaces.BoundaryFaces(cell)) {

@@ -32,7 +32,9 @@ enum class GradientSet {
 ///
 /// For tetrahedra the neighbors of the neighbors contribute as well. With the four face neighbors
 /// only, or three at a wall, the gradient is so sensitive that a flow diverges within ten
-/// iterations.
+/// iterations. They also contribute for prisms whose gradient is one-sided at a boundary. On a mesh
+/// that is one cell thick such a prism has only two neighbors, and the pressure that is
+/// extrapolated to a wall with their gradient alternates from face to face.
 ///
 /// Sources: T. J. Barth, A 3-D upwind Euler solver for unstructured meshes, AIAA 91-1548; second
 /// neighbors: F. Haider, J.-P. Croisille, B. Courbet, Numer. Math. 113 (2009) 555-600,

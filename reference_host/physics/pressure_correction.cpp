@@ -246,7 +246,7 @@ void PressureCorrection::CloseHole(HoleBalance& hole, CMAFVMFaceVariableAll& flu
     }
 }
 
-void PressureCorrection::Correct(FlowFields& fields, CMAFVMFaceVariableAll& flux) {
+void PressureCorrection::Correct(double share, FlowFields& fields, CMAFVMFaceVariableAll& flux) {
     const Mesh& mesh = builder.mesh;
     const double* faceD = records.gv.faceMu->left;
     for (int face = 1; face <= mesh.InnerFaceCount(); ++face) {
@@ -268,14 +268,14 @@ void PressureCorrection::Correct(FlowFields& fields, CMAFVMFaceVariableAll& flux
             }
         }
     }
-    faces.FillGhosts(correction);
+    equation.FillGhosts(conditions.pressure, correction);
     const std::vector<Vec3> slope = faces.Of(correction);
     for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
         const Vec3 change = cellD[cell] * slope[cell];
         for (int component = 0; component < dimensions; ++component) {
             fields.velocity[component][cell] -= change[component];
         }
-        fields.pressure[cell] += correction[cell];
+        fields.pressure[cell] += share * correction[cell];
     }
 }
 

@@ -59,8 +59,10 @@ public:
     /// from one iteration to the next and is solved again only where it has become inaccurate.
     void CloseHole(HoleBalance& hole, CMAFVMFaceVariableAll& flux);
 
-    /// Corrects the fluxes, the pressure and the cell velocities.
-    void Correct(FlowFields& fields, CMAFVMFaceVariableAll& flux);
+    /// Corrects the fluxes, the cell velocities and the pressure. The correction has a zero normal
+    /// gradient at faces whose flux it does not change.
+    /// @param share  part of the correction that is added to the pressure, at most 1
+    void Correct(double share, FlowFields& fields, CMAFVMFaceVariableAll& flux);
 
     /// Updates the ghosts and the gradient of the pressure, and its level in a closed domain.
     void UpdatePressure(FlowFields& fields);

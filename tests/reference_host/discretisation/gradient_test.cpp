@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/reference_host/discretisation/mesh_case.h"
 
 namespace {
@@ -90,6 +92,32 @@ TEST(GradientOfTetrahedra, UsesTheNeighborsOfTheNeighbors) {
         ASSERT_LE(gradients[cell].Terms().size(), 17u) << "cell " << cell;
     }
     EXPECT_GT(tetrahedra, 1000);
+}
+
+/// Numbers of unknowns in the gradients of the prisms at a wall, ascending.
+std::vector<std::size_t> SizesAtWall(const MeshCase& c, GradientSet set) {
+    const CellGradients gradients(c.mesh, c.objects, c.link, CellFaces(c.mesh), set);
+    std::vector<std::size_t> sizes;
+    for (int face = 1; face <= c.mesh.FaceCount(host::Boundary::Wall); ++face) {
+        const int cell = c.mesh.Faces(host::Boundary::Wall)[face].cell;
+        sizes.push_back(gradients[cell].Terms().size());
+    }
+    std::sort(sizes.begin(), sizes.end());
+    return sizes;
+}
+
+TEST(GradientOfPrisms, PressureAtAWallUsesTheNeighborsOfTheNeighbors) {
+    const MeshCase c(boxPrisms);
+
+    const std::vector<std::size_t> pressure = SizesAtWall(c, GradientSet::Pressure);
+    const std::vector<std::size_t> velocity = SizesAtWall(c, GradientSet::Velocity);
+
+    // The cell with two neighbors and, for the velocity, the ghost at the wall; a cell in a corner
+    // has fewer neighbors. The pressure gets up to four cells more in place of the ghost.
+    ASSERT_GT(pressure.size(), 10u);
+    EXPECT_EQ(velocity.back(), 4u);
+    EXPECT_EQ(pressure.back(), 7u);
+    EXPECT_GE(pressure[pressure.size() / 2], 6u);
 }
 
 TEST(GradientByHand, InnerCellOfAUniformGridHasCentralDifferences) {

@@ -216,7 +216,7 @@ TEST(PressureCorrect, CorrectedFluxesAreDivergenceFreeInEveryActiveCell) {
     ASSERT_GT(LargestImbalance(parts.c.mesh, parts.c.link, parts.flux), 1e-3);
 
     parts.pressure.Solve(host::NetOutflow(parts.c.mesh, parts.c.link, parts.flux));
-    parts.pressure.Correct(fields, parts.flux);
+    parts.pressure.Correct(1.0, fields, parts.flux);
 
     EXPECT_LT(LargestImbalance(parts.c.mesh, parts.c.link, parts.flux), 1e-11);
 }
