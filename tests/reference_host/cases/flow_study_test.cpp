@@ -77,7 +77,7 @@ TEST(FlowLevelSolver, FlowThatDoesNotConvergeEndsInOneLine) {
     const MeshCase c({"Box", boxFile, {{"n", 5}, {"kind", 1}}});
     host::HostObjects objects(c.mesh, ".");
     host::OversetLink link(c.mesh, objects);
-    host::FlowLevelSolver level(c.mesh, objects, link, 5, "box", nullptr);
+    host::FlowLevelSolver level({c.mesh, objects, link, 5, "box", nullptr});
 
     // Central differences at a cell Reynolds number of 2e5 oscillate.
     EXPECT_THROW(level.Solve(Scheme::Central, 1e-6, host::MatrixSolver::Bicgstab),
@@ -88,7 +88,7 @@ TEST(FlowLevelSolver, FlowThroughABodyOfPrismsConverges) {
     const MeshCase c({"PrismAnnulus", boxFile, {{"n", 5}, {"kind", 5}}});
     host::HostObjects objects(c.mesh, ".");
     host::OversetLink link(c.mesh, objects);
-    host::FlowLevelSolver level(c.mesh, objects, link, 5, "box", nullptr);
+    host::FlowLevelSolver level({c.mesh, objects, link, 5, "box", nullptr});
 
     // With an extrapolated value in the flow out through the body it does not converge at all.
     EXPECT_LT(level.Solve(Scheme::LinearUpwind, 0.05, host::MatrixSolver::Bicgstab).iterations,
