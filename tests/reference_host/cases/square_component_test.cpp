@@ -43,9 +43,11 @@ std::string SquareName(const testing::TestParamInfo<Square>& square) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Angles, DiffusionOnATurnedSquare,
-                         testing::Values(Square{0.0, 0.0}, Square{15.0, 0.0}, Square{30.0, 0.0},
-                                         Square{45.0, 0.0}, Square{60.0, 0.0}, Square{45.0, 0.4},
-                                         Square{30.0, 0.0, 2.0}),
+                         testing::Values(Square{30.0, 0.0}, Square{45.0, 0.4}), SquareName);
+
+INSTANTIATE_TEST_SUITE_P(ReleaseAngles, DiffusionOnATurnedSquare,
+                         testing::Values(Square{0.0, 0.0}, Square{15.0, 0.0}, Square{45.0, 0.0},
+                                         Square{60.0, 0.0}, Square{30.0, 0.0, 2.0}),
                          SquareName);
 
 INSTANTIATE_TEST_SUITE_P(FullAngles, DiffusionOnATurnedSquare,

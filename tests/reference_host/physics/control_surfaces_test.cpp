@@ -62,10 +62,10 @@ TEST_P(ControlSurfaces, NoMassIsCreatedAtTheInterface) {
     EXPECT_GT(std::abs(run.flow.Hole().Flux()), 1e-4 * run.flow.Inflow());
 }
 
-INSTANTIATE_TEST_SUITE_P(Shapes, ControlSurfaces, testing::Values(channel5, channelPrisms5),
-                         [](const auto& choice) { return choice.param.name; });
+INSTANTIATE_TEST_SUITE_P(Hexahedra, ControlSurfaces, testing::Values(channel5));
+INSTANTIATE_TEST_SUITE_P(ReleasePrisms, ControlSurfaces, testing::Values(channelPrisms5));
 
-TEST(HoleBoundary, ConservesOnlyWhatTheSettingsAskFor) {
+TEST(ReleaseHoleBoundary, ConservesOnlyWhatTheSettingsAskFor) {
     const OutputCapture quiet;
     const CylinderFlow none(channel5, Conservation::None);
     const CylinderFlow mass(channel5, Conservation::Mass);

@@ -78,7 +78,7 @@ struct PrismChannel {
     host::ErrorNorms velocityError;
 };
 
-TEST(PlaneChannel, FlowOnPrismsConvergesAndItsErrorFallsAsMeasured) {
+TEST(ReleasePlaneChannel, FlowOnPrismsConvergesAndItsErrorFallsAsMeasured) {
     const PrismChannel coarse(5);
     const PrismChannel fine(10);
 
