@@ -8,7 +8,6 @@
 #include <stdexcept>
 
 #include "reference_host/cases/benchmark_cavity.h"
-#include "reference_host/physics/forces.h"
 #include "reference_host/run/comparison.h"
 
 namespace host {
@@ -46,9 +45,9 @@ public:
     void Require(const Mesh& mesh) override {
         side = benchmarkcavity::SideOf(mesh, run.meshFile);
         isEmpty = benchmarkcavity::IsEmpty(mesh, side);
-        if (!run.check) {
-            return;
-        }
+    }
+
+    void RequireLimits(const Mesh& mesh) override {
         const int n = benchmarkcavity::CellsPerSide(mesh);
         limits = benchmarkcavity::LimitsOf(run.scheme, run.reynolds, n);
         if (!isEmpty || !limits) {
@@ -71,12 +70,6 @@ public:
     }
 
     double ConvergedChange() const override { return 1e-7; }
-
-    ForceCoefficients Coefficients(const FlowSolver& flow) const override {
-        const Momentum& momentum = flow.MomentumPart();
-        const Vec3 force = ForceOnBody(momentum, flow.Fields()) / ForceUnit(momentum.builder.mesh);
-        return {force.x(), force.y()};
-    }
 
     double ForceUnit(const Mesh& mesh) const override { return 0.5 * side * mesh.Depth(); }
 

@@ -18,10 +18,7 @@ public:
 
     std::string Body() const override { return "cylinder"; }
 
-    void Require(const Mesh& mesh) override {
-        if (!run.check) {
-            return;
-        }
+    void RequireLimits(const Mesh& mesh) override {
         if (mesh.GridCount() == 1) {
             throw std::runtime_error("check: the limits are for an overset pair, not for one grid");
         }
@@ -44,11 +41,6 @@ public:
     }
 
     double ConvergedChange() const override { return 1e-7; }
-
-    ForceCoefficients Coefficients(const FlowSolver& flow) const override {
-        const benchmark2d1::Result now = benchmark2d1::Measure(flow);
-        return {now.cd, now.cl};
-    }
 
     double ForceUnit(const Mesh& mesh) const override { return benchmark2d1::ForceUnit(mesh); }
 

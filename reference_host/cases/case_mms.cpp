@@ -59,8 +59,8 @@ void RunLevel(const MmsCase& run, std::optional<int> kind, int size, std::vector
                                                 run.flow ? "PressureError" : "Solution",
                                                 run.flow ? "VelocityError" : "Error");
     }
-    Solver level(mesh, objects, link, size, fmt::format("{}, n = {}", run.meshFile, size),
-                 series.get());
+    Solver level(StudyMesh{mesh, objects, link, size, fmt::format("{}, n = {}", run.meshFile, size),
+                           series.get()});
     for (Study& study : studies) {
         study.levels.push_back(
             level.Solve(study.scheme, MuOf(run, study.scheme), run.matrixSolver));

@@ -45,8 +45,8 @@ void RunLevel(const NonmatchingCase& run, std::size_t level, std::vector<OrderSt
     const std::string solution = (std::filesystem::path(directory) / "solution").string();
     PrepareOutputDirectory(solution);
     ResultSeries series(pair.mesh, pair.objects, pair.link, solution, "Solution", "Error");
-    LevelSolver solver(pair.mesh, pair.objects, pair.link, run.n[level],
-                       fmt::format("{}, n = {}", run.meshFile, run.n[level]), &series);
+    LevelSolver solver(StudyMesh{pair.mesh, pair.objects, pair.link, run.n[level],
+                                 fmt::format("{}, n = {}", run.meshFile, run.n[level]), &series});
     for (OrderStudy& study : studies) {
         study.levels.push_back(
             solver.Solve(study.scheme, DefaultMu(study.scheme), run.matrixSolver));

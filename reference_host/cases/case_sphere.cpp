@@ -38,9 +38,9 @@ public:
             throw std::runtime_error(run.meshFile +
                                      ": one cell thick, but a sphere needs three dimensions");
         }
-        if (!run.check) {
-            return;
-        }
+    }
+
+    void RequireLimits(const Mesh& mesh) override {
         const int n = CellsPerUnit(mesh);
         const benchmarksphere::Shell shell = benchmarksphere::ShellOf(mesh);
         limits = benchmarksphere::LimitsOf(run.scheme, shell, n);
@@ -61,11 +61,6 @@ public:
 
     /// The drag changes by less than 1e-5 from there on.
     double ConvergedChange() const override { return 1e-6; }
-
-    ForceCoefficients Coefficients(const FlowSolver& flow) const override {
-        const Vec3 force = benchmarksphere::ForceCoefficient(flow);
-        return {force.x(), force.y()};
-    }
 
     double ForceUnit(const Mesh&) const override { return benchmarksphere::ForceUnit(); }
 

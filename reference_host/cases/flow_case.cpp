@@ -3,6 +3,7 @@
 #include "reference_host/link/body.h"
 #include "reference_host/link/donor_table.h"
 #include "reference_host/mesh/cell_size.h"
+#include "reference_host/physics/forces.h"
 #include "reference_host/run/comparison.h"
 
 namespace host {
@@ -65,10 +66,19 @@ std::vector<Option> FlowOptions(FlowCase& run) {
     };
 }
 
+ForceCoefficients FlowProblem::Coefficients(const FlowSolver& flow) const {
+    const Momentum& momentum = flow.MomentumPart();
+    const Vec3 force = ForceOnBody(momentum, flow.Fields()) / ForceUnit(momentum.builder.mesh);
+    return {force.x(), force.y()};
+}
+
 int RunFlow(const FlowCase& run, FlowProblem& problem) {
     PrepareOutputDirectory(run.outputDir);
     const Mesh mesh = ReadGrids(run.meshFile, run.parameters);
     problem.Require(mesh);
+    if (run.check) {
+        problem.RequireLimits(mesh);
+    }
     HostObjects objects(mesh, run.outputDir);
     OversetLink link(mesh, objects);
     if (problem.NeedsBody()) {

@@ -42,19 +42,23 @@ public:
     virtual bool NeedsBody() const { return true; }
     /// Refuses a mesh that the case cannot use, before it is cut.
     /// @throws std::runtime_error  one line
-    virtual void Require(const Mesh& mesh) = 0;
+    virtual void Require(const Mesh&) {}
+    /// Selects the limits for this mesh if figures are to be checked, before it is cut.
+    /// @throws std::runtime_error  one line: there are none
+    virtual void RequireLimits(const Mesh& mesh) = 0;
     /// Inlet, viscosity and moving walls; the rest of the settings is that of the FlowCase.
     virtual FlowSettings Flow(const Mesh& mesh) const = 0;
     /// Change of the velocity in one iteration at which the flow has converged.
     virtual double ConvergedChange() const = 0;
-    /// Drag and lift coefficient, for every iteration.
-    virtual ForceCoefficients Coefficients(const FlowSolver& flow) const = 0;
     /// Force along x with the drag coefficient 1.
     virtual double ForceUnit(const Mesh& mesh) const = 0;
     /// Measures the final flow and prints its figures beside the published ones.
     virtual void Report(const FlowRun& run, const Mesh& mesh) = 0;
     /// The measured figures that are outside their limits, one sentence each.
     virtual std::vector<std::string> Misses() const = 0;
+
+    /// Drag and lift coefficient of the present flow.
+    ForceCoefficients Coefficients(const FlowSolver& flow) const;
 };
 
 /// Runs a flow case: reads and cuts the mesh, iterates, prints progress and figures, writes a

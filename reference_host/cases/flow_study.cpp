@@ -4,9 +4,7 @@
 
 #include <iostream>
 #include <stdexcept>
-#include <utility>
 
-#include "reference_host/cases/order_study.h"
 #include "reference_host/run/convergence.h"
 
 namespace host {
@@ -33,8 +31,7 @@ std::string Figure(std::optional<double> value, std::optional<double> before, in
 
 void PrintRow(const FlowStudy& study, const char* grid, const FlowStudyLevel& level, const Row& row,
               const FlowStudyLevel* before, const std::optional<Row>& rowBefore) {
-    std::cout << fmt::format("{:<12} {:>4} {:>4} {:>7}  {:<10}", Name(study.scheme),
-                             KindText(study.kind), level.size, level.activeCells, grid);
+    PrintRowBeginning(study.scheme, study.kind, level.size, level.activeCells, grid);
     const auto print = [&](const auto& figureOf) {
         std::cout << Figure(figureOf(row),
                             rowBefore ? figureOf(*rowBefore) : std::optional<double>(), level.size,
@@ -69,15 +66,8 @@ FlowStudyLimits FlowLimitsOf(bool hasTetrahedra) {
     return hasTetrahedra ? FlowStudyLimits{1.7, 1.2, 1.2} : FlowStudyLimits{1.9, 1.5, 1.5};
 }
 
-FlowLevelSolver::FlowLevelSolver(const Mesh& mesh_, HostObjects& objects_, const OversetLink& link_,
-                                 int size_, std::string place_, ResultSeries* series_)
-    : mesh(mesh_),
-      objects(objects_),
-      link(link_),
-      size(size_),
-      place(std::move(place_)),
-      series(series_),
-      exact(ManufacturedFlowFor(mesh_)) {}
+FlowLevelSolver::FlowLevelSolver(const StudyMesh& level_)
+    : level(level_), exact(ManufacturedFlowFor(level_.mesh)) {}
 
 FlowSettings FlowLevelSolver::Settings(Scheme scheme, double mu, MatrixSolver matrixSolver) const {
     FlowSettings settings;
@@ -90,63 +80,62 @@ FlowSettings FlowLevelSolver::Settings(Scheme scheme, double mu, MatrixSolver ma
     settings.start = [](const Vec3&) { return Vec3(Vec3::Zero()); };
     settings.conservation = Conservation::Mass;
     settings.scheme = scheme;
-    settings.relaxation = DefaultRelaxation(size);
+    settings.relaxation = DefaultRelaxation(level.size);
     settings.momentumSolver = matrixSolver;
     settings.pressureSolver = matrixSolver;
     return settings;
 }
 
 FlowStudyLevel FlowLevelSolver::Solve(Scheme scheme, double mu, MatrixSolver matrixSolver) {
-    FlowSolver flow(mesh, objects, link, Settings(scheme, mu, matrixSolver));
+    FlowSolver flow(level.mesh, level.objects, level.link, Settings(scheme, mu, matrixSolver));
     FlowIteration last;
     int iterations = 0;
     do {
         last = flow.Iterate();
         ++iterations;
         if (HasDiverged(last)) {
-            throw std::runtime_error(fmt::format("{}, {}: the flow diverges in iteration {}", place,
-                                                 Name(scheme), iterations));
+            throw std::runtime_error(fmt::format("{}, {}: the flow diverges in iteration {}",
+                                                 level.place, Name(scheme), iterations));
         }
         if (iterations == maxIterations) {
             throw std::runtime_error(fmt::format("{}, {}: not converged after {} iterations: {}",
-                                                 place, Name(scheme), iterations,
+                                                 level.place, Name(scheme), iterations,
                                                  WhyNotConverged(last, converged)));
         }
     } while (!HasConverged(last, converged));
-    FlowStudyLevel level = Measure(flow);
-    level.iterations = iterations;
-    return level;
+    FlowStudyLevel measured = Measure(flow);
+    measured.iterations = iterations;
+    return measured;
 }
 
 FlowStudyLevel FlowLevelSolver::Measure(const FlowSolver& flow) {
     const FlowDifference difference = DifferenceFrom(exact, flow);
-    FlowStudyLevel level;
-    level.size = size;
-    level.hasTetrahedra = HasTetrahedra(mesh);
-    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
-        level.activeCells += link.IsActive(cell) ? 1 : 0;
+    FlowStudyLevel measured;
+    measured.size = level.size;
+    measured.activeCells = level.ActiveCells();
+    measured.hasTetrahedra = HasTetrahedra(level.mesh);
+    measured.all = NormsOf(difference, flow);
+    for (const int grid : level.Grids()) {
+        measured.byGrid.push_back(NormsOf(difference, flow, grid));
     }
-    level.all = NormsOf(difference, flow);
-    for (int cavity = 1; link.IsOverset() && cavity <= mesh.GridCount(); ++cavity) {
-        level.byGrid.push_back(NormsOf(difference, flow, cavity));
-    }
-    level.force = ForceError(exact, flow);
-    level.flux = FluxError(exact, flow);
-    if (series) {
+    measured.force = ForceError(exact, flow);
+    measured.flux = FluxError(exact, flow);
+    if (level.series) {
         Publish(difference);
     }
-    return level;
+    return measured;
 }
 
 void FlowLevelSolver::Publish(const FlowDifference& difference) {
-    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
+    HostObjects& objects = level.objects;
+    for (int cell = 1; cell <= level.mesh.CellCount(); ++cell) {
         objects.pressure[cell] = difference.pressure[cell];
         objects.u[cell] = difference.velocity[cell].x();
         objects.v[cell] = difference.velocity[cell].y();
         objects.w[cell] = difference.velocity[cell].z();
     }
     ++stepCount;
-    series->Write(stepCount, stepCount);
+    level.series->Write(stepCount, stepCount);
 }
 
 std::vector<std::string> Misses(const std::vector<FlowStudy>& studies) {
@@ -159,12 +148,9 @@ std::vector<std::string> Misses(const std::vector<FlowStudy>& studies) {
         const FlowStudyLevel& fine = study.levels.back();
         const FlowStudyLimits limits = FlowLimitsOf(fine.hasTetrahedra);
         const auto check = [&](const char* name, double before, double now, double limit) {
-            const double order = Order(before, now, coarse.size, fine.size);
-            if (!(order >= limit)) {  // the negation makes NaN a miss
-                misses.push_back(
-                    fmt::format("flow {} kind {} {}: order {:.2f}, the limit is {:.2f}",
-                                Name(study.scheme), KindText(study.kind), name, order, limit));
-            }
+            CheckOrder(
+                fmt::format("flow {} kind {} {}", Name(study.scheme), KindText(study.kind), name),
+                Order(before, now, coarse.size, fine.size), limit, misses);
         };
         check("velocity", coarse.all.velocity.l2, fine.all.velocity.l2, limits.velocity);
         check("pressure", coarse.all.pressure.l2, fine.all.pressure.l2, limits.pressure);
@@ -174,8 +160,7 @@ std::vector<std::string> Misses(const std::vector<FlowStudy>& studies) {
 }
 
 void PrintTable(const std::vector<FlowStudy>& studies) {
-    std::cout << fmt::format("{:<12} {:>4} {:>4} {:>7}  {:<10}", "scheme", "kind", "n", "cells",
-                             "grid");
+    PrintRowHeading();
     for (const char* name : {"u L2", "u max", "p L2", "p max", "force", "flux"}) {
         std::cout << fmt::format("  {:>9} {:>5}", name, "order");
     }

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "reference_host/cases/study_mesh.h"
 #include "reference_host/physics/flow_errors.h"
-#include "reference_host/run/result_series.h"
 
 namespace host {
 
@@ -50,13 +50,8 @@ public:
     static constexpr double defaultMu = 0.05;
     static constexpr int maxIterations = 3000;
 
-    /// Borrows its arguments.
-    /// @param size    cells per unit length
-    /// @param place   for messages: file and size of the mesh
-    /// @param series  receives the differences to the exact pressure and velocity, as one step per
-    ///                scheme; may be null
-    FlowLevelSolver(const Mesh& mesh, HostObjects& objects, const OversetLink& link, int size,
-                    std::string place, ResultSeries* series);
+    /// @param level  its series receives the differences to the exact pressure and velocity
+    explicit FlowLevelSolver(const StudyMesh& level);
 
     /// @throws std::runtime_error  one line: diverged or not converged
     FlowStudyLevel Solve(Scheme scheme, double mu, MatrixSolver matrixSolver);
@@ -66,12 +61,7 @@ private:
     FlowStudyLevel Measure(const FlowSolver& flow);
     void Publish(const FlowDifference& difference);
 
-    const Mesh& mesh;
-    HostObjects& objects;
-    const OversetLink& link;
-    const int size;
-    const std::string place;
-    ResultSeries* const series;
+    const StudyMesh level;
     const ManufacturedFlow exact;
     int stepCount = 0;
 };

@@ -2,10 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
 #include <iostream>
 #include <stdexcept>
-#include <utility>
 
 namespace host {
 
@@ -26,10 +24,10 @@ void PrintRow(const OrderStudy& study, const char* grid, const StudyLevel& level
                                                      level.size))
                       : std::string();
     };
-    std::cout << fmt::format(
-        "{:<12} {:>4} {:>4} {:>7}  {:<10} {:9.3e} {:>6}  {:9.3e} {:>6} {:>6}\n", Name(study.scheme),
-        KindText(study.kind), level.size, level.activeCells, grid, norms.l2, order(&ErrorNorms::l2),
-        norms.max, order(&ErrorNorms::max), IterationText(level.solve));
+    PrintRowBeginning(study.scheme, study.kind, level.size, level.activeCells, grid);
+    std::cout << fmt::format(" {:9.3e} {:>6}  {:9.3e} {:>6} {:>6}\n", norms.l2,
+                             order(&ErrorNorms::l2), norms.max, order(&ErrorNorms::max),
+                             IterationText(level.solve));
 }
 
 /// Measured L2 errors at n = 20 on kind 1 (single box) and kind 0 (overset pair).
@@ -61,11 +59,8 @@ void CheckOrders(const std::string& grid, const ErrorNorms& coarse, const ErrorN
                  int coarseSize, int fineSize, const StudyLimits& limits,
                  std::vector<std::string>& misses) {
     const auto check = [&](const char* norm, double coarseError, double fineError, double limit) {
-        const double order = Order(coarseError, fineError, coarseSize, fineSize);
-        if (!(order >= limit)) {  // the negation makes NaN a miss
-            misses.push_back(
-                fmt::format("{} {}: order {:.2f}, the limit is {:.2f}", grid, norm, order, limit));
-        }
+        CheckOrder(fmt::format("{} {}", grid, norm),
+                   Order(coarseError, fineError, coarseSize, fineSize), limit, misses);
     };
     check("L2", coarse.l2, fine.l2, limits.orderL2);
     check("max", coarse.max, fine.max, limits.orderMax);
@@ -111,60 +106,46 @@ void RequireLimits(std::optional<int> kind, const std::vector<int>& sizes, bool 
     }
 }
 
-double Order(double coarseError, double fineError, int coarseSize, int fineSize) {
-    return std::log(coarseError / fineError) / std::log(static_cast<double>(fineSize) / coarseSize);
-}
-
 double DefaultMu(Scheme scheme) {
     return Convects(scheme) ? 0.01 : 1.0;
 }
 
-LevelSolver::LevelSolver(const Mesh& mesh_, HostObjects& objects_, const OversetLink& link_,
-                         int size_, std::string place_, ResultSeries* series_)
-    : mesh(mesh_),
-      objects(objects_),
-      link(link_),
-      size(size_),
-      place(std::move(place_)),
-      series(series_),
-      exact(WaveFor(mesh_)) {}
+LevelSolver::LevelSolver(const StudyMesh& level_) : level(level_), exact(WaveFor(level_.mesh)) {}
 
 StudyLevel LevelSolver::Solve(Scheme scheme, double mu, MatrixSolver matrixSolver) {
-    const ManufacturedRun result =
-        SolveManufactured(mesh, objects, link, scheme, exact, mu, convectionVelocity, matrixSolver);
+    const ManufacturedRun result = SolveManufactured(level.mesh, level.objects, level.link, scheme,
+                                                     exact, mu, convectionVelocity, matrixSolver);
     if (!result.solve.Converged()) {
         throw std::runtime_error(fmt::format(
             "{}, {}: not converged: residual {:.1e} after {} solver calls, the target is {:.1e}",
-            place, Name(scheme), result.solve.finalResidual, result.solve.calls,
+            level.place, Name(scheme), result.solve.finalResidual, result.solve.calls,
             result.solve.target));
     }
-    if (series) {
+    if (level.series) {
         Publish(result.phi);
     }
     return Measure(result);
 }
 
 void LevelSolver::Publish(const std::vector<double>& phi) {
-    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
-        objects.pressure[cell] = phi[cell];
-        objects.u[cell] = phi[cell] - exact.value(mesh.cellCentre[cell]);
+    for (int cell = 1; cell <= level.mesh.CellCount(); ++cell) {
+        level.objects.pressure[cell] = phi[cell];
+        level.objects.u[cell] = phi[cell] - exact.value(level.mesh.cellCentre[cell]);
     }
     ++stepCount;
-    series->Write(stepCount, stepCount);
+    level.series->Write(stepCount, stepCount);
 }
 
 StudyLevel LevelSolver::Measure(const ManufacturedRun& result) const {
-    StudyLevel level;
-    level.size = size;
-    for (int cell = 1; cell <= mesh.CellCount(); ++cell) {
-        level.activeCells += link.IsActive(cell) ? 1 : 0;
+    StudyLevel measured;
+    measured.size = level.size;
+    measured.activeCells = level.ActiveCells();
+    measured.all = Errors(level.mesh, level.link, result.phi, exact);
+    for (const int grid : level.Grids()) {
+        measured.byGrid.push_back(Errors(level.mesh, level.link, result.phi, exact, grid));
     }
-    level.all = Errors(mesh, link, result.phi, exact);
-    for (int cavity = 1; link.IsOverset() && cavity <= mesh.GridCount(); ++cavity) {
-        level.byGrid.push_back(Errors(mesh, link, result.phi, exact, cavity));
-    }
-    level.solve = result.solve;
-    return level;
+    measured.solve = result.solve;
+    return measured;
 }
 
 std::vector<std::string> Misses(const OrderStudy& study) {
@@ -195,9 +176,9 @@ std::vector<std::string> Misses(const std::vector<OrderStudy>& studies) {
 }
 
 void PrintTable(const std::vector<OrderStudy>& studies) {
-    std::cout << fmt::format("{:<12} {:>4} {:>4} {:>7}  {:<10} {:>9} {:>6}  {:>9} {:>6} {:>6}\n",
-                             "scheme", "kind", "n", "cells", "grid", "L2 error", "order",
-                             "max error", "order", "solver");
+    PrintRowHeading();
+    std::cout << fmt::format(" {:>9} {:>6}  {:>9} {:>6} {:>6}\n", "L2 error", "order", "max error",
+                             "order", "solver");
     for (const OrderStudy& study : studies) {
         const StudyLevel* before = nullptr;
         for (const StudyLevel& level : study.levels) {
@@ -209,15 +190,6 @@ void PrintTable(const std::vector<OrderStudy>& studies) {
             before = &level;
         }
     }
-}
-
-const char* GridName(std::size_t grid) {
-    static const char* const names[] = {"background", "component1", "component2"};
-    return names[grid];
-}
-
-std::string KindText(std::optional<int> kind) {
-    return kind ? std::to_string(*kind) : "-";
 }
 
 }  // namespace host

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "reference_host/cases/study_mesh.h"
 #include "reference_host/physics/manufactured.h"
 #include "reference_host/physics/scalar_solver.h"
-#include "reference_host/run/result_series.h"
 
 namespace host {
 
@@ -55,9 +55,6 @@ StudyLimits LimitsOf(Scheme scheme, std::optional<int> kind, int size);
 /// @throws std::runtime_error  one line
 void RequireLimits(std::optional<int> kind, const std::vector<int>& sizes, bool isPlane);
 
-/// Order of an error between a coarse and a fine level.
-double Order(double coarseError, double fineError, int coarseSize, int fineSize);
-
 /// Diffusion coefficient of a study that names none: 1 for pure diffusion, else 0.01.
 double DefaultMu(Scheme scheme);
 
@@ -65,13 +62,9 @@ double DefaultMu(Scheme scheme);
 /// moved.
 class LevelSolver {
 public:
-    /// Borrows its arguments.
-    /// @param size    cells per unit length
-    /// @param place   for messages: file and size of the mesh
-    /// @param series  receives the solution as scalar, and its error as x component of the vector,
-    ///                as one step per scheme; may be null
-    LevelSolver(const Mesh& mesh, HostObjects& objects, const OversetLink& link, int size,
-                std::string place, ResultSeries* series);
+    /// @param level  its series receives the solution as scalar, and its error as x component of
+    ///               the vector
+    explicit LevelSolver(const StudyMesh& level);
 
     /// @param mu  diffusion coefficient
     /// @throws std::runtime_error  one line: the residual did not reach its target
@@ -81,12 +74,7 @@ private:
     void Publish(const std::vector<double>& phi);
     StudyLevel Measure(const ManufacturedRun& result) const;
 
-    const Mesh& mesh;
-    HostObjects& objects;
-    const OversetLink& link;
-    const int size;
-    const std::string place;
-    ResultSeries* const series;
+    const StudyMesh level;
     const AnalyticField exact;
     int stepCount = 0;
 };
@@ -99,12 +87,6 @@ std::vector<std::string> Misses(const std::vector<OrderStudy>& studies);
 
 /// Prints errors and orders of all levels on standard output.
 void PrintTable(const std::vector<OrderStudy>& studies);
-
-/// Name of the grid of cavity `grid` + 1, as in the mesh files.
-const char* GridName(std::size_t grid);
-
-/// The kind in tables and messages: its number, or "-".
-std::string KindText(std::optional<int> kind);
 
 }  // namespace host
 

@@ -125,7 +125,7 @@ TEST(LevelSolver, MeasuresEachGridAndWritesOneStepPerScheme) {
     host::HostObjects objects(mesh, results.Text());
     host::OversetLink link(mesh, objects);
     host::ResultSeries series(mesh, objects, link, results.Text());
-    host::LevelSolver level(mesh, objects, link, 5, "box", &series);
+    host::LevelSolver level({mesh, objects, link, 5, "box", &series});
 
     const StudyLevel diffusion = level.Solve(Scheme::Diffusion, 1.0, host::MatrixSolver::Bicgstab);
     level.Solve(Scheme::Central, 0.01, host::MatrixSolver::Bicgstab);

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -41,6 +43,25 @@ inline int Converge(host::FlowSolver& flow, double change = 1e-7) {
     }
     return iterations;
 }
+
+/// Flows that several tests of one suite read, each solved when the first of them asks for it.
+/// @tparam Run  can be constructed from a MeshChoice
+template <class Run>
+class FlowsSolvedOnce {
+public:
+    const Run& On(const MeshChoice& choice) {
+        std::unique_ptr<Run>& run = runs[choice.name];
+        if (!run) {
+            const OutputCapture quiet;
+            run = std::make_unique<Run>(choice);
+        }
+        return *run;
+    }
+    void Clear() { runs.clear(); }
+
+private:
+    std::map<std::string, std::unique_ptr<Run>> runs;
+};
 
 /// Largest net outflow of a cell.
 inline double LargestImbalance(const host::Mesh& mesh, const host::OversetLink& link,
