@@ -320,8 +320,8 @@ bool RegisterAll() {
     Register("BM_SetupPlain", BM_SetupPlain, "Cylinder", {6, 9, 12, 20});
     Register("BM_SetupPlain", BM_SetupPlain, "Square", {6, 12, 20});
     for (const char* shape : {"SquareRing", "SphereShell"}) {
-        Register("BM_Setup", BM_Setup, shape, {6, 12, 20});
-        Register("BM_SetupPlain", BM_SetupPlain, shape, {6, 12, 20});
+        Register("BM_Setup", BM_Setup, shape, {20});
+        Register("BM_SetupPlain", BM_SetupPlain, shape, {20});
     }
     Register("BM_SetupShuffled", BM_SetupShuffled, "Square", {20});
     for (const char* shape : {"Cylinder", "Square"}) {

@@ -12,11 +12,18 @@ namespace {
 
 /// Starts to load the data of a cell. Cells come in spatial order, which is not that of the memory
 /// if they are numbered at random.
-void Prefetch(const CKVX_ACMT_GV& mesh, int cell) {
+inline void Prefetch(const CKVX_ACMT_GV& mesh, int cell) {
 #if defined(__GNUC__)
-    for (const double* data : {mesh.xc, mesh.yc, mesh.zc, mesh.volume}) {
-        __builtin_prefetch(data + cell);
-    }
+    __builtin_prefetch(mesh.xc + cell);
+    __builtin_prefetch(mesh.yc + cell);
+    __builtin_prefetch(mesh.zc + cell);
+    __builtin_prefetch(mesh.volume + cell);
+    // GCC 12 regards a function that only prefetches as one without effect and removes calls to
+    // it; the empty assembler statement prevents that.
+    asm volatile("");
+#else
+    static_cast<void>(mesh);
+    static_cast<void>(cell);
 #endif
 }
 

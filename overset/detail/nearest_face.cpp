@@ -26,7 +26,7 @@
 namespace kvx3d::detail {
 namespace {
 
-constexpr int nodesToJudge = 256;             // a verdict from more boxes costs as much as searches
+constexpr int nodesToJudge = 1024;            // a verdict from more boxes costs as much as searches
 constexpr int noFace = -1;                    // in place of a position in FaceBoxes
 constexpr double largest = 1e150;             // products of larger numbers overflow
 constexpr double absoluteError = 1e-300;      // bound that covers subnormal numbers
