@@ -77,24 +77,35 @@ class Point:
     argument: str  # the text after the name
     size: float
     ours: float  # seconds
-    yardstick: float
+    yardstick: float | None  # None at a size that is too large for the yardstick
 
     @property
     def ratio(self):
-        return self.ours / self.yardstick
+        return self.ours / self.yardstick if self.yardstick is not None else None
 
 
 def points_of(row, measured):
-    """The points at which both sides of a row were measured, in ascending order of size."""
+    """The points at which our code was measured, in ascending order of size.
+
+    There are none unless the yardstick was measured at some size as well.
+    """
     points = []
     for name, values in measured.items():
         if not name.startswith(row.ours + "/"):
             continue
         argument = name[len(row.ours) + 1:]
         other = measured.get(f"{row.yardstick}/{argument}")
-        if other is not None and "size" in values:
-            points.append(Point(argument, values["size"], values["seconds"], other["seconds"]))
+        if "size" in values:
+            points.append(Point(argument, values["size"], values["seconds"],
+                                other["seconds"] if other is not None else None))
+    if not compared(points):
+        return []
     return sorted(points, key=lambda point: point.size)
+
+
+def compared(points):
+    """The points at which the yardstick was measured as well."""
+    return [point for point in points if point.yardstick is not None]
 
 
 def exponent(sizes, times):
@@ -163,7 +174,7 @@ def goal_lines(series):
         slope = exponent([p.size for p in points], [p.ours for p in points])
         for argument, limit in row.goals.items():
             point = at.get(argument)
-            if point is None:
+            if point is None or point.yardstick is None:
                 lines.append([row.what, argument, "not measured", "", "", f"{limit:.2f}", "", ""])
                 continue
             lines.append([
@@ -178,11 +189,16 @@ def further_lines(series):
     lines = []
     for row, points in series:
         if points and not row.goals:
-            point = points[-1]
+            point = compared(points)[-1]
             lines.append([
                 row.what, size_text(point.size, row.unit), time_text(point.ours),
                 f"{row.peer}: {time_text(point.yardstick)}", three_digits(point.ratio)])
     return lines
+
+
+def yardstick_growth(row, points):
+    slope = exponent([point.size for point in points], [point.yardstick for point in points])
+    return f"{row.peer}: {slope:.2f}" if slope is not None else row.peer
 
 
 def growth_lines(series):
@@ -197,9 +213,10 @@ def growth_lines(series):
             row.what,
             " · ".join(size_text(size) for size in sizes) + f" {row.unit}",
             " · ".join(time_text(point.ours) for point in points),
-            " · ".join(three_digits(point.ratio) for point in points),
+            " · ".join(three_digits(point.ratio) if point.ratio is not None else "–"
+                       for point in points),
             exponent_text(exponent(sizes, [point.ours for point in points])),
-            f"{row.peer}: {exponent(sizes, [point.yardstick for point in points]):.2f}"])
+            yardstick_growth(row, compared(points))])
     return lines
 
 
@@ -237,7 +254,7 @@ def missing_rows(measured):
     for row in ROWS:
         if row.program not in measured:
             continue
-        found = {point.argument for point in points_of(row, measured[row.program])}
+        found = {point.argument for point in compared(points_of(row, measured[row.program]))}
         for argument in row.goals or ([] if found else ["<size>"]):
             if argument not in found:
                 missing.append(f"{row.program}: no {row.ours}/{argument} with a counter \"size\" "

@@ -1,11 +1,15 @@
 #include "overset/hole_cutting.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <iostream>
 #include <new>
+#include <vector>
 
 #include "host_link/art_gv.h"
 #include "host_link/detail/classic_format.h"
+#include "overset/detail/cell_order.h"
 #include "overset/detail/cell_run.h"
 #include "overset/detail/nearest_face.h"
 #include "overset/kd_tree.h"
@@ -13,7 +17,8 @@
 
 // The four cuts differ in the cells they look at, in the faces that judge those cells, and in the
 // side that is cut; IsCut() is the one rule of all of them. The cuts of the set-up judge cells in
-// runs, because most cells lie far from every face. The cuts on hand-linked data judge one by one.
+// runs, because most cells lie far from every face. Each cell is decided alone, so they may take
+// the cells in any order. The cuts on hand-linked data judge one by one.
 //
 // Readable transcription: CutOutside() and CutOverlap() in plain/plain_overset.h.
 
@@ -63,11 +68,25 @@ void Cut(KVX_ART_OVERSET_GRID_DATA& data, int cell) {
     data.cellState[cell] = nonActive;
 }
 
+/// The cells that a pass judges, in an order in which consecutive cells are close to each other.
+std::vector<int> CellsInSpatialOrder(const CuttingPass& pass) {
+    std::vector<int> cells;
+    cells.reserve(static_cast<std::size_t>(std::max(pass.geometry.Nc, 0)));
+    GridCells next(pass.data, pass.geometry, pass.grid, pass.noGridWarning);
+    while (next.Next()) {
+        cells.push_back(next.cell);
+    }
+    SortByPlace(cells, pass.geometry);
+    return cells;
+}
+
 /// Cuts cells by their nearest faces, a run of cells at a time. Without faces nothing is cut.
 void CutInRuns(const CuttingPass& pass, NearestFace& faces) {
-    GridCells cells(pass.data, pass.geometry, pass.grid, pass.noGridWarning);
+    const std::vector<int> cells = CellsInSpatialOrder(pass);
+    const int nCells = static_cast<int>(cells.size());
     CellRun run;
-    while (run.Fill(cells)) {
+    for (int at = 0; at < nCells;) {
+        at = run.Fill(cells, at, pass.geometry);
         run.Judge(faces, pass.layer);
         for (int i = 0; i < run.n; ++i) {
             bool isCut = run.side[i] == pass.cutSide;

@@ -10,9 +10,22 @@
 namespace kvx3d::detail {
 namespace {
 
-constexpr int parts = 4;     // a group without a common verdict is judged in four parts
-constexpr int patience = 4;  // runs judged cell by cell after one that shared no verdict: the cells
-                             // may be numbered at random
+/// Starts to load the data of a cell. Cells come in spatial order, which is not that of the memory
+/// if they are numbered at random.
+inline void Prefetch(const CKVX_ACMT_GV& mesh, int cell) {
+#if defined(__GNUC__)
+    __builtin_prefetch(mesh.xc + cell);
+    __builtin_prefetch(mesh.yc + cell);
+    __builtin_prefetch(mesh.zc + cell);
+    __builtin_prefetch(mesh.volume + cell);
+    // GCC 12 regards a function that only prefetches as one without effect and removes calls to
+    // it; the empty assembler statement prevents that.
+    asm volatile("");
+#else
+    static_cast<void>(mesh);
+    static_cast<void>(cell);
+#endif
+}
 
 }  // namespace
 
@@ -45,44 +58,34 @@ bool GridCells::Next() {
     return false;
 }
 
-bool CellRun::Fill(GridCells& cells) {
-    n = 0;
-    while (n < capacity && cells.Next()) {
-        cell[n] = cells.cell;
-        std::copy(cells.C, cells.C + 3, C[n]);
-        V[n] = cells.V;
-        ++n;
+int CellRun::Fill(const std::vector<int>& cells, int first, const CKVX_ACMT_GV& mesh) {
+    const int nCells = static_cast<int>(cells.size());
+    n = std::min(capacity, nCells - first);
+    for (int i = 0; i < n; ++i) {
+        const int c = cells[first + i];
+        cell[i] = c;
+        C[i][0] = mesh.xc[c];
+        C[i][1] = mesh.yc[c];
+        C[i][2] = mesh.zc[c];
+        V[i] = mesh.volume[c];
     }
-    return n > 0;
+    const int afterNext = std::min(first + 2 * capacity, nCells);
+    for (int i = first + n; i < afterNext; ++i) {
+        Prefetch(mesh, cells[i]);
+    }
+    return first + n;
 }
 
-void CellRun::Judge(NearestFace& faces, int layer) {
-    if (runsApart > 0) {
-        --runsApart;
-        for (int i = 0; i < n; ++i) {
-            side[i] = SideOfGroup(faces, layer, i, i + 1);
-        }
-        return;
-    }
-    nTogether = 0;
-    JudgeGroup(faces, layer, 0, n);
-    if (nTogether == 0) {
-        runsApart = patience;
-    }
-}
-
-/// Judges the cells first..last - 1 together or, failing that, in parts.
+/// Judges the cells first..last - 1 together or, failing that, in halves.
 void CellRun::JudgeGroup(NearestFace& faces, int layer, int first, int last) {
     const int together = SideOfGroup(faces, layer, first, last);
     if (together != 0 || last - first == 1) {
         std::fill(side + first, side + last, together);
-        nTogether += last - first > 1 ? last - first : 0;
         return;
     }
-    const int part = (last - first + parts - 1) / parts;
-    for (int at = first; at < last; at += part) {
-        JudgeGroup(faces, layer, at, std::min(at + part, last));
-    }
+    const int half = (first + last) / 2;
+    JudgeGroup(faces, layer, first, half);
+    JudgeGroup(faces, layer, half, last);
 }
 
 /// The common side of the cells first..last - 1, or 0.

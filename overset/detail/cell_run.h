@@ -1,6 +1,8 @@
 #ifndef KVX3D_OVERSET_DETAIL_CELL_RUN_H
 #define KVX3D_OVERSET_DETAIL_CELL_RUN_H
 
+#include <vector>
+
 #include "overset/detail/nearest_face.h"
 
 class CKVX_ACMT_GV;
@@ -42,25 +44,25 @@ private:
     const char* const warning;
 };
 
-/// Up to eight consecutive cells of one grid. They are neighbors in the mesh, so they are judged
-/// together as far as possible: one verdict on all of them costs little more than one on a single
-/// cell.
+/// Up to 32 cells that are close to each other. They are judged together as far as possible: one
+/// verdict on all of them costs little more than one on a single cell.
 ///
 ///     run      | c c c c c c c c |    no common verdict:
-///     parts    | c c | c c | c c | c c |    no common verdict:
-///     cells    | c | c |
+///     halves   | c c c c | c c c c |    no common verdict:
+///     quarters | c c | c c |    and so on down to single cells
 class CellRun {
 public:
-    /// Takes the next cells; false if there is none.
-    bool Fill(GridCells& cells);
+    /// Takes cells of a list, from position `first` on.
+    /// @return position after the last cell taken
+    int Fill(const std::vector<int>& cells, int first, const CKVX_ACMT_GV& mesh);
 
     /// Sets `side` of each cell to the verdict of NearestFace::SideOf() at a depth of `layer` cell
     /// sizes.
-    void Judge(NearestFace& faces, int layer);
+    void Judge(NearestFace& faces, int layer) { JudgeGroup(faces, layer, 0, n); }
 
     double SizeOf(int i) { return sizes.Of(V[i]); }
 
-    static constexpr int capacity = 8;
+    static constexpr int capacity = 32;
 
     int n = 0;
     int cell[capacity];
@@ -73,8 +75,6 @@ private:
     int SideOfGroup(NearestFace& faces, int layer, int first, int last);
 
     CellSize sizes;
-    int nTogether = 0;  ///< cells of this run that shared a verdict
-    int runsApart = 0;  ///< following runs whose cells are judged one by one
 };
 
 }  // namespace kvx3d::detail

@@ -1,63 +1,40 @@
 #ifndef KVX3D_PLAIN_SAMPLES_CYLINDER_HOST_H
 #define KVX3D_PLAIN_SAMPLES_CYLINDER_HOST_H
 
-#include <array>
-#include <functional>
-#include <vector>
+#include "plain/samples/setup_host.h"
 
-#include "host_link/host_interface.h"
+// Hosts for the overset set-up, one for each shape of component. The number m refines a mesh to
+// about 240 m^3 cells.
 
-/// A host whose mesh is a channel with an overset O-grid around a cylinder; m refines it to
-/// 240 m^3 cells.
-///
-/// Background: [-4, 8] x [-4, 4] x [0, 2], uniform 12m x 8m x 2m hexahedra, x fastest; inlet at
-/// x = -4, outlet at x = 8, walls at y = -4 and y = 4, symmetry at z = 0 and z = 2. Component:
-/// 12m x 2m x 2m cells between the radii 0.5 and 1.5 around (0.0137, 0.0071), theta fastest, then
-/// r, then z, radii stretched by e^(1.5 j / nr); the inner side is a wall, the outer side overset
-/// group 1. Only the arrays that the overset set-up reads are filled.
-class CylinderHost {
+/// A channel with an O-grid around a cylinder. The inner side of the grid, with radius 0.5, is a
+/// wall; the outer side, with radius 1.5, is overset group 1.
+class CylinderHost : public SetupHost {
 public:
     explicit CylinderHost(int m);
-    CylinderHost(const CylinderHost&) = delete;
-    CylinderHost& operator=(const CylinderHost&) = delete;
+};
 
-    CKvx3dGV gv;
-    CKVX3DFiniteVolumeMesh fvm;
+/// A channel with a square without a body: 5m x 5m x 2m cells with sides of 3, all four in overset
+/// group 1.
+class TurnedSquareHost : public SetupHost {
+public:
+    /// @param angle  by which the square is turned [degrees]
+    TurnedSquareHost(int m, double angle);
+};
 
-private:
-    using Point = std::array<double, 3>;
-    enum Side { inlet, outlet, wall, overset, symm };
+/// A channel with an O-grid between a cylinder of radius 0.5, a wall, and a square with sides of
+/// 2.4, overset group 1.
+class SquareRingHost : public SetupHost {
+public:
+    /// @param angle  by which the square is turned [degrees]
+    SquareRingHost(int m, double angle);
+};
 
-    struct Block {
-        std::array<int, 3> n;
-        bool closed;  ///< the last cell along axis 0 is beside the first one
-        std::function<Point(int, int, int)> node;
-        std::array<Side, 6> sides;  ///< boundary at the lower and upper end of each axis
-        int firstCell;
-    };
-    struct Faces {
-        std::vector<double> center[3]{{0.0}, {0.0}, {0.0}};
-        std::vector<double> area[3]{{0.0}, {0.0}, {0.0}};
-        std::vector<int> cell{0};
-        std::vector<int> other{0};  ///< neighbor of an inner face, ghost cell of a boundary face
-    };
-
-    void AddCells(const Block& block, int cavity);
-    void AddFaces(const Block& block);
-    void AddFace(Faces& faces, const std::array<Point, 4>& nodes, const Point& outward, int cell,
-                 int other);
-    void Link();
-
-    std::vector<double> center[3]{{0.0}, {0.0}, {0.0}};
-    std::vector<double> volume{0.0};
-    std::vector<int> cavity{0};
-    Faces inner;
-    Faces sideFaces[4];  ///< inlet, outlet, wall, symmetry
-    std::vector<int> groupFaces{0};
-    int nGroups = 1;
-    std::vector<int> groupFaceCount{0, 0};
-    std::vector<int*> groupRows{nullptr, nullptr};
-    std::vector<int> process{0};
+/// A cube with sides of 6 around a spherical shell. The background has (6m)^3 cells, the inlet at
+/// x = -3, the outlet at x = 3 and walls on the other sides. The shell has six patches of
+/// 2m x 2m x m cells between a wall of radius 0.5 and overset group 1, of radius 1.5.
+class SphereShellHost : public SetupHost {
+public:
+    explicit SphereShellHost(int m);
 };
 
 #endif

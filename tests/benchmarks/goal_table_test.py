@@ -119,6 +119,15 @@ class Tables(unittest.TestCase):
                       "1.00 ms · 2.00 ms · 4.00 ms · 8.00 ms | 0.500 · 0.500 · 0.500 · 0.500 | 1.00 | "
                       "plain: 1.00 |", self.lines(*runs))
 
+    def test_growth_goes_beyond_the_sizes_of_the_yardstick(self):
+        lines = self.lines(*four_sizes(), run("BM_X/16000", 64.0, 16000))
+        growth = next(line for line in lines if "1.00 k · 2.00 k" in line)
+        self.assertIn("8.00 k · 16.0 k cells", growth)
+        self.assertIn("0.500 · 0.500 · –", growth)
+        self.assertIn("plain: 1.00", growth)
+        self.assertIn("**1.4", growth)
+        self.assertTrue(any("| 0.500 | 0.50 | yes |" in line for line in lines))
+
     def test_memory_is_compared_with_its_limit_or_only_reported(self):
         goal_table.MEMORY = [Memory("Peak", "x_benchmark", "BM_X/8000", "peak_MB", "MB", 150),
                              Memory("Entry", "x_benchmark", "BM_X/8000", "bytes", "bytes")]
