@@ -1,12 +1,14 @@
 #!/usr/bin/python3
 """Runs the studies of mesh parameters for the flow around a cylinder, benchmark 2D-1.
 
-    run_studies.py [--host PROGRAM] [--n 10] [--gci 5,10,20] [--studies radius,ratio,...]
+    run_studies.py [--host PROGRAM] [--n 10] [--gci 5,10,20] [--gci-scheme lud,quick]
+                   [--studies radius,ratio,...]
 
 Prints every table of docs/studies.md as Markdown, each with the command of one of its rows and the
 time it took. --n gives the cells per diameter of all studies except the study of three grids, which
-has its own (--gci, from coarse to fine, each twice as fine as the one before). A run that ends with
-an error becomes a row with its message. Exits with 1 if there was one.
+has its own (--gci, from coarse to fine, each twice as fine as the one before). That study prints a
+table for each convection scheme of --gci-scheme. A run that ends with an error becomes a row with
+its message. Exits with 1 if there was one.
 """
 
 import argparse
@@ -22,6 +24,7 @@ FITTED = "reference_host/meshes/channel_cylinder_fitted.geo"
 SQUARE = "reference_host/meshes/box_square_overset.geo"
 CHANNEL = "reference_host/meshes/channel_cylinder_overset.geo"
 EXACT_HEAT = 4.0350931034  # reference_host/studies/heat_reference.py
+SAMG_FROM = 40  # cells per diameter from which the external solver is faster for the pressure
 DEFAULT_HOST = "build/run/reference_host/reference_host"
 
 
@@ -168,12 +171,19 @@ def study_single(report, n, _):
     report.flow_table("mesh", [("overset pair", size), ("one grid", ["--mesh", FITTED, *size])])
 
 
-def study_gci(report, _, grids):
-    report.title("Three grids, n = " + ", ".join(str(n) for n in grids))
+def study_gci(report, _, chosen):
+    for scheme in chosen.gci_scheme:
+        gci_table(report, chosen.gci, scheme)
+
+
+def gci_table(report, grids, scheme):
+    """Table of three grids for one convection scheme."""
+    report.title("Three grids, n = " + ", ".join(str(n) for n in grids) + f", {scheme}")
     values = {}
     try:
         for n in grids:
-            rows = report.flow.rows(["--set", f"n={n}"])
+            solver = ["--pressure-solver", "samg"] if n >= SAMG_FROM else []
+            rows = report.flow.rows(["--set", f"n={n}", "--scheme", scheme, *solver])
             for name in ["Cd", "pressure difference"]:
                 values.setdefault(name, []).append(float(rows[name][0]))
                 values.setdefault(name + " published", rows[name][1])
@@ -181,7 +191,8 @@ def study_gci(report, _, grids):
         report.failures += 1
         print(f"{failure}\n")
         return
-    table_head(["figure", *(f"n = {n}" for n in grids), "order", "extrapolated", "GCI", "published"])
+    table_head(["figure", *(f"n = {n}" for n in grids), "order", "extrapolated", "GCI", "published",
+                "orders of the deviation"])
     for name in ["Cd", "pressure difference"]:
         published = values[name + " published"]
         found = three_grids(*values[name])
@@ -190,8 +201,24 @@ def study_gci(report, _, grids):
             cells += ["not monotonic", "", ""]
         else:
             cells += [f"{found[0]:.2f}", f"{found[1]:.6f}", f"{100.0 * found[2]:.4f} %"]
-        print("| " + " | ".join([name, *cells, published]) + " |")
-    print("\n    reference_host cylinder --set n=N --output DIRECTORY\n", flush=True)
+        cells += [published, deviation_orders(values[name], float(published))]
+        print("| " + " | ".join([name, *cells]) + " |")
+    samg = f", with --pressure-solver samg from n = {SAMG_FROM} on" * (grids[-1] >= SAMG_FROM)
+    print(f"\n    reference_host cylinder --set n=N --scheme {scheme} --output DIRECTORY{samg}\n",
+          flush=True)
+
+
+def deviation_orders(values, published, ratio=2.0):
+    """Orders of the deviation from the published value, from each grid to the next finer one.
+
+    A deviation that changes its sign has no order; the text says so.
+    """
+    orders = []
+    for coarse, fine in zip(values, values[1:]):
+        quotient = (coarse - published) / (fine - published) if fine != published else 0.0
+        orders.append(f"{math.log(quotient) / math.log(ratio):.2f}" if quotient > 0.0
+                      else "change of sign")
+    return ", ".join(orders)
 
 
 def study_heat(report, n, _):
@@ -252,6 +279,7 @@ def parse_arguments(arguments):
     parser.add_argument("--host", default=str(ROOT / DEFAULT_HOST), help="the reference host")
     parser.add_argument("--n", default="10", help="cells per diameter, separated by commas")
     parser.add_argument("--gci", default="5,10,20", help="three sizes, each twice the one before")
+    parser.add_argument("--gci-scheme", default="lud,quick", help="schemes of the three grids")
     parser.add_argument("--studies", default=",".join(STUDIES), help="studies to run")
     chosen = parser.parse_args(arguments)
     try:
@@ -261,6 +289,7 @@ def parse_arguments(arguments):
         parser.error("--n and --gci are integers, separated by commas")
     if len(chosen.gci) != 3 or any(2 * a != b for a, b in zip(chosen.gci, chosen.gci[1:])):
         parser.error("--gci gives three sizes, each twice the one before")
+    chosen.gci_scheme = chosen.gci_scheme.split(",")
     chosen.studies = chosen.studies.split(",")
     unknown = [name for name in chosen.studies if name not in STUDIES]
     if unknown:
@@ -277,7 +306,7 @@ def main(arguments):
     for name in chosen.studies:
         for n in chosen.n if name != "gci" else [None]:
             start = time.monotonic()
-            STUDIES[name](report, n, chosen.gci)
+            STUDIES[name](report, n, chosen)
             print(f"*{time.monotonic() - start:.0f} s*\n", flush=True)
     return 1 if report.failures else 0
 
