@@ -53,6 +53,30 @@ class ThreeGrids(unittest.TestCase):
         self.assertIsNone(studies.three_grids(1.0, 2.0, 2.0))
 
 
+class Deviations(unittest.TestCase):
+    def test_orders_follow_from_the_quotients_of_the_deviations(self):
+        self.assertEqual(studies.deviation_orders([6.6, 5.4, 5.1], 5.0), "2.00, 2.00")
+
+    def test_a_deviation_that_changes_its_sign_or_vanishes_has_no_order(self):
+        self.assertEqual(studies.deviation_orders([4.9, 5.1, 5.05], 5.0), "change of sign, 1.00")
+        self.assertEqual(studies.deviation_orders([5.1, 5.0], 5.0), "change of sign")
+
+    def test_three_grids_run_each_scheme_and_the_external_solver_on_fine_grids(self):
+        chosen = studies.parse_arguments(
+            ["--host", str(SCRIPT), "--gci", "10,20,40", "--gci-scheme", "quick"])
+        report = studies.Report("host")
+        for n, solver in [(10, ()), (20, ()), (40, ("--pressure-solver", "samg"))]:
+            drag = 5.5795352338 - 1.6 / n**2
+            report.flow.done[("--set", f"n={n}", "--scheme", "quick", *solver)] = {
+                "Cd": [str(drag), "5.5795352338"], "pressure difference": ["0.1", "0.1175201670"]}
+        printed = io.StringIO()
+        with contextlib.redirect_stdout(printed):
+            studies.study_gci(report, None, chosen)
+        self.assertIn("| Cd | 5.563535 | 5.575535 | 5.578535 | 2.00 | 5.579535 | 0.0224 % | "
+                      "5.5795352338 | 2.00, 2.00 |", printed.getvalue())
+        self.assertIn("--scheme quick", printed.getvalue())
+
+
 class Tables(unittest.TestCase):
     def table(self, results):
         """The lines of a flow table whose runs have the outputs or errors `results`."""
