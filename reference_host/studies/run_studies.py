@@ -117,7 +117,8 @@ class Report:
             cells = [label, found["cells"][0], f"{float(found['Cd'][0]):.4f}", found["Cd"][-1],
                      found["Cl"][-1], found["pressure difference"][-1], found["mass defect"][0],
                      found["outer iterations"][0]]
-            cells += [" ".join(found.get(name, [""])) for name in further]
+            # A force over a control surface ends with its difference from that on the body.
+            cells += [found.get(name, [""])[-1] for name in further]
             print("| " + " | ".join(cells) + " |")
         print(f"\n    reference_host cylinder {' '.join(runs[0][1])} --output DIRECTORY\n",
               flush=True)
