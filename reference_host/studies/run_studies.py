@@ -2,13 +2,14 @@
 """Runs the studies of mesh parameters for the flow around a cylinder, benchmark 2D-1.
 
     run_studies.py [--host PROGRAM] [--n 10] [--gci 5,10,20] [--gci-scheme lud,quick]
-                   [--studies radius,ratio,...]
+                   [--conservation momentum] [--studies radius,ratio,...]
 
 Prints every table of docs/studies.md as Markdown, each with the command of one of its rows and the
 time it took. --n gives the cells per diameter of all studies except the study of three grids, which
 has its own (--gci, from coarse to fine, each twice as fine as the one before). That study prints a
-table for each convection scheme of --gci-scheme. A run that ends with an error becomes a row with
-its message. Exits with 1 if there was one.
+table for each convection scheme of --gci-scheme. --conservation is passed on to all runs of the
+flow; with "none" the hole boundary shows what the interpolation between the grids creates. A run
+that ends with an error becomes a row with its message. Exits with 1 if there was one.
 """
 
 import argparse
@@ -65,8 +66,9 @@ def parse_flow(text):
 class Flow:
     """Runs of the case `cylinder`; the same run is made once."""
 
-    def __init__(self, host):
+    def __init__(self, host, conservation=None):
         self.host = host
+        self.further = ["--conservation", conservation] if conservation else []
         self.done = {}
 
     def rows(self, arguments):
@@ -74,7 +76,8 @@ class Flow:
         if key not in self.done:
             with tempfile.TemporaryDirectory() as output:
                 try:
-                    text = run_host(self.host, ["cylinder", *arguments, "--output", output])
+                    text = run_host(self.host, [
+                        "cylinder", *arguments, *self.further, "--output", output])
                     self.done[key] = parse_flow(text)
                 except RunFailed as failure:
                     self.done[key] = failure
@@ -86,9 +89,9 @@ class Flow:
 class Report:
     """Prints tables and counts the rows that failed."""
 
-    def __init__(self, host):
+    def __init__(self, host, conservation=None):
         self.host = host
-        self.flow = Flow(host)
+        self.flow = Flow(host, conservation)
         self.failures = 0
 
     def title(self, text):
@@ -120,7 +123,7 @@ class Report:
             # A force over a control surface ends with its difference from that on the body.
             cells += [found.get(name, [""])[-1] for name in further]
             print("| " + " | ".join(cells) + " |")
-        print(f"\n    reference_host cylinder {' '.join(runs[0][1])} --output DIRECTORY\n",
+        print(f"\n    reference_host cylinder {' '.join(runs[0][1] + self.flow.further)} --output DIRECTORY\n",
               flush=True)
 
 
@@ -281,6 +284,7 @@ def parse_arguments(arguments):
     parser.add_argument("--n", default="10", help="cells per diameter, separated by commas")
     parser.add_argument("--gci", default="5,10,20", help="three sizes, each twice the one before")
     parser.add_argument("--gci-scheme", default="lud,quick", help="schemes of the three grids")
+    parser.add_argument("--conservation", help="what is conserved where the background is cut")
     parser.add_argument("--studies", default=",".join(STUDIES), help="studies to run")
     chosen = parser.parse_args(arguments)
     try:
@@ -303,7 +307,7 @@ def parse_arguments(arguments):
 
 def main(arguments):
     chosen = parse_arguments(arguments)
-    report = Report(chosen.host)
+    report = Report(chosen.host, chosen.conservation)
     for name in chosen.studies:
         for n in chosen.n if name != "gci" else [None]:
             start = time.monotonic()
