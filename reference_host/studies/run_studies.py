@@ -123,8 +123,8 @@ class Report:
             # A force over a control surface ends with its difference from that on the body.
             cells += [found.get(name, [""])[-1] for name in further]
             print("| " + " | ".join(cells) + " |")
-        print(f"\n    reference_host cylinder {' '.join(runs[0][1] + self.flow.further)} --output DIRECTORY\n",
-              flush=True)
+        command = " ".join(["cylinder", *runs[0][1], *self.flow.further])
+        print(f"\n    reference_host {command} --output DIRECTORY\n", flush=True)
 
 
 def table_head(heads):
@@ -138,7 +138,7 @@ def three_grids(coarse, medium, fine, ratio=2.0):
     P. J. Roache, J. Fluids Eng. 116 (1994) 405-413; I. B. Celik et al., J. Fluids Eng. 130 (2008)
     078001, equations 2 to 7 for a constant ratio of refinement, with the safety factor 1.25.
 
-    Returns None if the values do not converge monotonically.
+    Returns None if the values swing, or if their differences do not become smaller.
     """
     first, second = medium - coarse, fine - medium
     if second == 0.0 or first / second <= 1.0:
@@ -202,7 +202,9 @@ def gci_table(report, grids, scheme):
         found = three_grids(*values[name])
         cells = [f"{value:.6f}" for value in values[name]]
         if found is None:
-            cells += ["not monotonic", "", ""]
+            coarse, medium, fine = values[name]
+            swings = (medium - coarse) * (fine - medium) <= 0.0
+            cells += ["not monotonic" if swings else "differences grow", "", ""]
         else:
             cells += [f"{found[0]:.2f}", f"{found[1]:.6f}", f"{100.0 * found[2]:.4f} %"]
         cells += [published, deviation_orders(values[name], float(published))]

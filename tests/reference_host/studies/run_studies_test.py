@@ -62,6 +62,18 @@ class Deviations(unittest.TestCase):
         self.assertEqual(studies.deviation_orders([4.9, 5.1, 5.05], 5.0), "change of sign, 1.00")
         self.assertEqual(studies.deviation_orders([5.1, 5.0], 5.0), "change of sign")
 
+    def test_a_table_tells_values_that_swing_from_differences_that_grow(self):
+        for drags, text in [((5.5, 5.6, 5.55), "not monotonic"),
+                            ((5.5, 5.6, 5.8), "differences grow")]:
+            report = studies.Report("host")
+            for n, drag in zip((5, 10, 20), drags):
+                report.flow.done[("--set", f"n={n}", "--scheme", "lud")] = {
+                    "Cd": [str(drag), "5.58"], "pressure difference": ["0.1", "0.1175"]}
+            printed = io.StringIO()
+            with contextlib.redirect_stdout(printed):
+                studies.gci_table(report, [5, 10, 20], "lud")
+            self.assertIn(f"| {text} |  |  | 5.58 |", printed.getvalue())
+
     def test_three_grids_run_each_scheme_and_the_external_solver_on_fine_grids(self):
         chosen = studies.parse_arguments(
             ["--host", str(SCRIPT), "--gci", "10,20,40", "--gci-scheme", "quick"])
