@@ -24,7 +24,7 @@ constexpr double roughlySettledChange = 0.1;
 /// Part of the pressure correction that is added to the pressure until the change is below
 /// `settledChange`. The whole correction overshoots where the pressure gradient of a cell answers
 /// more strongly than the gradients at its faces, as beside walls: on prisms at n = 20 the drag of
-/// the benchmark 2D-1 then swings to ten times its value before it settles. Afterwards the whole
+/// the benchmark 2D-1 then swings to ten times its value before it settles. Afterward the whole
 /// correction converges faster.
 constexpr double earlyPressureShare = 0.7;
 

@@ -1,12 +1,15 @@
 #!/usr/bin/python3
 """Runs the studies of mesh parameters for the flow around a cylinder, benchmark 2D-1.
 
-    run_studies.py [--host PROGRAM] [--n 10] [--gci 5,10,20] [--studies radius,ratio,...]
+    run_studies.py [--host PROGRAM] [--n 10] [--gci 5,10,20] [--gci-scheme lud,quick]
+                   [--conservation momentum] [--studies radius,ratio,...]
 
 Prints every table of docs/studies.md as Markdown, each with the command of one of its rows and the
 time it took. --n gives the cells per diameter of all studies except the study of three grids, which
-has its own (--gci, from coarse to fine, each twice as fine as the one before). A run that ends with
-an error becomes a row with its message. Exits with 1 if there was one.
+has its own (--gci, from coarse to fine, each twice as fine as the one before). That study prints a
+table for each convection scheme of --gci-scheme. --conservation is passed on to all runs of the
+flow; with "none" the hole boundary shows what the interpolation between the grids creates. A run
+that ends with an error becomes a row with its message. Exits with 1 if there was one.
 """
 
 import argparse
@@ -22,6 +25,7 @@ FITTED = "reference_host/meshes/channel_cylinder_fitted.geo"
 SQUARE = "reference_host/meshes/box_square_overset.geo"
 CHANNEL = "reference_host/meshes/channel_cylinder_overset.geo"
 EXACT_HEAT = 4.0350931034  # reference_host/studies/heat_reference.py
+SAMG_FROM = 40  # cells per diameter from which the external solver is faster for the pressure
 DEFAULT_HOST = "build/run/reference_host/reference_host"
 
 
@@ -62,8 +66,9 @@ def parse_flow(text):
 class Flow:
     """Runs of the case `cylinder`; the same run is made once."""
 
-    def __init__(self, host):
+    def __init__(self, host, conservation=None):
         self.host = host
+        self.further = ["--conservation", conservation] if conservation else []
         self.done = {}
 
     def rows(self, arguments):
@@ -71,7 +76,8 @@ class Flow:
         if key not in self.done:
             with tempfile.TemporaryDirectory() as output:
                 try:
-                    text = run_host(self.host, ["cylinder", *arguments, "--output", output])
+                    text = run_host(self.host, [
+                        "cylinder", *arguments, *self.further, "--output", output])
                     self.done[key] = parse_flow(text)
                 except RunFailed as failure:
                     self.done[key] = failure
@@ -83,9 +89,9 @@ class Flow:
 class Report:
     """Prints tables and counts the rows that failed."""
 
-    def __init__(self, host):
+    def __init__(self, host, conservation=None):
         self.host = host
-        self.flow = Flow(host)
+        self.flow = Flow(host, conservation)
         self.failures = 0
 
     def title(self, text):
@@ -114,10 +120,11 @@ class Report:
             cells = [label, found["cells"][0], f"{float(found['Cd'][0]):.4f}", found["Cd"][-1],
                      found["Cl"][-1], found["pressure difference"][-1], found["mass defect"][0],
                      found["outer iterations"][0]]
-            cells += [" ".join(found.get(name, [""])) for name in further]
+            # A force over a control surface ends with its difference from that on the body.
+            cells += [found.get(name, [""])[-1] for name in further]
             print("| " + " | ".join(cells) + " |")
-        print(f"\n    reference_host cylinder {' '.join(runs[0][1])} --output DIRECTORY\n",
-              flush=True)
+        command = " ".join(["cylinder", *runs[0][1], *self.flow.further])
+        print(f"\n    reference_host {command} --output DIRECTORY\n", flush=True)
 
 
 def table_head(heads):
@@ -131,7 +138,7 @@ def three_grids(coarse, medium, fine, ratio=2.0):
     P. J. Roache, J. Fluids Eng. 116 (1994) 405-413; I. B. Celik et al., J. Fluids Eng. 130 (2008)
     078001, equations 2 to 7 for a constant ratio of refinement, with the safety factor 1.25.
 
-    Returns None if the values do not converge monotonically.
+    Returns None if the values swing, or if their differences do not become smaller.
     """
     first, second = medium - coarse, fine - medium
     if second == 0.0 or first / second <= 1.0:
@@ -168,12 +175,19 @@ def study_single(report, n, _):
     report.flow_table("mesh", [("overset pair", size), ("one grid", ["--mesh", FITTED, *size])])
 
 
-def study_gci(report, _, grids):
-    report.title("Three grids, n = " + ", ".join(str(n) for n in grids))
+def study_gci(report, _, chosen):
+    for scheme in chosen.gci_scheme:
+        gci_table(report, chosen.gci, scheme)
+
+
+def gci_table(report, grids, scheme):
+    """Table of three grids for one convection scheme."""
+    report.title("Three grids, n = " + ", ".join(str(n) for n in grids) + f", {scheme}")
     values = {}
     try:
         for n in grids:
-            rows = report.flow.rows(["--set", f"n={n}"])
+            solver = ["--pressure-solver", "samg"] if n >= SAMG_FROM else []
+            rows = report.flow.rows(["--set", f"n={n}", "--scheme", scheme, *solver])
             for name in ["Cd", "pressure difference"]:
                 values.setdefault(name, []).append(float(rows[name][0]))
                 values.setdefault(name + " published", rows[name][1])
@@ -181,17 +195,36 @@ def study_gci(report, _, grids):
         report.failures += 1
         print(f"{failure}\n")
         return
-    table_head(["figure", *(f"n = {n}" for n in grids), "order", "extrapolated", "GCI", "published"])
+    table_head(["figure", *(f"n = {n}" for n in grids), "order", "extrapolated", "GCI", "published",
+                "orders of the deviation"])
     for name in ["Cd", "pressure difference"]:
         published = values[name + " published"]
         found = three_grids(*values[name])
         cells = [f"{value:.6f}" for value in values[name]]
         if found is None:
-            cells += ["not monotonic", "", ""]
+            coarse, medium, fine = values[name]
+            swings = (medium - coarse) * (fine - medium) <= 0.0
+            cells += ["not monotonic" if swings else "differences grow", "", ""]
         else:
             cells += [f"{found[0]:.2f}", f"{found[1]:.6f}", f"{100.0 * found[2]:.4f} %"]
-        print("| " + " | ".join([name, *cells, published]) + " |")
-    print("\n    reference_host cylinder --set n=N --output DIRECTORY\n", flush=True)
+        cells += [published, deviation_orders(values[name], float(published))]
+        print("| " + " | ".join([name, *cells]) + " |")
+    samg = f", with --pressure-solver samg from n = {SAMG_FROM} on" * (grids[-1] >= SAMG_FROM)
+    print(f"\n    reference_host cylinder --set n=N --scheme {scheme} --output DIRECTORY{samg}\n",
+          flush=True)
+
+
+def deviation_orders(values, published, ratio=2.0):
+    """Orders of the deviation from the published value, from each grid to the next finer one.
+
+    A deviation that changes its sign has no order; the text says so.
+    """
+    orders = []
+    for coarse, fine in zip(values, values[1:]):
+        quotient = (coarse - published) / (fine - published) if fine != published else 0.0
+        orders.append(f"{math.log(quotient) / math.log(ratio):.2f}" if quotient > 0.0
+                      else "change of sign")
+    return ", ".join(orders)
 
 
 def study_heat(report, n, _):
@@ -252,6 +285,8 @@ def parse_arguments(arguments):
     parser.add_argument("--host", default=str(ROOT / DEFAULT_HOST), help="the reference host")
     parser.add_argument("--n", default="10", help="cells per diameter, separated by commas")
     parser.add_argument("--gci", default="5,10,20", help="three sizes, each twice the one before")
+    parser.add_argument("--gci-scheme", default="lud,quick", help="schemes of the three grids")
+    parser.add_argument("--conservation", help="what is conserved where the background is cut")
     parser.add_argument("--studies", default=",".join(STUDIES), help="studies to run")
     chosen = parser.parse_args(arguments)
     try:
@@ -261,6 +296,7 @@ def parse_arguments(arguments):
         parser.error("--n and --gci are integers, separated by commas")
     if len(chosen.gci) != 3 or any(2 * a != b for a, b in zip(chosen.gci, chosen.gci[1:])):
         parser.error("--gci gives three sizes, each twice the one before")
+    chosen.gci_scheme = chosen.gci_scheme.split(",")
     chosen.studies = chosen.studies.split(",")
     unknown = [name for name in chosen.studies if name not in STUDIES]
     if unknown:
@@ -273,11 +309,11 @@ def parse_arguments(arguments):
 
 def main(arguments):
     chosen = parse_arguments(arguments)
-    report = Report(chosen.host)
+    report = Report(chosen.host, chosen.conservation)
     for name in chosen.studies:
         for n in chosen.n if name != "gci" else [None]:
             start = time.monotonic()
-            STUDIES[name](report, n, chosen.gci)
+            STUDIES[name](report, n, chosen)
             print(f"*{time.monotonic() - start:.0f} s*\n", flush=True)
     return 1 if report.failures else 0
 

@@ -116,22 +116,26 @@ TEST(SphereFlow, SideWallsMoveWithTheStreamAndTheSphereIsAtRest) {
 
 /// Runs the sphere at n = 5 with the limits of its figures.
 /// @param shell  the parameter of the mesh: 0 hexahedra, 2 tetrahedra
-int RunCoarse(int shell, int maxIterations, const TempDirectory& results) {
+int RunCoarse(int shell, double relaxation, int maxIterations, const TempDirectory& results) {
     host::SphereCase run;
     run.meshFile = std::string(KVX3D_TEST_MESH_DIR) + "/sphere_overset.geo";
     run.parameters = {{"n", 5}, {"shell", shell}};
     run.outputDir = results.Text();
     run.stepsEvery = 1000;
+    run.relaxation = relaxation;
     run.maxIterations = maxIterations;
     run.check = true;
     return host::RunSphere(run);
 }
 
+/// With the default relaxation the run ends before the far field has settled: the drag over the
+/// outer boundary is still 0.5 % away from that of the body.
 TEST(FullSphereFlow, FiguresOfTheCoarseMeshAreWithinTheirRegressionLimits) {
     TempDirectory results;
     OutputCapture quiet;
 
-    EXPECT_EQ(RunCoarse(/*shell=*/0, /*maxIterations=*/1000, results), 0) << quiet.Err();
+    EXPECT_EQ(RunCoarse(/*shell=*/0, /*relaxation=*/0.8, /*maxIterations=*/1000, results), 0)
+        << quiet.Err();
 
     std::ifstream axis(results.Path() / "wake_axis.csv");
     std::string heading;
@@ -145,7 +149,8 @@ TEST(FullSphereFlow, ConvergesInAShellOfTetrahedraWithFlatCellsOnTheSphere) {
     TempDirectory results;
     OutputCapture quiet;
 
-    EXPECT_EQ(RunCoarse(/*shell=*/2, /*maxIterations=*/110, results), 0) << quiet.Err();
+    EXPECT_EQ(RunCoarse(/*shell=*/2, /*relaxation=*/0.9, /*maxIterations=*/110, results), 0)
+        << quiet.Err();
 }
 
 }  // namespace

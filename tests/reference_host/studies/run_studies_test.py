@@ -26,6 +26,7 @@ Benchmark 2D-1, lud at 10 cells per diameter, 5423 cells:
   mass defect                -2.71e-03
   outer iterations                 105
   a further figure              0.1234
+  Cd, hole boundary       5.5599297210   from the body     -0.000 %
   pressure iterations             31.7  at most 69
   CPU seconds                      6.2
 Results: directory/VTK_Overset_Flow_Results.pvd (time is the iteration), residuals: history.csv
@@ -53,6 +54,42 @@ class ThreeGrids(unittest.TestCase):
         self.assertIsNone(studies.three_grids(1.0, 2.0, 2.0))
 
 
+class Deviations(unittest.TestCase):
+    def test_orders_follow_from_the_quotients_of_the_deviations(self):
+        self.assertEqual(studies.deviation_orders([6.6, 5.4, 5.1], 5.0), "2.00, 2.00")
+
+    def test_a_deviation_that_changes_its_sign_or_vanishes_has_no_order(self):
+        self.assertEqual(studies.deviation_orders([4.9, 5.1, 5.05], 5.0), "change of sign, 1.00")
+        self.assertEqual(studies.deviation_orders([5.1, 5.0], 5.0), "change of sign")
+
+    def test_a_table_tells_values_that_swing_from_differences_that_grow(self):
+        for drags, text in [((5.5, 5.6, 5.55), "not monotonic"),
+                            ((5.5, 5.6, 5.8), "differences grow")]:
+            report = studies.Report("host")
+            for n, drag in zip((5, 10, 20), drags):
+                report.flow.done[("--set", f"n={n}", "--scheme", "lud")] = {
+                    "Cd": [str(drag), "5.58"], "pressure difference": ["0.1", "0.1175"]}
+            printed = io.StringIO()
+            with contextlib.redirect_stdout(printed):
+                studies.gci_table(report, [5, 10, 20], "lud")
+            self.assertIn(f"| {text} |  |  | 5.58 |", printed.getvalue())
+
+    def test_three_grids_run_each_scheme_and_the_external_solver_on_fine_grids(self):
+        chosen = studies.parse_arguments(
+            ["--host", str(SCRIPT), "--gci", "10,20,40", "--gci-scheme", "quick"])
+        report = studies.Report("host")
+        for n, solver in [(10, ()), (20, ()), (40, ("--pressure-solver", "samg"))]:
+            drag = 5.5795352338 - 1.6 / n**2
+            report.flow.done[("--set", f"n={n}", "--scheme", "quick", *solver)] = {
+                "Cd": [str(drag), "5.5795352338"], "pressure difference": ["0.1", "0.1175201670"]}
+        printed = io.StringIO()
+        with contextlib.redirect_stdout(printed):
+            studies.study_gci(report, None, chosen)
+        self.assertIn("| Cd | 5.563535 | 5.575535 | 5.578535 | 2.00 | 5.579535 | 0.0224 % | "
+                      "5.5795352338 | 2.00, 2.00 |", printed.getvalue())
+        self.assertIn("--scheme quick", printed.getvalue())
+
+
 class Tables(unittest.TestCase):
     def table(self, results):
         """The lines of a flow table whose runs have the outputs or errors `results`."""
@@ -72,10 +109,12 @@ class Tables(unittest.TestCase):
 
     def test_known_figures_and_further_ones_are_columns(self):
         report, lines = self.table([studies.parse_flow(OUTPUT)])
-        self.assertTrue(lines[0].endswith("| iterations | a further figure |"), lines[0])
+        self.assertTrue(lines[0].endswith(
+            "| iterations | a further figure | Cd, hole boundary |"), lines[0])
         self.assertEqual(
             lines[2],
-            "| run 0 | 5423 | 5.5599 | -0.351 % | -6.831 % | +0.004 % | -2.71e-03 | 105 | 0.1234 |")
+            "| run 0 | 5423 | 5.5599 | -0.351 % | -6.831 % | +0.004 % | -2.71e-03 | 105 | 0.1234 "
+            "| -0.000 % |")
         self.assertEqual(report.failures, 0)
 
     def test_run_with_an_error_is_a_row_and_counts(self):
