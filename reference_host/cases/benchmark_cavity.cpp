@@ -16,6 +16,15 @@ namespace {
 
 constexpr double samePlace = 1e-9;  // in sides: much smaller than a cell, much larger than rounding
 
+bool HasLid(const Mesh& mesh, double side) {
+    for (int face = 1; face <= mesh.FaceCount(Boundary::Wall); ++face) {
+        if (WallVelocityAt(mesh.Faces(Boundary::Wall)[face].centre, side).x() > 0.0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// The point refined by the parabola through it and its two neighbors.
 ProfilePoint Refined(const Profile& profile, std::size_t k) {
     if (k == 0 || k + 1 == profile.size()) {
@@ -142,6 +151,12 @@ double SideOf(const Mesh& mesh, const std::string& meshFile) {
             fmt::format("{}: the cavity must be a square with the corner (0, 0), but the mesh "
                         "reaches from ({:g}, {:g}) to ({:g}, {:g})",
                         meshFile, low.x(), low.y(), high.x(), high.y()));
+    }
+    if (!HasLid(mesh, side)) {
+        throw std::runtime_error(
+            fmt::format("{}: the lid, the side y = {:g} of the cavity, has no face in the group "
+                        "\"wall\", and nothing would move the fluid",
+                        meshFile, side));
     }
     return side;
 }

@@ -23,7 +23,7 @@ namespace host {
 namespace benchmarkcavity {
 
 /// The side of the cavity. Refuses a mesh that is not one cell thick, does not fill a square with
-/// the lower left corner (0, 0), or has an outlet.
+/// the lower left corner (0, 0), has an outlet, or has no wall where the lid is.
 /// @param meshFile  beginning of the message
 /// @throws std::runtime_error  one line
 double SideOf(const Mesh& mesh, const std::string& meshFile);

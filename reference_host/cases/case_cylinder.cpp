@@ -18,6 +18,8 @@ public:
 
     std::string Body() const override { return "cylinder"; }
 
+    void Require(const Mesh& mesh) override { RequireInletAndOutlet(mesh, run.meshFile); }
+
     void RequireLimits(const Mesh& mesh) override {
         if (mesh.GridCount() == 1) {
             throw std::runtime_error("check: the limits are for an overset pair, not for one grid");

@@ -38,6 +38,7 @@ public:
             throw std::runtime_error(run.meshFile +
                                      ": one cell thick, but a sphere needs three dimensions");
         }
+        RequireInletAndOutlet(mesh, run.meshFile);
     }
 
     void RequireLimits(const Mesh& mesh) override {

@@ -1,5 +1,7 @@
 #include "reference_host/cases/flow_case.h"
 
+#include <stdexcept>
+
 #include "reference_host/link/body.h"
 #include "reference_host/link/donor_table.h"
 #include "reference_host/mesh/cell_size.h"
@@ -48,7 +50,7 @@ std::vector<Option> FlowOptions(FlowCase& run) {
         SchemeOption(run.scheme),
         NumberOption({"solver.relaxation", "--relaxation",
                       "relaxation factor of the momentum equations; by default 0.9 up to 10 cells "
-                      "per diameter, 0.95 at 20, 0.975 at 40"},
+                      "per unit length (a diameter), 0.95 at 20, 0.975 at 40"},
                      run.relaxation, Range::Between(0.01, 0.999)),
         SolverOption(run.matrixSolver),
         PressureSolverOption(run.pressureSolver),
@@ -70,6 +72,17 @@ ForceCoefficients FlowProblem::Coefficients(const FlowSolver& flow) const {
     const Momentum& momentum = flow.MomentumPart();
     const Vec3 force = ForceOnBody(momentum, flow.Fields()) / ForceUnit(momentum.builder.mesh);
     return {force.x(), force.y()};
+}
+
+void RequireInletAndOutlet(const Mesh& mesh, const std::string& meshFile) {
+    if (mesh.FaceCount(Boundary::Inlet) == 0) {
+        throw std::runtime_error(meshFile + ": the mesh has no face in the group \"inlet\"");
+    }
+    if (mesh.FaceCount(Boundary::Outlet) == 0) {
+        throw std::runtime_error(meshFile +
+                                 ": the mesh has no face in the group \"outlet\", and the fluid "
+                                 "that enters could not leave");
+    }
 }
 
 int RunFlow(const FlowCase& run, FlowProblem& problem) {

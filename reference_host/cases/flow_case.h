@@ -61,6 +61,10 @@ public:
     ForceCoefficients Coefficients(const FlowSolver& flow) const;
 };
 
+/// Refuses a mesh through which no stream can pass, for a body in a stream.
+/// @throws std::runtime_error  one line: no face in the group "inlet" or "outlet"
+void RequireInletAndOutlet(const Mesh& mesh, const std::string& meshFile);
+
 /// Runs a flow case: reads and cuts the mesh, iterates, prints progress and figures, writes a
 /// result series (time is the iteration), the residual history `history.csv` and the donors
 /// `donors.csv`.

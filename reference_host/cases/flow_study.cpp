@@ -87,22 +87,28 @@ FlowSettings FlowLevelSolver::Settings(Scheme scheme, double mu, MatrixSolver ma
 }
 
 FlowStudyLevel FlowLevelSolver::Solve(Scheme scheme, double mu, MatrixSolver matrixSolver) {
-    FlowSolver flow(level.mesh, level.objects, level.link, Settings(scheme, mu, matrixSolver));
+    const FlowSettings settings = Settings(scheme, mu, matrixSolver);
+    FlowSolver flow(level.mesh, level.objects, level.link, settings);
     FlowIteration last;
     int iterations = 0;
-    do {
+    while (iterations == 0 || !HasConverged(last, converged)) {
+        if (iterations == maxIterations) {
+            throw std::runtime_error(fmt::format("{}, {}: not converged after {} iterations: {}",
+                                                 level.place, Name(scheme), iterations,
+                                                 WhyNotConverged(last, converged)));
+        }
         last = flow.Iterate();
         ++iterations;
         if (HasDiverged(last)) {
             throw std::runtime_error(fmt::format("{}, {}: the flow diverges in iteration {}",
                                                  level.place, Name(scheme), iterations));
         }
-        if (iterations == maxIterations) {
-            throw std::runtime_error(fmt::format("{}, {}: not converged after {} iterations: {}",
-                                                 level.place, Name(scheme), iterations,
-                                                 WhyNotConverged(last, converged)));
+        const std::string idle = IdleSolve(last, settings);
+        if (!idle.empty()) {
+            throw std::runtime_error(fmt::format("{}, {}: iteration {}: {}", level.place,
+                                                 Name(scheme), iterations, idle));
         }
-    } while (!HasConverged(last, converged));
+    }
     FlowStudyLevel measured = Measure(flow);
     measured.iterations = iterations;
     return measured;

@@ -53,7 +53,8 @@ public:
     /// @param level  its series receives the differences to the exact pressure and velocity
     explicit FlowLevelSolver(const StudyMesh& level);
 
-    /// @throws std::runtime_error  one line: diverged or not converged
+    /// @throws std::runtime_error  one line: diverged, not converged, or a linear solver that
+    ///         returned its first guess unchanged
     FlowStudyLevel Solve(Scheme scheme, double mu, MatrixSolver matrixSolver);
 
 private:

@@ -14,7 +14,7 @@ void AddTriangle(const Vec3& a, const Vec3& b, const Vec3& c, std::vector<FacePo
     points.push_back({middle, 9.0 / 40.0 * area});
     const double root = std::sqrt(15.0);
     for (const double sign : {-1.0, 1.0}) {
-        const double share = (6.0 + sign * root) / 21.0;  // barycentric coordinate, twice
+        const double share = (6.0 + sign * root) / 21.0;  // barycentric, of both other corners
         const Vec3 weighted = (155.0 + sign * root) / 1200.0 * area;
         for (const Vec3& corner : {a, b, c}) {
             points.push_back({share * 3.0 * middle + (1.0 - 3.0 * share) * corner, weighted});

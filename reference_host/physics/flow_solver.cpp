@@ -22,7 +22,7 @@ constexpr double settledChange = 0.01;
 /// closed domain needs it from the beginning.
 constexpr double roughlySettledChange = 0.1;
 /// Part of the pressure correction that is added to the pressure until the change is below
-/// `settledChange`. The whole correction overshoots where the pressure gradient of a cell answers
+/// `settledChange`. The whole correction overshoots where the pressure gradient of a cell responds
 /// more strongly than the gradients at its faces, as beside walls: on prisms at n = 20 the drag of
 /// the benchmark 2D-1 then swings to ten times its value before it settles. Afterward the whole
 /// correction converges faster.

@@ -57,7 +57,7 @@ struct FlowIteration {
 /// continuity.
 class FlowSolver {
 public:
-    /// Starts from the velocity profile of the inlet in the whole domain and from zero pressure.
+    /// Starts from FlowSettings::start in the whole domain and from zero pressure.
     /// Keeps references to its arguments except the settings; every iteration overwrites
     /// `objects.mu`.
     FlowSolver(const Mesh& mesh, HostObjects& objects, const OversetLink& link,

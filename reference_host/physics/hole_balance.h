@@ -20,10 +20,11 @@ enum class Conservation {
 ///
 /// Values interpolated between two grids do not conserve mass or momentum: the sums of the fluxes
 /// over the hole boundary of the background miss those of the component by an interpolation error.
-/// Two constants per unit area remove it, a volume flux l out of the background and a force c on
-/// the background, the same at all hole-boundary faces. A constant changes the sum of the fluxes
-/// with the least change of the single fluxes. Both constants are found along with the flow, as
-/// sums of what each iteration of the flow solver finds missing. They are interpolation errors
+/// Two constants per unit area remove it, a volume flux l and a momentum flux c, both out of the
+/// background and the same at all hole-boundary faces. The background loses the momentum c, so c is
+/// the force that its fluid exerts on the hole in addition. A constant changes the sum of the
+/// fluxes with the least change of the single fluxes. Both constants are found along with the flow,
+/// as sums of what each iteration of the flow solver finds missing. They are interpolation errors
 /// themselves and vanish with the square of the cell size.
 ///
 /// Source of the correction of mass: Y. Zang, R. L. Street, Int. J. Numer. Methods Fluids 20 (1995)

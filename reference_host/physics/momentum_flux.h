@@ -12,9 +12,9 @@ namespace host {
 /// face.
 ///
 /// u is the value that the convection scheme multiplies with F, p the face value in the pressure
-/// gradient, and du/dn |S| the Normal stencil of the
-/// velocity. Therefore the fluxes through all faces of a cell add up to what the rows of the
-/// momentum matrix contain for it, apart from relaxation and net outflow.
+/// gradient, and du/dn |S| the result of the stencil "Normal" of the velocity. Therefore the fluxes
+/// through all faces of a cell add up to what the rows of the momentum matrix contain for it, apart
+/// from relaxation and net outflow.
 class MomentumFlux {
 public:
     /// Borrows its arguments.

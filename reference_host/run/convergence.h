@@ -11,8 +11,8 @@ namespace host {
 struct ConvergenceLimits {
     double change = 1e-7;  ///< relative change of the velocity
     /// Mass residual before the pressure correction, relative to FlowSolver::MassScale(). The
-    /// correction of the same iteration reduces it about tenfold, so the final
-    /// fluxes satisfy the mass balance of the cells within about 1e-5 of that scale.
+    /// correction of the same iteration reduces it about tenfold, so the final fluxes satisfy the
+    /// mass balance of the cells within about 1e-5 of that scale.
     double mass = 1e-4;
 };
 

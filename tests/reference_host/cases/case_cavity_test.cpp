@@ -66,6 +66,19 @@ TEST(CavityMesh, IsASquareWithoutAnOutletAndOneCellThick) {
                           "reaches from (0, 0) to (4, 5)"));
 }
 
+TEST(CavityMesh, HasALidThatIsAWall) {
+    EXPECT_EQ(ErrorOf([] {
+                  const host::Mesh mesh = ReadEdited(
+                      cavityGeo, {{"n", 8}},
+                      {{"Physical Surface(\"wall\", 13) = {sides[]};",
+                        "Physical Surface(\"wall\", 13) = {sides[0], sides[1], sides[3]};"
+                        "Physical Surface(\"inlet\", 11) = {sides[2]};"}});
+                  cavity::SideOf(mesh, "a");
+              }),
+              "a: the lid, the side y = 4 of the cavity, has no face in the group \"wall\", and "
+              "nothing would move the fluid");
+}
+
 TEST(CavityMesh, IsEmptyWithoutACylinder) {
     const auto isEmpty = [](const host::MeshParameters& parameters) {
         return cavity::IsEmpty(ReadShipped(cavityGeo, parameters), 4.0);

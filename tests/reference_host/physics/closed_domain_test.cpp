@@ -66,6 +66,17 @@ TEST_P(ClosedDomain, KeepsMassAndMomentumAtTheInterface) {
     }
 }
 
+TEST(ClosedPair, FirstPressureCorrectionMakesTheNetFluxThroughTheHoleZero) {
+    const OutputCapture quiet;
+    MeshCase c({"Pair", "cavity.geo", {{"n", 16}, {"kind", 1}}});
+    host::FlowSolver flow(c.mesh, c.objects, c.link, Driven());
+
+    flow.Iterate();
+
+    EXPECT_GT(std::abs(flow.Hole().Flux()), 1e-5 * flow.MassScale());  // it was not zero before
+    EXPECT_LT(std::abs(flow.Hole().NetFlux(flow.Flux())), 1e-13 * flow.MassScale());
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Cavity, ClosedDomain,
     testing::Values(MeshChoice{"OneGrid", "cavity.geo", {{"n", 16}}},

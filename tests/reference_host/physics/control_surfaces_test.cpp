@@ -83,6 +83,26 @@ TEST(ReleaseHoleBoundary, ConservesOnlyWhatTheSettingsAskFor) {
     }
 }
 
+TEST(InterfaceMass, IsWhatTheBackgroundReceivesRelativeToTheStreamThroughTheFrontalArea) {
+    const OutputCapture quiet;
+    MeshCase c(channel5);
+    host::FlowSettings settings = FlowAtRe20(c.mesh);
+    settings.conservation = Conservation::None;
+    FlowSolver flow(c.mesh, c.objects, c.link, settings);
+    flow.Iterate();
+    // The flow has not converged: the net outflow of the cells is subtracted.
+    double received = flow.MassDefect() * flow.Inflow();
+    const std::vector<double> net = host::NetOutflow(c.mesh, c.link, flow.Flux());
+    for (int cell = 1; cell <= c.mesh.CellCount(); ++cell) {
+        received -= c.mesh.cavity[cell] == 1 ? net[cell] : 0.0;
+    }
+    ASSERT_GT(std::abs(received), 1e-6);
+
+    // The diameter is 1, and the mean velocity 1.
+    EXPECT_NEAR(host::FrontalStream(flow) / c.mesh.Depth(), 1.0, 0.02);
+    EXPECT_NEAR(*host::InterfaceMassDefect(flow) * host::FrontalStream(flow), received, 1e-10);
+}
+
 TEST(HoleBoundary, CorrectionIsTheSameFluxPerAreaOnEveryFaceOfTheHole) {
     const OutputCapture quiet;
     MeshCase c(channel5);
