@@ -44,7 +44,7 @@ inline int Converge(host::FlowSolver& flow, double change = 1e-7) {
     return iterations;
 }
 
-/// Flows that several tests of one suite read, each solved when the first of them asks for it.
+/// Flows that several tests of one suite read. Each is computed once, when a test first needs it.
 /// @tparam Run  can be constructed from a MeshChoice
 template <class Run>
 class FlowsSolvedOnce {
