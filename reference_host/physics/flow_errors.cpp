@@ -1,6 +1,7 @@
 #include "reference_host/physics/flow_errors.h"
 
 #include <cmath>
+#include <stdexcept>
 
 #include "reference_host/link/body.h"
 #include "reference_host/physics/face_quadrature.h"
@@ -15,10 +16,15 @@ std::pair<Boundary, std::vector<int>> FacesWithForce(const StencilBuilder& build
     if (!faces.empty()) {
         return {Boundary::Wall, faces};
     }
-    for (int face = 1; face <= builder.mesh.FaceCount(Boundary::Inlet); ++face) {
-        faces.push_back(face);
+    for (const Boundary kind : {Boundary::Inlet, Boundary::Outlet}) {
+        for (int face = 1; face <= builder.mesh.FaceCount(kind); ++face) {
+            faces.push_back(face);
+        }
+        if (!faces.empty()) {
+            return {kind, faces};
+        }
     }
-    return {Boundary::Inlet, faces};
+    throw std::runtime_error("a manufactured flow needs a wall, an inlet or an outlet");
 }
 
 Vec3 ExactForce(const ManufacturedFlow& exact, const Mesh& mesh, const BoundaryFace& face,

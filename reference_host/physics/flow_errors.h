@@ -27,8 +27,8 @@ struct FlowErrorNorms {
 FlowErrorNorms NormsOf(const FlowDifference& difference, const FlowSolver& flow, int cavity = 0);
 
 /// Error of the force p S - mu du/dn |S| on the physical walls of the body; on a single grid these
-/// are all walls, and if there are none the inlet takes their place. The exact force is the
-/// integral over the same faces, which are plane where the body is curved.
+/// are all walls, and if there are none the inlet takes their place, or else the outlet. The exact
+/// force is the integral over the same faces, which are plane where the body is curved.
 ///
 /// @return magnitude of the difference of the force vectors, relative to the sum of the magnitudes
 ///         of the exact forces on the single faces; the whole exact force may be close to zero
